@@ -1,0 +1,32 @@
+#include "foundation/KRFiles.h"
+
+#include "foundation/KRLog.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+KRResult<void> KRWriteFileAtomically(const QString& path, const QByteArray& bytes)
+{
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly)
+        && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
+        && file.write(bytes) == bytes.size() && file.commit();
+    if (written)
+        return {};
+    return errorWithDomain(QString::fromUtf16(KRFileErrorDomain),
+        -1,
+        QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
+}
+
+QString KRSetAsideUnreadableFile(const QString& path)
+{
+    QString target = path + QStringLiteral(".unreadable");
+    for (int number = 2; QFile::exists(target); ++number)
+        target = path + QStringLiteral(".unreadable-%1").arg(number);
+    if (!QFile::rename(path, target)) {
+        KRLog(QStringLiteral("Error: %1 cannot be read and could not be set aside").arg(path));
+        return {};
+    }
+    KRLog(QStringLiteral("Warning: %1 cannot be read, it was set aside as %2").arg(path, target));
+    return target;
+}
