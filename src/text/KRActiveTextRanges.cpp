@@ -1,0 +1,309 @@
+#include "text/KRActiveTextRanges.h"
+
+#include "text/KRRegex.h"
+
+#include <array>
+#include <string_view>
+
+// A status is mostly text without active spans, so each kind looks for the characters its pattern cannot do
+// without ("#", "@", "$", "://", "www.") and asks the expression only there. For links and e-mail addresses
+// this is also what bounds the time: run over a long word, their whole patterns try each of its characters as
+// the beginning, and the link pattern each way of cutting the scheme in two, which takes ICU hours for a
+// draft of a few thousand letters. Both patterns fall into a part before the mandatory characters and a part
+// behind them, and neither part depends on what the other matched; so the part behind is matched first, once.
+namespace {
+
+constexpr std::u16string_view linkPattern = KRLinkRegex;
+constexpr std::u16string_view schemeEnd = u"://";
+constexpr std::u16string_view webPrefix = u"www.";
+constexpr std::u16string_view webPrefixPattern = u"(?:www\\.))";
+
+// What follows "://" or "www.".
+constexpr std::u16string_view linkBodyPattern
+    = linkPattern.substr(linkPattern.find(webPrefixPattern) + webPrefixPattern.size());
+// Where a scheme or "www." may begin.
+constexpr std::u16string_view letterAtWordBoundaryPattern = u"\\b[A-Za-z]";
+
+constexpr std::u16string_view emailPattern = KREmailRegex;
+// What follows the local part, from the "@" on.
+constexpr std::u16string_view emailDomainPattern = emailPattern.substr(emailPattern.find(u'@'));
+
+constexpr bool isASCIILetterOrDigit(char16_t unit)
+{
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9');
+}
+
+constexpr bool isSchemeUnit(char16_t unit)
+{
+    return isASCIILetterOrDigit(unit) || unit == u'-';
+}
+
+constexpr bool isEmailLocalPartUnit(char16_t unit)
+{
+    return isASCIILetterOrDigit(unit)
+        || std::u16string_view(u"_-+.!&").find(unit) != std::u16string_view::npos;
+}
+
+QStringView viewOf(std::u16string_view text)
+{
+    return { text.data(), static_cast<qsizetype>(text.size()) };
+}
+
+// The expressions of one thread.
+struct Expressions {
+    KRRegex& hashtag = KRRegex::forThread(KRHashTagRegex);
+    KRRegex& username = KRRegex::forThread(KRTwitterUsernameRegex);
+    KRRegex& stockSymbol = KRRegex::forThread(KRStockSymbolRegex);
+    KRRegex& linkBody = KRRegex::forThread(viewOf(linkBodyPattern));
+    KRRegex& letterAtWordBoundary = KRRegex::forThread(viewOf(letterAtWordBoundaryPattern));
+    KRRegex& emailDomain = KRRegex::forThread(viewOf(emailDomainPattern));
+
+    static Expressions& forThread()
+    {
+        thread_local Expressions expressions;
+        return expressions;
+    }
+};
+
+KRRange rangeBetween(qsizetype location, qsizetype end)
+{
+    return { location, end - location };
+}
+
+// Finds the matches of a pattern that begins with its mandatory character.
+class MarkedWordFinder {
+public:
+    MarkedWordFinder(QStringView text, KRRegex& expression, char16_t mark)
+        : m_text(text)
+        , m_expression(expression)
+        , m_mark(mark)
+    {
+    }
+
+    std::optional<KRRange> firstFrom(qsizetype from)
+    {
+        const qsizetype position = m_text.indexOf(m_mark, from);
+        if (position < 0)
+            return std::nullopt;
+        if (!m_hasSetText) {
+            m_expression.setText(m_text);
+            m_hasSetText = true;
+        }
+        return m_expression.firstMatch(position);
+    }
+
+private:
+    QStringView m_text;
+    KRRegex& m_expression;
+    char16_t m_mark;
+    bool m_hasSetText = false;
+};
+
+class EmailFinder {
+public:
+    explicit EmailFinder(QStringView text)
+        : m_text(text)
+    {
+    }
+
+    std::optional<KRRange> firstFrom(qsizetype from)
+    {
+        qsizetype at = m_text.indexOf(u'@', from);
+        for (; at >= 0; at = m_text.indexOf(u'@', at + 1)) {
+            qsizetype start = at;
+            while (start > from && isEmailLocalPartUnit(m_text[start - 1].unicode()))
+                --start;
+            if (start == at)
+                continue;
+            if (const auto domain = _domainAt(at))
+                return rangeBetween(start, domain->end());
+        }
+        return std::nullopt;
+    }
+
+private:
+    std::optional<KRRange> _domainAt(qsizetype position)
+    {
+        KRRegex& expression = Expressions::forThread().emailDomain;
+        if (!m_hasSetText) {
+            expression.setText(m_text);
+            m_hasSetText = true;
+        }
+        return expression.matchAt(position);
+    }
+
+    QStringView m_text;
+    bool m_hasSetText = false;
+};
+
+class LinkFinder {
+public:
+    explicit LinkFinder(QStringView text)
+        : m_text(text)
+        , m_hasPrefix(text.contains(viewOf(schemeEnd)) || text.contains(viewOf(webPrefix)))
+    {
+    }
+
+    // Neither prefix can hold a part of the other, so the first one that has a body begins the first match.
+    std::optional<KRRange> firstFrom(qsizetype from)
+    {
+        if (!m_hasPrefix)
+            return std::nullopt;
+        for (qsizetype position = from; position < m_text.size(); ++position) {
+            std::optional<KRRange> link;
+            const char16_t unit = m_text[position].unicode();
+            if (unit == u':' && m_text.sliced(position).startsWith(viewOf(schemeEnd)))
+                link = _linkWithSchemeBefore(position, from);
+            else if (unit == u'w' && m_text.sliced(position).startsWith(viewOf(webPrefix)))
+                link = _linkWithWebPrefixAt(position);
+            if (link)
+                return link;
+        }
+        return std::nullopt;
+    }
+
+private:
+    // A scheme reaches back over letters, digits and hyphens to the first letter that begins a word.
+    std::optional<KRRange> _linkWithSchemeBefore(qsizetype colon, qsizetype from)
+    {
+        qsizetype start = colon;
+        while (start > from && isSchemeUnit(m_text[start - 1].unicode()))
+            --start;
+        if (start == colon || m_text[colon - 1] == u'-')
+            return std::nullopt;
+        _setText();
+        const auto body = m_expressions.linkBody.matchAt(colon + static_cast<qsizetype>(schemeEnd.size()));
+        if (!body)
+            return std::nullopt;
+        const auto letter = m_expressions.letterAtWordBoundary.firstMatchInRange(rangeBetween(start, colon));
+        if (!letter)
+            return std::nullopt;
+        return rangeBetween(letter->location, body->end());
+    }
+
+    std::optional<KRRange> _linkWithWebPrefixAt(qsizetype position)
+    {
+        _setText();
+        if (!m_expressions.letterAtWordBoundary.matchAt(position))
+            return std::nullopt;
+        const auto body = m_expressions.linkBody.matchAt(position + static_cast<qsizetype>(webPrefix.size()));
+        if (!body)
+            return std::nullopt;
+        return rangeBetween(position, body->end());
+    }
+
+    void _setText()
+    {
+        if (m_hasSetText)
+            return;
+        m_expressions.linkBody.setText(m_text);
+        m_expressions.letterAtWordBoundary.setText(m_text);
+        m_hasSetText = true;
+    }
+
+    QStringView m_text;
+    Expressions& m_expressions = Expressions::forThread();
+    bool m_hasPrefix;
+    bool m_hasSetText = false;
+};
+
+// Finds the matches of any other pattern.
+class PlainFinder {
+public:
+    PlainFinder(QStringView text, QStringView pattern)
+        : m_expression(KRRegex::forThread(pattern))
+    {
+        m_expression.setText(text);
+    }
+
+    std::optional<KRRange> firstFrom(qsizetype from) { return m_expression.firstMatch(from); }
+
+private:
+    KRRegex& m_expression;
+};
+
+template <class Finder>
+KRRangeList allRanges(Finder finder, QStringView text)
+{
+    KRRangeList ranges;
+    qsizetype position = 0;
+    while (position <= text.size()) {
+        const std::optional<KRRange> match = finder.firstFrom(position);
+        if (!match)
+            break;
+        ranges.append(*match);
+        // A pattern of somebody else may match nothing at all; the search goes on all the same.
+        position = match->length > 0 ? match->end() : match->end() + 1;
+    }
+    return ranges;
+}
+
+MarkedWordFinder hashtagFinder(QStringView text)
+{
+    return { text, Expressions::forThread().hashtag, u'#' };
+}
+
+MarkedWordFinder usernameFinder(QStringView text)
+{
+    return { text, Expressions::forThread().username, u'@' };
+}
+
+MarkedWordFinder stockSymbolFinder(QStringView text)
+{
+    return { text, Expressions::forThread().stockSymbol, u'$' };
+}
+
+template <class Finder>
+bool matchesWhole(Finder finder, QStringView text)
+{
+    return finder.firstFrom(0) == KRRange { 0, text.size() };
+}
+
+} // namespace
+
+namespace KRAdditions {
+
+KRRangeList arrayOfRangesForRegex(QStringView text, QStringView pattern)
+{
+    if (pattern == QStringView(KRLinkRegex))
+        return allRanges(LinkFinder(text), text);
+    if (pattern == QStringView(KRHashTagRegex))
+        return allRanges(hashtagFinder(text), text);
+    if (pattern == QStringView(KRTwitterUsernameRegex))
+        return allRanges(usernameFinder(text), text);
+    if (pattern == QStringView(KRStockSymbolRegex))
+        return allRanges(stockSymbolFinder(text), text);
+    if (pattern == QStringView(KREmailRegex))
+        return allRanges(EmailFinder(text), text);
+    return allRanges(PlainFinder(text, pattern), text);
+}
+
+KRActiveStringType activeStringType(QStringView text)
+{
+    if (text.isEmpty())
+        return KRActiveStringTypeNone;
+    if (matchesWhole(LinkFinder(text), text))
+        return KRActiveStringTypeLink;
+    if (matchesWhole(hashtagFinder(text), text))
+        return KRActiveStringTypeHashtag;
+    if (matchesWhole(usernameFinder(text), text))
+        return KRActiveStringTypeUsername;
+    if (matchesWhole(stockSymbolFinder(text), text))
+        return KRActiveStringTypeStockSymbol;
+    if (matchesWhole(EmailFinder(text), text))
+        return KRActiveStringTypeEmailAddress;
+    return KRActiveStringTypeNone;
+}
+
+} // namespace KRAdditions
+
+KRActiveTextRanges::KRActiveTextRanges(QStringView text)
+    : m_links(allRanges(LinkFinder(text), text))
+    , m_hashtags(allRanges(hashtagFinder(text), text))
+    , m_usernames(allRanges(usernameFinder(text), text))
+    , m_stockSymbols(allRanges(stockSymbolFinder(text), text))
+    , m_emailAddresses(allRanges(EmailFinder(text), text))
+    // Appending to an empty list shares the other's memory: most texts have spans of one kind at most.
+    , m_activeRanges(m_links + m_hashtags + m_usernames + m_stockSymbols + m_emailAddresses)
+{
+}
