@@ -1,7 +1,9 @@
 #include "text/render/KRActiveTextRenderer.h"
 
 #include "foundation/KRLog.h"
+#include "text/render/KRColorConversion.h"
 
+#include <QGlyphRun>
 #include <QPainter>
 
 #include <algorithm>
@@ -45,6 +47,7 @@ void KRActiveTextRenderer::setAttributedString(const KRAttributedString& attribu
     const KRActiveTextRanges& ranges)
 {
     m_attributedString = attributedString;
+    m_runs = attributedString.runs();
     m_activeTextRanges = ranges;
     _layOut();
 }
@@ -73,8 +76,39 @@ void KRActiveTextRenderer::drawAtPoint(QPainter& painter, QPointF point, const Q
         if (!clip.isNull() && point.y() + place.line.y() > clip.bottom())
             break;
         if (clip.isNull() || point.y() + place.bottom() >= clip.top())
-            place.line.draw(&painter, point);
+            _drawLine(painter, point, place);
     }
+}
+
+// Colours are given to the glyphs as they are drawn, not to the layout, which would shape every part on its
+// own: that takes longer and moves letters at the seams.
+void KRActiveTextRenderer::_drawLine(QPainter& painter, QPointF point, const KRTextLayout::Line& place) const
+{
+    auto run = std::partition_point(m_runs.begin(), m_runs.end(), [&](const auto& candidate) {
+        return candidate.range.end() <= place.start();
+    });
+    if (run == m_runs.end() || run->range.location >= place.end()) {
+        place.line.draw(&painter, point);
+        return;
+    }
+    const auto drawGlyphs = [&](qsizetype from, qsizetype to) {
+        for (const QGlyphRun& glyphs : place.line.glyphRuns(int(from) - place.offset, int(to - from)))
+            painter.drawGlyphRun(point, glyphs);
+    };
+    const QPen plainPen = painter.pen();
+    qsizetype at = place.start();
+    for (; run != m_runs.end() && run->range.location < place.end(); ++run) {
+        const qsizetype from = std::max<qsizetype>(run->range.location, place.start());
+        const qsizetype to = std::min<qsizetype>(run->range.end(), place.end());
+        if (at < from)
+            drawGlyphs(at, from);
+        painter.setPen(KRQColor(run->attributes.foreground));
+        drawGlyphs(from, to);
+        painter.setPen(plainPen);
+        at = to;
+    }
+    if (at < place.end())
+        drawGlyphs(at, place.end());
 }
 
 std::span<const KRTextLayout::Line> KRActiveTextRenderer::_shownLines() const

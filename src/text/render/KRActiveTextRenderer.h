@@ -61,10 +61,12 @@ public:
 
 private:
     void _layOut();
+    void _drawLine(QPainter& painter, QPointF point, const KRTextLayout::Line& place) const;
     std::span<const KRTextLayout::Line> _shownLines() const;
     const KRTextLayout::Line* _lineNearest(qreal y) const;
 
     KRAttributedString m_attributedString;
+    QList<KRAttributedString::Run> m_runs;
     KRActiveTextRanges m_activeTextRanges;
     KRTextLayout m_layout;
     QSizeF m_containerSize { UnboundedHeight, UnboundedHeight };

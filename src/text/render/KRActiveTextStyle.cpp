@@ -1,7 +1,5 @@
 #include "text/render/KRActiveTextStyle.h"
 
-#include "text/render/KRColorConversion.h"
-
 #include <QFontDatabase>
 
 #include <algorithm>
@@ -50,18 +48,14 @@ KRAttributedString styledText(const QString& text,
 {
     KRAttributedString attributedString(text, font);
     attributedString.setDirection(directionOfText(text, ranges));
-    const auto color = [&](const KRRangeList& list, const KRColor& foreground) {
-        if (list.isEmpty())
-            return;
-        KRAttributedString::Attributes attributes;
-        attributes.setForeground(KRQColor(foreground));
-        KRAddAttributesToAttributedStringForRanges(attributedString, attributes, list);
+    const auto add = [&](const KRColor& foreground, const KRRangeList& list) {
+        KRAddAttributesToAttributedStringForRanges(attributedString, { foreground }, list);
     };
-    color(ranges.links(), colors.links);
-    color(ranges.emailAddresses(), colors.links);
-    color(ranges.hashtags(), colors.hashtags);
-    color(ranges.usernames(), colors.usernames);
-    color(ranges.stockSymbols(), colors.stockSymbols);
+    add(colors.links, ranges.links());
+    add(colors.links, ranges.emailAddresses());
+    add(colors.hashtags, ranges.hashtags());
+    add(colors.usernames, ranges.usernames());
+    add(colors.stockSymbols, ranges.stockSymbols());
     return attributedString;
 }
 

@@ -8,44 +8,29 @@ namespace {
 bool areInOrder(const QList<KRAttributedString::Run>& runs)
 {
     return std::adjacent_find(runs.begin(), runs.end(), [](const auto& run, const auto& next) {
-        return next.start < run.start + run.length;
+        return next.range.location < run.range.end();
     }) == runs.end();
 }
 
-// The runs that result when each addition is laid over those before it, found by writing the number of the
-// combined attributes into every position: the work grows with the lengths added, however they overlap.
+// The runs that result when each addition is laid over those before it, found by writing its number into
+// every position it covers: the work grows with the lengths added, however they overlap.
 QList<KRAttributedString::Run> flattened(const QList<KRAttributedString::Run>& additions, qsizetype length)
 {
-    constexpr int None = -1;
-    std::vector<int> attributesAt(size_t(length), None);
-    std::vector<KRAttributedString::Attributes> combined;
-    for (const KRAttributedString::Run& addition : additions) {
-        int below = None;
-        int result = None;
-        for (int at = addition.start; at < addition.start + addition.length; ++at) {
-            int& current = attributesAt[size_t(at)];
-            if (result == None || current != below) {
-                below = current;
-                KRAttributedString::Attributes attributes = addition.format;
-                if (below != None) {
-                    attributes = combined[size_t(below)];
-                    attributes.merge(addition.format);
-                }
-                combined.push_back(attributes);
-                result = int(combined.size()) - 1;
-            }
-            current = result;
-        }
+    constexpr qsizetype None = -1;
+    std::vector<qsizetype> additionAt(size_t(length), None);
+    for (qsizetype number = 0; number < additions.size(); ++number) {
+        const KRRange range = additions.at(number).range;
+        std::fill_n(additionAt.begin() + range.location, range.length, number);
     }
     QList<KRAttributedString::Run> runs;
-    for (int at = 0; at < int(length); ++at) {
-        const int attributes = attributesAt[size_t(at)];
-        if (attributes == None)
+    for (qsizetype at = 0; at < length; ++at) {
+        const qsizetype number = additionAt[size_t(at)];
+        if (number == None)
             continue;
-        if (at > 0 && attributesAt[size_t(at) - 1] == attributes)
-            ++runs.last().length;
+        if (at > 0 && additionAt[size_t(at) - 1] == number)
+            ++runs.last().range.length;
         else
-            runs.append({ at, 1, combined[size_t(attributes)] });
+            runs.append({ { at, 1 }, additions.at(number).attributes });
     }
     return runs;
 }
@@ -58,12 +43,12 @@ KRAttributedString::KRAttributedString(const QString& text, const QFont& font)
 {
 }
 
-void KRAttributedString::addAttributes(const Attributes& attributes, KRRange range)
+void KRAttributedString::addAttributes(const KRTextAttributes& attributes, KRRange range)
 {
     const qsizetype start = std::clamp<qsizetype>(range.location, 0, m_text.size());
     const qsizetype length = std::min(range.length, m_text.size() - start);
     if (length > 0)
-        m_additions.append({ int(start), int(length), attributes });
+        m_additions.append({ { start, length }, attributes });
 }
 
 QList<KRAttributedString::Run> KRAttributedString::runs() const
@@ -72,7 +57,7 @@ QList<KRAttributedString::Run> KRAttributedString::runs() const
 }
 
 void KRAddAttributesToAttributedStringForRanges(KRAttributedString& attributedString,
-    const KRAttributedString::Attributes& attributes,
+    const KRTextAttributes& attributes,
     const KRRangeList& ranges)
 {
     for (const KRRange& range : ranges)

@@ -1,16 +1,28 @@
 #pragma once
 
+#include "foundation/KRColor.h"
 #include "foundation/KRRange.h"
 
 #include <QFont>
-#include <QTextLayout>
 
-/// A text with one font and, on parts of it, further attributes; what the renderer draws and measures. A
-/// value. Locations and lengths are in UTF-16 code units.
+/// What may differ between the parts of a text. Nothing here moves a letter: how a text is laid out, and how
+/// tall it is, follows from its characters, its font and its width alone.
+struct KRTextAttributes {
+    KRColor foreground;
+
+    bool operator==(const KRTextAttributes&) const = default;
+};
+
+/// A text with one font and, on parts of it, attributes; what the renderer draws and measures. A value.
+/// Locations and lengths are in UTF-16 code units.
 class KRAttributedString {
 public:
-    using Attributes = QTextCharFormat;
-    using Run = QTextLayout::FormatRange;
+    struct Run {
+        KRRange range;
+        KRTextAttributes attributes;
+
+        bool operator==(const Run&) const = default;
+    };
 
     /// No text at all, which is not the same as an empty one.
     KRAttributedString() = default;
@@ -24,11 +36,10 @@ public:
     Qt::LayoutDirection direction() const { return m_direction; }
     void setDirection(Qt::LayoutDirection direction) { m_direction = direction; }
 
-    /// Adds the attributes to the part of the range that lies in the text. Where some are set already those
-    /// of the same kind are replaced.
-    void addAttributes(const Attributes& attributes, KRRange range);
+    /// Sets the attributes on the part of the range that lies in the text, replacing those that are there.
+    void addAttributes(const KRTextAttributes& attributes, KRRange range);
 
-    /// The attributed parts in text order, none overlapping another.
+    /// The parts with attributes, in text order, none overlapping another.
     [[nodiscard]] QList<Run> runs() const;
 
 private:
@@ -41,5 +52,5 @@ private:
 
 /// Adds the attributes to each of the ranges, in order.
 void KRAddAttributesToAttributedStringForRanges(KRAttributedString& attributedString,
-    const KRAttributedString::Attributes& attributes,
+    const KRTextAttributes& attributes,
     const KRRangeList& ranges);

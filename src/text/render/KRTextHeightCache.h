@@ -14,7 +14,6 @@ public:
     static constexpr qsizetype Capacity = 4096;
 
     /// The remembered height, or that of the styled text, which is asked for only when nothing is remembered.
-    /// Attributes on parts of the text must follow from the text.
     int height(const QString& text,
         const QFont& font,
         int width,

@@ -38,18 +38,6 @@ int pieceLength(const QString& text, int start)
     return text.at(start + LongestPiece).isLowSurrogate() ? LongestPiece - 1 : LongestPiece;
 }
 
-QList<QTextLayout::FormatRange>
-runsOfPiece(const QList<QTextLayout::FormatRange>& runs, int start, int length)
-{
-    QList<QTextLayout::FormatRange> result;
-    auto run = std::lower_bound(runs.begin(), runs.end(), start, [](const auto& candidate, int position) {
-        return candidate.start + candidate.length <= position;
-    });
-    for (; run != runs.end() && run->start < start + length; ++run)
-        result.append({ run->start - start, run->length, run->format });
-    return result;
-}
-
 qreal layOutLines(QTextLayout& layout, qreal width, qreal y)
 {
     layout.beginLayout();
@@ -73,7 +61,6 @@ qreal layOutPieces(const KRAttributedString& attributedString,
 {
     const QString text = withLineSeparators(attributedString.text());
     const int textLength = int(text.size());
-    const QList<QTextLayout::FormatRange> runs = attributedString.runs();
     const qreal lineWidth = std::clamp(width, 0.0, WidestLine);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -86,13 +73,11 @@ qreal layOutPieces(const KRAttributedString& attributedString,
     int start = 0;
     do {
         int length = pieceLength(text, start);
-        const bool isWholeText = length == textLength;
         const bool isLastPiece = start + length == textLength;
         QTextLayout& layout = layoutForPiece();
         layout.setFont(attributedString.font());
         layout.setTextOption(option);
-        layout.setText(isWholeText ? text : text.mid(start, length));
-        layout.setFormats(isWholeText ? runs : runsOfPiece(runs, start, length));
+        layout.setText(length == textLength ? text : text.mid(start, length));
         y = layOutLines(layout, lineWidth, y);
         int lineCount = layout.lineCount();
         if (!isLastPiece && lineCount > 1) {

@@ -2,6 +2,8 @@
 
 #include "text/render/KRAttributedString.h"
 
+#include <QTextLayout>
+
 #include <memory>
 #include <vector>
 
