@@ -1,0 +1,76 @@
+#include "transport/KRBackgroundThread.h"
+
+#include "transport/KRTransferEngine.h"
+
+#include <atomic>
+#include <pthread.h>
+#include <signal.h>
+
+namespace {
+
+std::mutex s_creationLock;
+std::atomic<KRBackgroundThread*> s_sharedThread = nullptr;
+
+} // namespace
+
+KRBackgroundThread::KRBackgroundThread()
+    : m_transfers(std::make_unique<KRTransferEngine>())
+{
+    m_runLoop.setWakeHook([this] { m_transfers->wakeUp(); });
+    m_thread = std::thread([this] { _run(); });
+}
+
+KRBackgroundThread::~KRBackgroundThread()
+{
+    m_runLoop.setWakeHook({});
+}
+
+KRBackgroundThread& KRBackgroundThread::shared()
+{
+    if (KRBackgroundThread* thread = s_sharedThread.load(std::memory_order_acquire))
+        return *thread;
+    std::scoped_lock guard(s_creationLock);
+    if (!s_sharedThread.load(std::memory_order_relaxed)) {
+        // Never destroyed: objects that outlive the thread may still post to it.
+        s_sharedThread.store(new KRBackgroundThread, std::memory_order_release);
+    }
+    return *s_sharedThread.load(std::memory_order_relaxed);
+}
+
+void KRBackgroundThread::stopShared()
+{
+    std::scoped_lock guard(s_creationLock);
+    KRBackgroundThread* thread = s_sharedThread.load(std::memory_order_relaxed);
+    if (!thread || !thread->m_thread.joinable())
+        return;
+    thread->m_runLoop.post([thread] { thread->m_stopping = true; });
+    thread->m_thread.join();
+}
+
+bool KRBackgroundThread::isCurrentThread()
+{
+    const KRBackgroundThread* thread = s_sharedThread.load(std::memory_order_acquire);
+    return thread && thread->m_thread.get_id() == std::this_thread::get_id();
+}
+
+void KRBackgroundThread::_run()
+{
+    // The system's names hold fifteen characters.
+    pthread_setname_np(pthread_self(), "SharedBackgroun");
+    // Writing to a TLS connection that the other side has closed raises SIGPIPE, whose default ends the
+    // process; blocked here, the write fails and the request with it.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    while (!m_stopping) {
+        m_runLoop.runPending();
+        m_transfers->runOnce(m_runLoop.timeUntilNextWork());
+    }
+    m_transfers->cancelAll();
+}
+
+void performOnSharedBackgroundThread(KRRunLoop::Task task)
+{
+    KRBackgroundThread::shared().runLoop().post(std::move(task));
+}

@@ -1,0 +1,118 @@
+#include "foundation/KRFileManager.h"
+#include "foundation/KRFiles.h"
+#include "foundation/KRUserDefaults.h"
+#include "support/KRTestLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto ownerOnly
+    = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser | QFileDevice::WriteUser;
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+TEST(KRUserDefaults, KeepsValuesAcrossInstancesInAPrivateFile)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"deep/pelinor.ini"_s);
+    {
+        KRUserDefaults defaults(path);
+        EXPECT_EQ(defaults.integerForKey("absent"), 0);
+        EXPECT_FALSE(defaults.boolForKey("absent"));
+        EXPECT_TRUE(defaults.stringForKey("absent").isNull());
+        defaults.setString("text", u"a, \"b\" \u00e9\n;#"_s);
+        defaults.setData("data", QByteArray("\0\n\xff,;", 5));
+        defaults.setInteger("number", -7);
+        defaults.setBool("flag", true);
+        defaults.setStringList("list", { u"x,y"_s, u"z"_s });
+        defaults.setString("ServiceHosts/RESTHost", u"example.org/api"_s);
+        ASSERT_FALSE(defaults.synchronize().isError());
+    }
+    EXPECT_EQ(QFile::permissions(path), ownerOnly);
+    KRUserDefaults defaults(path);
+    EXPECT_EQ(defaults.stringForKey("text"), u"a, \"b\" \u00e9\n;#"_s);
+    EXPECT_EQ(defaults.dataForKey("data"), QByteArray("\0\n\xff,;", 5));
+    EXPECT_EQ(defaults.integerForKey("number"), -7);
+    EXPECT_TRUE(defaults.boolForKey("flag"));
+    EXPECT_EQ(defaults.stringListForKey("list"), (QStringList { u"x,y"_s, u"z"_s }));
+    EXPECT_EQ(defaults.keysInGroup(u"ServiceHosts"_s), QStringList { u"RESTHost"_s });
+}
+
+TEST(KRUserDefaults, SetsAnUnreadableFileAside)
+{
+    KRTestLog log;
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"pelinor.ini"_s);
+    const QByteArray garbage("\x01\x02 no preferences at all [[[\n\xff\xfe=\n[");
+    ASSERT_FALSE(KRWriteFileAtomically(path, garbage).isError());
+    KRUserDefaults defaults(path);
+    defaults.setInteger("number", 1);
+    ASSERT_FALSE(defaults.synchronize().isError());
+    EXPECT_EQ(contentOf(path + u".unreadable"_s), garbage);
+    EXPECT_TRUE(log.contains(u"set aside"_s));
+    EXPECT_EQ(KRUserDefaults(path).integerForKey("number"), 1);
+}
+
+TEST(KRUserDefaults, SetsUnreadableDataAsideUnderANewKeyEachTime)
+{
+    KRTestLog log;
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    for (const char* content : { "first", "second" }) {
+        defaults.setData("accounts", content);
+        defaults.setAsideUnreadableData(u"accounts"_s);
+    }
+    EXPECT_FALSE(defaults.contains("accounts"));
+    EXPECT_EQ(defaults.dataForKey("accounts.unreadable"), QByteArray("first"));
+    EXPECT_EQ(defaults.dataForKey("accounts.unreadable-2"), QByteArray("second"));
+}
+
+TEST(KRFiles, ReplacesAFileOrLeavesItAndSaysWhy)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"file"_s);
+    ASSERT_FALSE(KRWriteFileAtomically(path, "one").isError());
+    ASSERT_FALSE(KRWriteFileAtomically(path, "two").isError());
+    EXPECT_EQ(contentOf(path), QByteArray("two"));
+    EXPECT_EQ(QFile::permissions(path), ownerOnly);
+    const auto failed = KRWriteFileAtomically(directory.filePath(u"no/such/folder"_s), "x");
+    ASSERT_TRUE(failed.isError());
+    EXPECT_TRUE(failed.error().description.contains(u"no/such/folder"));
+}
+
+TEST(KRFileManager, MakesPrivateDirectoriesInTheRightPlaces)
+{
+    const QString cache = qEnvironmentVariable("XDG_CACHE_HOME");
+    EXPECT_EQ(KRFileManager::multipartPOSTDataDirectory(),
+        cache + u"/com.kestrin.http-request.multipart-data"_s);
+    EXPECT_EQ(KRFileManager::pelinorProfileImageCacheDirectory(),
+        cache + u"/com.kestrin.pelinor.profile-images"_s);
+    EXPECT_EQ(KRFileManager::miscCacheDirectory(), cache + u"/com.kestrin.pelinor.misc"_s);
+    for (const QString& path : { KRFileManager::storedStreamsDirectory(),
+             KRFileManager::applicationStateDirectory(),
+             KRFileManager::pelinorComposeAttachmentsDirectory() }) {
+        EXPECT_TRUE(path.startsWith(KRFileManager::documentsDirectory() + u"/com.kestrin.pelinor."_s));
+        EXPECT_TRUE(QDir(path).exists());
+    }
+    EXPECT_FALSE(
+        QFile::permissions(KRFileManager::miscCacheDirectory()) & (QFile::ReadGroup | QFile::ReadOther));
+
+    KRTestLog log;
+    const QString nested = cache + u"/missing/below"_s;
+    EXPECT_EQ(KRFileManager::createDirectoryIfNonExistent(nested), nested);
+    EXPECT_FALSE(QDir(nested).exists()) << "one directory is made, not its parents";
+    EXPECT_TRUE(log.contains(u"could not be made"_s));
+}

@@ -1,0 +1,62 @@
+#include "support/KRTestWait.h"
+#include "transport/KRBackgroundThread.h"
+#include "transport/KRSocketPair.h"
+
+#include <gtest/gtest.h>
+#include <set>
+
+TEST(KRBackgroundThread, IsOneForEverybodyAndRunsCallsInOrder)
+{
+    std::mutex lock;
+    std::set<const KRBackgroundThread*> seen;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            const KRBackgroundThread* thread = &KRBackgroundThread::shared();
+            std::scoped_lock guard(lock);
+            seen.insert(thread);
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(seen.size(), 1U);
+
+    QList<int> ran;
+    std::atomic<bool> wasThere = false;
+    std::atomic<bool> done = false;
+    for (int i = 0; i < 100; ++i)
+        performOnSharedBackgroundThread([&ran, i] { ran.append(i); });
+    performOnSharedBackgroundThread([&] {
+        wasThere = KRBackgroundThread::isCurrentThread();
+        done = true;
+    });
+    ASSERT_TRUE(KRWaitUntil([&] { return done.load(); }));
+    EXPECT_TRUE(wasThere);
+    EXPECT_FALSE(KRBackgroundThread::isCurrentThread());
+    ASSERT_EQ(ran.size(), 100);
+    EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST(KRBackgroundThread, RunsItsTimersWhileNoConnectionIsOpen)
+{
+    std::atomic<bool> fired = false;
+    KRBackgroundThread::shared().runLoop().performAfterDelay(std::chrono::milliseconds(5),
+        [&] { fired = true; });
+    EXPECT_TRUE(KRWaitUntil([&] { return fired.load(); }));
+}
+
+TEST(KRSocketPair, CarriesWhatIsWrittenAndEndsWhenTheWriterCloses)
+{
+    KRSocketStreamPair pair = CFStreamCreatePairWithUNIXSocketPair();
+    ASSERT_TRUE(pair.readStream && pair.writeStream);
+    EXPECT_EQ(pair.writeStream->write("hello", 5), 5);
+    pair.writeStream.reset();
+    char buffer[16];
+    EXPECT_EQ(pair.readStream->read(buffer, sizeof buffer), 5);
+    EXPECT_EQ(QByteArray(buffer, 5), QByteArray("hello"));
+    EXPECT_EQ(pair.readStream->read(buffer, sizeof buffer), 0);
+
+    KRSocketStreamPair other = CFStreamCreatePairWithUNIXSocketPair();
+    other.readStream.reset();
+    EXPECT_EQ(other.writeStream->write("lost", 4), -1);
+}

@@ -1,0 +1,278 @@
+#include "KRTestRequest.h"
+#include "foundation/KRFileManager.h"
+#include "foundation/KRNotificationCenter.h"
+#include "support/KRTestLog.h"
+#include "support/KRTestServer.h"
+#include "transport/KRBackgroundThread.h"
+#include "transport/KRInputStream.h"
+#include "transport/KRNetworkCache.h"
+
+#include <QFile>
+#include <QTemporaryFile>
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void answerOK(const KRTestServer::Request&, KRTestServer::Connection& connection)
+{
+    connection.respond(200, "fine");
+}
+
+QByteArray gzip(const QByteArray& data)
+{
+    z_stream stream {};
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY);
+    QByteArray output(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(data.size()))), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
+    stream.avail_in = static_cast<uInt>(data.size());
+    stream.next_out = reinterpret_cast<Bytef*>(output.data());
+    stream.avail_out = static_cast<uInt>(output.size());
+    deflate(&stream, Z_FINISH);
+    output.resize(static_cast<qsizetype>(stream.total_out));
+    deflateEnd(&stream);
+    return output;
+}
+
+} // namespace
+
+TEST(KRHTTPRequest, SendsWhatItWasGiven)
+{
+    KRTestServer server(answerOK);
+    KRTestRequest request(server.url(u"/path?a=b%26c"_s));
+    request->setMethod(u"POST"_s);
+    request->setBody("status=hi");
+    request->setUsername(u"b\u00f6b"_s);
+    request->setPassword(u"pass:word"_s);
+    request->addValueForHTTPHeaderField(u"1"_s, u"X-Replaced"_s);
+    request->addValueForHTTPHeaderField(u"2"_s, u"X-Replaced"_s);
+    request->setValueForHTTPHeaderField(u"3"_s, u"X-Replaced"_s);
+    request->addValueForHTTPHeaderField(u"a"_s, u"X-Twice"_s);
+    request->addValueForHTTPHeaderField(u"b"_s, u"X-Twice"_s);
+    request->addValueForHTTPHeaderField(u"x\r\nX-Smuggled: y"_s, u"X-Broken"_s);
+    request->addValueForHTTPHeaderField(u"own"_s, u"Authorization"_s);
+    KRTestLog log;
+    ASSERT_TRUE(request.run());
+    EXPECT_EQ(request->data(), QByteArray("fine"));
+    EXPECT_EQ(request->statusCode(), 200);
+    EXPECT_FALSE(request->error());
+
+    const KRTestServer::Request sent = server.requests().value(0);
+    EXPECT_EQ(sent.method, QByteArray("POST"));
+    EXPECT_EQ(sent.target, QByteArray("/path?a=b%26c"));
+    EXPECT_EQ(sent.body, QByteArray("status=hi"));
+    EXPECT_EQ(sent.value("content-length"), QByteArray("9"));
+    EXPECT_EQ(sent.value("content-type"), QByteArray("application/x-www-form-urlencoded"));
+    EXPECT_EQ(sent.values("x-replaced"), QList<QByteArray> { "3" });
+    EXPECT_EQ(sent.values("x-twice"), (QList<QByteArray> { "a", "b" }));
+    EXPECT_TRUE(sent.values("x-smuggled").isEmpty());
+    EXPECT_TRUE(sent.values("x-broken").isEmpty());
+    EXPECT_EQ(sent.values("authorization"),
+        (QList<QByteArray> { "Basic " + u"b\u00f6b:pass:word"_s.toUtf8().toBase64(), "own" }));
+    EXPECT_TRUE(sent.values("cookie").isEmpty());
+    EXPECT_TRUE(sent.values("expect").isEmpty());
+    EXPECT_FALSE(log.lines().join(u'\n').contains(u"pass:word"));
+}
+
+TEST(KRHTTPRequest, SendsNoAuthorizationWithoutAPassword)
+{
+    KRTestServer server(answerOK);
+    KRTestRequest request(server.url());
+    request->setUsername(u"bob"_s);
+    ASSERT_TRUE(request.run());
+    EXPECT_TRUE(server.requests().value(0).values("authorization").isEmpty());
+
+    QUrl withUser = server.url();
+    withUser.setUserInfo(u"eve:secret"_s);
+    KRTestRequest other(withUser);
+    ASSERT_TRUE(other.run());
+    EXPECT_TRUE(server.requests().value(1).values("authorization").isEmpty());
+}
+
+TEST(KRHTTPRequest, DeliversAnErrorStatusWithItsBody)
+{
+    KRTestServer server(
+        [](const auto&, auto& connection) { connection.respond(404, "<hash>nothing here</hash>"); });
+    KRTestRequest request(server.url());
+    ASSERT_TRUE(request.run());
+    ASSERT_TRUE(request->error());
+    EXPECT_EQ(*request->error(), errorWithDomain(u"com.kestrin.httprequest"_s, 404, u"Not found"_s));
+    EXPECT_EQ(request->statusCode(), 404);
+    EXPECT_EQ(request->data(), QByteArray("<hash>nothing here</hash>"));
+}
+
+TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
+{
+    KRTestServer server(answerOK);
+    std::atomic<int> began = 0;
+    std::atomic<int> ended = 0;
+    const KRObservation begin
+        = KRNotificationCenter::defaultCenter().observe<KRBeginNetworkActivityNotification>(
+            [&](const auto&) { ++began; });
+    const KRObservation end = KRNotificationCenter::defaultCenter().observe<KREndNetworkActivityNotification>(
+        [&](const auto&) { ++ended; });
+    // Both are under way before either can end: the background thread is held until both have started.
+    std::mutex hold;
+    std::unique_lock holding(hold);
+    performOnSharedBackgroundThread([&] { std::scoped_lock waiting(hold); });
+    KRTestRequest first(server.url());
+    KRTestRequest second(server.url());
+    first.start();
+    first->startRequest();
+    second.start();
+    holding.unlock();
+    ASSERT_TRUE(first.wait() && second.wait());
+    ASSERT_TRUE(KRWaitUntil([&] { return ended == 1; }));
+    EXPECT_EQ(server.requestCount(), 2);
+    EXPECT_EQ(first.callbackCount(), 1);
+    EXPECT_EQ(began, 1);
+    EXPECT_EQ(ended, 1);
+}
+
+TEST(KRHTTPRequest, ReusesConnectionsForReadingAndNeverForWriting)
+{
+    KRTestServer server(answerOK);
+    for (int i = 0; i < 5; ++i) {
+        KRTestRequest request(server.url());
+        ASSERT_TRUE(request.run());
+    }
+    EXPECT_EQ(server.connectionCount(), 1);
+    for (int i = 0; i < 3; ++i) {
+        KRTestRequest request(server.url());
+        request->setMethod(u"POST"_s);
+        ASSERT_TRUE(request.run());
+        EXPECT_EQ(server.requests().last().value("content-length"), QByteArray("0"));
+    }
+    EXPECT_EQ(server.connectionCount(), 4);
+}
+
+TEST(KRHTTPRequest, KeepsNoCookies)
+{
+    KRTestServer server(
+        [](const auto&, auto& connection) { connection.respond(200, "x", "Set-Cookie: id=1; Path=/\r\n"); });
+    for (int i = 0; i < 2; ++i) {
+        KRTestRequest request(server.url());
+        ASSERT_TRUE(request.run());
+    }
+    EXPECT_TRUE(server.requests().value(1).values("cookie").isEmpty());
+}
+
+TEST(KRHTTPRequest, AcceptsCompressedAnswers)
+{
+    const QByteArray text = QByteArray("all work and no play ").repeated(1000);
+    KRTestServer server([&](const KRTestServer::Request& request, auto& connection) {
+        if (request.value("accept-encoding").contains("gzip"))
+            connection.respond(200, gzip(text), "Content-Encoding: gzip\r\n");
+        else
+            connection.respond(406, {});
+    });
+    KRTestRequest request(server.url());
+    ASSERT_TRUE(request.run());
+    EXPECT_EQ(request->data(), text);
+    EXPECT_EQ(request->downloadProgress(), 1.0);
+    EXPECT_TRUE(server.requests().value(0).value("accept-encoding").contains("br"));
+}
+
+TEST(KRHTTPRequest, StreamsABodyFromAFileAndReportsProgress)
+{
+    KRTestServer server(answerOK);
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    const QByteArray content = QByteArray("0123456789abcdef").repeated(200'000);
+    ASSERT_EQ(file.write(content), content.size());
+    file.close();
+
+    struct Progress {
+        double last = 0;
+        bool fell = false;
+        void noted(KRHTTPRequest& request)
+        {
+            fell = fell || request.uploadProgress() < last;
+            last = request.uploadProgress();
+        }
+    };
+    KRTestLog log;
+    for (const bool lengthIsKnown : { true, false }) {
+        const auto progress = std::make_shared<Progress>();
+        KRTestRequest request(server.url());
+        EXPECT_EQ(request->uploadProgress(), 0.0);
+        request->setMethod(u"POST"_s);
+        request->setBodyStream(std::make_shared<KRFileInputStream>(file.fileName()));
+        if (lengthIsKnown)
+            request->setValueForHTTPHeaderField(QString::number(content.size()), u"Content-Length"_s);
+        request->setProgressCallback(Callback(progress, &Progress::noted));
+        ASSERT_TRUE(request.run());
+        EXPECT_FALSE(request->error()) << request.errorText().toStdString();
+        EXPECT_EQ(server.requests().last().body, content);
+        EXPECT_FALSE(progress->fell);
+        EXPECT_EQ(request->uploadedBytes(), content.size());
+        EXPECT_EQ(request->uploadProgress(), lengthIsKnown ? 1.0 : 0.0);
+    }
+    EXPECT_TRUE(log.contains(u"UPLOAD PROGRESS"_s));
+    EXPECT_TRUE(log.contains(u"-> 1.000000"_s));
+}
+
+TEST(KRHTTPRequest, PrefersTheBodyToTheStreamAndFailsOnAnUnreadableOne)
+{
+    KRTestServer server(answerOK);
+    KRTestLog log;
+    KRTestRequest both(server.url());
+    both->setMethod(u"POST"_s);
+    both->setBody("body");
+    both->setBodyStream(std::make_shared<KRFileInputStream>(u"/no/such/file"_s));
+    ASSERT_TRUE(both.run());
+    EXPECT_EQ(server.requests().value(0).body, QByteArray("body"));
+    EXPECT_TRUE(log.contains(u"ERROR: body & bodyStream both specified!"_s));
+
+    KRTestRequest unreadable(server.url());
+    unreadable->setMethod(u"POST"_s);
+    unreadable->setBodyStream(std::make_shared<KRFileInputStream>(u"/no/such/file"_s));
+    ASSERT_TRUE(unreadable.run());
+    EXPECT_EQ(unreadable.errorCode(), KRHTTPConnectionErrorUnreadableBody);
+}
+
+TEST(KRNetworkCache, DownloadsOnceAndAnswersFromTheFileAtOnce)
+{
+    KRTestServer server([](const KRTestServer::Request& request, auto& connection) {
+        connection.respond(request.target == "/missing.png" ? 404 : 200, "picture");
+    });
+    struct Receiver {
+        std::atomic<int> count = 0;
+        QByteArray data;
+        int code = 0;
+        void took(KRResult<QByteArray> result)
+        {
+            data = result.isError() ? QByteArray() : result.value();
+            code = result.isError() ? result.error().code : 0;
+            ++count;
+        }
+    };
+    const auto receiver = std::make_shared<Receiver>();
+    const QUrl url = server.url(u"/a/b_normal.png?x=%20"_s);
+    KRNetworkCache::request(url, Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 1; }));
+    KRNetworkCache::request(url, Callback(receiver, &Receiver::took));
+    EXPECT_EQ(receiver->count, 2) << "a cached picture is delivered before the call returns";
+    EXPECT_EQ(receiver->data, QByteArray("picture"));
+    EXPECT_EQ(server.requestCount(), 1);
+
+    QString file;
+    EXPECT_EQ(KRNetworkCache::cachedDataForURL(url, &file), QByteArray("picture"));
+    const QString name
+        = u"http___3A___2F___2F127.0.0.1___3A%1___2Fa___2Fb_normal.png___3Fx___3D___2520"_s.arg(
+            server.port());
+    EXPECT_EQ(file, KRFileManager::pelinorProfileImageCacheDirectory() + u'/' + name);
+
+    KRNetworkCache::request(server.url(u"/missing.png"_s), Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 3; }));
+    EXPECT_EQ(receiver->code, 404);
+    EXPECT_TRUE(KRNetworkCache::cachedDataForURL(server.url(u"/missing.png"_s)).isNull());
+
+    const QUrl longAddress = server.url(u"/"_s + QString(400, u'x'));
+    KRNetworkCache::request(longAddress, Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 4; }));
+    EXPECT_EQ(KRNetworkCache::cachedDataForURL(longAddress), QByteArray("picture"));
+}
