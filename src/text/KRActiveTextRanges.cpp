@@ -140,15 +140,12 @@ class LinkFinder {
 public:
     explicit LinkFinder(QStringView text)
         : m_text(text)
-        , m_hasPrefix(text.contains(viewOf(schemeEnd)) || text.contains(viewOf(webPrefix)))
     {
     }
 
     // Neither prefix can hold a part of the other, so the first one that has a body begins the first match.
     std::optional<KRRange> firstFrom(qsizetype from)
     {
-        if (!m_hasPrefix)
-            return std::nullopt;
         for (qsizetype position = from; position < m_text.size(); ++position) {
             std::optional<KRRange> link;
             const char16_t unit = m_text[position].unicode();
@@ -203,7 +200,6 @@ private:
 
     QStringView m_text;
     Expressions& m_expressions = Expressions::forThread();
-    bool m_hasPrefix;
     bool m_hasSetText = false;
 };
 

@@ -13,8 +13,9 @@
 /// Operations on lists. Each answers a new list and leaves its argument as it is; any thread.
 ///
 /// Elements that are pointers to objects are compared by what they point to: in order through the object's
-/// `compare(other)`, for equality through its `isEqual(other)`, whose `hashValue()` is equal for equal
-/// objects. Other elements are compared with `<` and `==`.
+/// `compare(other)`, for equality through its `isEqual(other)`. Other elements are compared with `<` and
+/// `==`. Finding duplicates takes linear time where there is a hash, equal for equal elements: the object's
+/// `hashValue()`, or qHash().
 namespace KRAdditions {
 
 namespace ArrayDetails {
@@ -33,6 +34,11 @@ concept PointsToEquatable = requires(const Element& a, const Element& b)
     {
         a->isEqual(*b)
         } -> std::convertible_to<bool>;
+};
+
+template <class Element>
+concept PointsToHashable = requires(const Element& a)
+{
     {
         a->hashValue()
         } -> std::convertible_to<size_t>;
@@ -41,7 +47,7 @@ concept PointsToEquatable = requires(const Element& a, const Element& b)
 template <class Element>
 size_t hashOf(const Element& element)
 {
-    if constexpr (PointsToEquatable<Element>)
+    if constexpr (PointsToHashable<Element>)
         return element->hashValue();
     else
         return qHash(element, size_t(0));
@@ -106,17 +112,25 @@ template <class Element>
 template <class Element>
 [[nodiscard]] QList<Element> arrayWithoutDuplicates(const QList<Element>& list)
 {
-    const auto hash = [](const Element* element) { return ArrayDetails::hashOf(*element); };
-    const auto areEqual = [](const Element* a, const Element* b) { return ArrayDetails::areEqual(*a, *b); };
-    std::unordered_set<const Element*, decltype(hash), decltype(areEqual)> seen(
-        static_cast<size_t>(list.size()),
-        hash,
-        areEqual);
+    using namespace ArrayDetails;
     QList<Element> unique;
-    unique.reserve(list.size());
-    for (const Element& element : list) {
-        if (seen.insert(&element).second)
-            unique.append(element);
+    if constexpr (PointsToEquatable<Element> && !PointsToHashable<Element>) {
+        for (const Element& element : list) {
+            const auto isSame = [&element](const Element& other) { return areEqual(element, other); };
+            if (std::none_of(unique.cbegin(), unique.cend(), isSame))
+                unique.append(element);
+        }
+    } else {
+        const auto hash = [](const Element* element) { return hashOf(*element); };
+        const auto isSame = [](const Element* a, const Element* b) { return areEqual(*a, *b); };
+        std::unordered_set<const Element*, decltype(hash), decltype(isSame)> seen(
+            static_cast<size_t>(list.size()),
+            hash,
+            isSame);
+        for (const Element& element : list) {
+            if (seen.insert(&element).second)
+                unique.append(element);
+        }
     }
     return unique;
 }

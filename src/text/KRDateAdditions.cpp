@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <optional>
+#include <limits>
 #include <string_view>
 
 using namespace Qt::StringLiterals;
@@ -166,12 +166,20 @@ QDateTime dateValueFromJSONTwitterDate(QStringView text)
 
 bool isAfter(const QDateTime& date, const QDateTime& other)
 {
-    return date > other;
+    return compareDates(date, other) > 0;
 }
 
 bool isBefore(const QDateTime& date, const QDateTime& other)
 {
-    return date < other;
+    return compareDates(date, other) < 0;
+}
+
+std::weak_ordering compareDates(const QDateTime& date, const QDateTime& other)
+{
+    const auto key = [](const QDateTime& value) {
+        return value.isValid() ? value.toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+    };
+    return key(date) <=> key(other);
 }
 
 QString relativeTimeAgoString(const QDateTime& date)

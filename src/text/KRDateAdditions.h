@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+#include <compare>
+
 /// Operations on dates. Pure but for the shared clock; any thread. Dates are in UTC; no date is an invalid
 /// QDateTime.
 namespace KRAdditions {
@@ -16,6 +18,9 @@ namespace KRAdditions {
 
 [[nodiscard]] bool isAfter(const QDateTime& date, const QDateTime& other);
 [[nodiscard]] bool isBefore(const QDateTime& date, const QDateTime& other);
+
+/// The order of two dates; no date comes before every date.
+[[nodiscard]] std::weak_ordering compareDates(const QDateTime& date, const QDateTime& other);
 
 /// How long ago the date was by the shared clock, in whole seconds, minutes, hours or days: "1 minute ago".
 /// English. A date in the future reads "0 seconds ago".

@@ -1,5 +1,6 @@
 // How long the heights of a full list's rows take, against a bare QTextLayout pass over the same texts.
 
+#include "KRRatioBenchmark.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "text/render/KRTextHeightCache.h"
@@ -7,11 +8,7 @@
 #include <QGuiApplication>
 
 #include <benchmark/benchmark.h>
-#include <chrono>
-
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 constexpr int RowCount = 500;
 constexpr int TextWidth = 286;
@@ -54,36 +51,25 @@ qreal bareHeight(const QString& text, const QFont& font)
     return height;
 }
 
-double seconds(Clock::time_point from)
-{
-    return std::chrono::duration<double>(Clock::now() - from).count();
-}
-
 void rowHeights(benchmark::State& state)
 {
     const std::vector<Row> rows = makeRows();
     const QFont font = KRStatusFont(KRStatusTextSize::Normal, {});
-    double bare = 0;
-    double ours = 0;
-    for ([[maybe_unused]] auto iteration : state) {
-        Clock::time_point start = Clock::now();
-        for (const Row& row : rows)
-            benchmark::DoNotOptimize(bareHeight(row.text, font));
-        bare += seconds(start);
-        start = Clock::now();
+    const auto ours = [&] {
         KRTextHeightCache cache;
         for (const Row& row : rows) {
             benchmark::DoNotOptimize(cache.height(row.text, font, TextWidth, [&row] {
                 return AttributedStringForStatus(row.text, row.ranges, KRStatusTextSize::Normal);
             }));
         }
-        ours += seconds(start);
-        state.SetIterationTime(seconds(start));
-    }
-    const auto iterations = double(state.iterations());
-    state.counters["bare_ms"] = bare * 1000 / iterations;
-    state.counters["ours_ms"] = ours * 1000 / iterations;
-    state.counters["ratio"] = ours / bare;
+    };
+    const auto bare = [&] {
+        for (const Row& row : rows)
+            benchmark::DoNotOptimize(bareHeight(row.text, font));
+    };
+    // The first pass of all loads fonts.
+    bare();
+    KRRunBesideYardstick(state, ours, bare);
 }
 BENCHMARK(rowHeights)->UseManualTime()->Unit(benchmark::kMillisecond);
 
