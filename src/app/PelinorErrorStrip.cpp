@@ -2,6 +2,7 @@
 
 #include "app/PelinorCellColors.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
@@ -34,15 +35,10 @@ PelinorErrorStrip::PelinorErrorStrip(QWidget* parent)
     , m_label(new QLabel)
     , m_dismissButton(new QToolButton)
 {
-    const QColor color = PelinorCellColors::forPalette(palette()).error;
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, color);
-    m_label->setPalette(colors);
     // What is said comes from the network.
     m_label->setTextFormat(Qt::PlainText);
     m_label->setWordWrap(true);
     m_label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_dismissButton->setIcon(crossIcon(color));
     m_dismissButton->setAutoRaise(true);
     m_dismissButton->setAccessibleName(tr("Dismiss"));
     m_dismissButton->setToolTip(tr("Dismiss"));
@@ -52,6 +48,7 @@ PelinorErrorStrip::PelinorErrorStrip(QWidget* parent)
     layout->setContentsMargins(14, 7, 8, 8);
     layout->addWidget(m_label, 1);
     layout->addWidget(m_dismissButton, 0, Qt::AlignTop);
+    _updateColors();
     hide();
 }
 
@@ -72,10 +69,27 @@ void PelinorErrorStrip::setText(const QString& text)
     setVisible(!shown.isEmpty());
 }
 
+void PelinorErrorStrip::_updateColors()
+{
+    const QColor color = PelinorCellColors::forPalette(palette()).error;
+    QPalette colors = m_label->palette();
+    colors.setColor(QPalette::WindowText, color);
+    m_label->setPalette(colors);
+    m_dismissButton->setIcon(crossIcon(color));
+}
+
+void PelinorErrorStrip::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    // Another colour scheme.
+    if (event->type() == QEvent::PaletteChange)
+        _updateColors();
+}
+
 void PelinorErrorStrip::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    const PelinorCellColors& colors = PelinorCellColors::forPalette(parentWidget()->palette());
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
     QColor tint = colors.error;
     tint.setAlphaF(0.12F);
     painter.fillRect(rect(), colors.background);

@@ -23,8 +23,11 @@ Q_SIGNALS:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
+    void _updateColors();
+
     QLabel* m_label = nullptr;
     QToolButton* m_dismissButton = nullptr;
 };

@@ -104,7 +104,6 @@ void PelinorStatusListViewController::_updateDates()
 
 void PelinorStatusListViewController::setStatuses(const TwitterStatusList& statuses)
 {
-    m_isSettingStatuses = true;
     const bool followsNewest = tableView().isScrolledToTop()
         && m_environment.defaults.integerForKey("AutoScrollBehavior") == JumpToNewest;
     if (!m_statuses.isEmpty())
@@ -114,7 +113,6 @@ void PelinorStatusListViewController::setStatuses(const TwitterStatusList& statu
     restoreScrollPosition();
     if (followsNewest)
         tableView().scrollToRow(0);
-    m_isSettingStatuses = false;
 }
 
 TwitterStatusPtr PelinorStatusListViewController::statusForRow(qint64 row) const

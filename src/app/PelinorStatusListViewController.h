@@ -88,7 +88,6 @@ private:
     std::unique_ptr<KRTableView> m_unplacedTableView;
     QPointer<KRTableView> m_tableView;
     TwitterStatusList m_statuses;
-    bool m_isSettingStatuses = false;
     // Below which status older ones were last asked for. A page that brings none below it is not asked for
     // again just because the end of the list is on screen.
     std::optional<QString> m_loadedOlderThan;

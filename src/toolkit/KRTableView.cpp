@@ -3,6 +3,7 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRRunLoop.h"
 #include "toolkit/KRScroller.h"
+#include "toolkit/KRTableViewAccessibility.h"
 #include "toolkit/KRTableViewCell.h"
 #include "toolkit/KRTableViewDelegate.h"
 #include "toolkit/KRTableViewDocumentView.h"
@@ -32,6 +33,7 @@ KRTableView::~KRTableView() = default;
 
 void KRTableView::_setupTableView()
 {
+    KRInstallTableViewAccessibility();
     m_width = QWidget::width() - KRScroller::Width;
     m_documentView = new KRTableViewDocumentView;
     setViewport(m_documentView);

@@ -8,6 +8,7 @@
 #include "toolkit/KRTableViewDelegate.h"
 #include "toolkit/KRTableViewDocumentView.h"
 
+#include <QAccessible>
 #include <QLineEdit>
 #include <QTest>
 #include <QVBoxLayout>
@@ -447,8 +448,7 @@ TEST_F(KRTableViewTest, SizesFromTheWindowSystemAreADrag)
 
     // The window system's path: the native window is given a size the widget did not ask for.
     window.windowHandle()->resize(315, 100);
-    QCoreApplication::processEvents();
-    EXPECT_EQ(window.width(), 315);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.width() == 315; }, 20000));
     EXPECT_TRUE(inner->inLiveResize());
     EXPECT_EQ(inner->width(), 200);
     clock.advance(KRLiveResize::EndDelay);
@@ -458,6 +458,19 @@ TEST_F(KRTableViewTest, SizesFromTheWindowSystemAreADrag)
     window.resize(415, 100);
     EXPECT_FALSE(inner->inLiveResize());
     EXPECT_EQ(inner->width(), 400);
+}
+
+TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfItems)
+{
+    show(equalRows(5, 20));
+    table.selectRow(1);
+    table.cellForRow(1)->setAccessibleName(QStringLiteral("second"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&table)->role(), QAccessible::List);
+    QAccessibleInterface* const item = QAccessible::queryAccessibleInterface(table.cellForRow(1));
+    EXPECT_EQ(item->role(), QAccessible::ListItem);
+    EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("second"));
+    EXPECT_TRUE(item->state().selected);
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(table.cellForRow(2))->state().selected);
 }
 
 TEST_F(KRTableViewTest, ACellMayGoAtAnyTime)
