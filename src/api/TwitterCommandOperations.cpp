@@ -1,0 +1,54 @@
+#include "api/TwitterCommandOperations.h"
+
+#include "foundation/KRLog.h"
+
+using namespace Qt::StringLiterals;
+
+TwitterCommandOperations::TwitterCommandOperations(TwitterRequestContext context)
+    : TwitterOperations(std::move(context))
+{
+}
+
+void TwitterCommandOperations::favoriteStatusID(const QString& statusID)
+{
+    _requireAuthentication("favoriteStatusID:");
+    _POST(u"favorites/create/%1.xml"_s.arg(statusID),
+        QByteArray(),
+        _handler(&TwitterCommandOperations::_ignoreResponse));
+}
+
+void TwitterCommandOperations::unfavoriteStatusID(const QString& statusID)
+{
+    _requireAuthentication("unfavoriteStatusID:");
+    _POST(u"favorites/destroy/%1.xml"_s.arg(statusID),
+        QByteArray(),
+        _handler(&TwitterCommandOperations::_ignoreResponse));
+}
+
+void TwitterCommandOperations::destroyDirectMessage(const TwitterDirectMessage&)
+{
+    KRLog(u"not implemented"_s);
+}
+
+void TwitterCommandOperations::updateProfileImage(const QByteArray&) { }
+void TwitterCommandOperations::updateProfileName(const QString&,
+    const QString&,
+    const QString&,
+    const QString&)
+{
+}
+void TwitterCommandOperations::blockUserID(const QString&) { }
+void TwitterCommandOperations::blockUsername(const QString&) { }
+void TwitterCommandOperations::unblockUserID(const QString&) { }
+void TwitterCommandOperations::unblockUsername(const QString&) { }
+void TwitterCommandOperations::enableNotificationsForUserID(const QString&) { }
+void TwitterCommandOperations::enableNotificationsForUsername(const QString&) { }
+void TwitterCommandOperations::disableNotificationsForUserID(const QString&) { }
+void TwitterCommandOperations::disableNotificationsForUsername(const QString&) { }
+
+void TwitterCommandOperations::_deliverError(const KRError& error)
+{
+    KRLog(u"Error: %1"_s.arg(error.description));
+}
+
+void TwitterCommandOperations::_ignoreResponse(KRHTTPRequest&) { }

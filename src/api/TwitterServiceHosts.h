@@ -1,0 +1,49 @@
+#pragma once
+
+#include "foundation/KRResult.h"
+
+#include <QHash>
+#include <QString>
+#include <QUrl>
+
+class KRUserDefaults;
+
+/// Domain of errors the program itself finds with a service or its answers; the code is -1, or the HTTP
+/// status where there was one.
+inline constexpr char16_t TwitterServiceErrorDomain[] = u"com.kestrin.pelinor";
+
+/// The table of the service's hosts; none is known to the program otherwise. A host may carry a port and a
+/// folder: "example.org", "example.org:8443/api". A value; any thread.
+///
+/// Keys: "RESTHost" (XML interface), "SearchHost" (search interface), "WebHost" (pages people look at).
+class TwitterServiceHosts {
+public:
+    /// The group of the user defaults, and of a services file, that holds the table.
+    static constexpr char group[] = "ServiceHosts";
+    static constexpr char RESTHostKey[] = "RESTHost";
+    static constexpr char searchHostKey[] = "SearchHost";
+    static constexpr char webHostKey[] = "WebHost";
+
+    /// The built-in defaults: no host.
+    TwitterServiceHosts() = default;
+
+    /// The built-in defaults, over them the user defaults, over them the file (INI; none when the path is
+    /// empty). An error when the file cannot be read.
+    static KRResult<TwitterServiceHosts> hostsWithDefaults(const KRUserDefaults& defaults,
+        const QString& servicesFile = {});
+
+    /// An empty value makes the service one without a host.
+    void setValueForKey(const QString& value, const QString& key) { m_values.insert(key, value.trimmed()); }
+    QString valueForKey(const QString& key) const { return m_values.value(key); }
+
+    QString RESTHost() const { return valueForKey(QLatin1String(RESTHostKey)); }
+    QString searchHost() const { return valueForKey(QLatin1String(searchHostKey)); }
+    QString webHost() const { return valueForKey(QLatin1String(webHostKey)); }
+
+    /// The address of a path of the XML interface, which may carry a query and is not encoded again. Always
+    /// https; an error, for the user to read, when no host is set or what is set is none.
+    KRResult<QUrl> RESTURLForPath(const QString& path) const;
+
+private:
+    QHash<QString, QString> m_values;
+};

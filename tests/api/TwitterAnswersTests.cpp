@@ -1,0 +1,37 @@
+#include "api/TwitterAnswers.h"
+
+#include <QString>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+TEST(ErrorText, IsFitToBeShown)
+{
+    const struct {
+        QByteArray body;
+        QString text;
+    } cases[] = {
+        { "<hash><error>Gone.</error><request>/x</request></hash>", u"Gone."_s },
+        { "<errors><error code='32'>First.</error><error>Second.</error></errors>", u"Second."_s },
+        { "<hash><error>two\n   lines &amp; &lt;b&gt;</error></hash>", u"two lines & <b>"_s },
+        { "<hash><error>a\x01\xff</error></hash>", u"a\uFFFD\uFFFD"_s },
+        // What came before the document broke off counts.
+        { "<hash><error>Cut</error><req", u"Cut"_s },
+        { "<hash><error> </error></hash>", QString() },
+        { "not xml", QString() },
+        { "", QString() },
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(TwitterAnswers::errorText(test.body), test.text) << test.body.constData();
+
+    const QString cut
+        = TwitterAnswers::errorText("<error>" + QByteArray("word ").repeated(1000) + "</error>");
+    EXPECT_LE(cut.size(), 300);
+    EXPECT_TRUE(cut.startsWith(u"word word"_s));
+    EXPECT_TRUE(cut.endsWith(u"word…"_s));
+}
+
+} // namespace

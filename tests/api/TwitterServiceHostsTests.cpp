@@ -1,0 +1,87 @@
+#include "api/TwitterServiceHosts.h"
+#include "foundation/KRUserDefaults.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class ServiceHosts : public testing::Test {
+protected:
+    QString fileWith(const QByteArray& content)
+    {
+        const QString path = m_folder.filePath(u"services.ini"_s);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        return path;
+    }
+
+    QTemporaryDir m_folder;
+    KRUserDefaults m_defaults { m_folder.filePath(u"defaults.ini"_s) };
+};
+
+TEST_F(ServiceHosts, LaterTablesStandOverEarlierOnes)
+{
+    EXPECT_EQ(TwitterServiceHosts::hostsWithDefaults(m_defaults).value().RESTHost(), QString());
+    m_defaults.setString("ServiceHosts/RESTHost", u" example.org/api "_s);
+    m_defaults.setString("ServiceHosts/WebHost", u"example.org"_s);
+    const TwitterServiceHosts fromDefaults = TwitterServiceHosts::hostsWithDefaults(m_defaults).value();
+    EXPECT_EQ(fromDefaults.RESTHost(), u"example.org/api"_s);
+    EXPECT_EQ(fromDefaults.webHost(), u"example.org"_s);
+    EXPECT_EQ(fromDefaults.searchHost(), QString());
+
+    const QString file = fileWith("[Other]\nWebHost=no\n[ServiceHosts]\nRESTHost=127.0.0.1:8443/"
+                                  "api\nSearchHost=s\nList=a, b\nWebHost=\n");
+    const TwitterServiceHosts fromFile = TwitterServiceHosts::hostsWithDefaults(m_defaults, file).value();
+    EXPECT_EQ(fromFile.RESTHost(), u"127.0.0.1:8443/api"_s);
+    EXPECT_EQ(fromFile.searchHost(), u"s"_s);
+    EXPECT_EQ(fromFile.webHost(), QString());
+    EXPECT_EQ(fromFile.valueForKey(u"List"_s), u"a,b"_s);
+}
+
+TEST_F(ServiceHosts, AFileThatCannotBeReadIsAnError)
+{
+    for (const QString& file :
+        { m_folder.filePath(u"missing.ini"_s), m_folder.path(), fileWith("RESTHost=x\n") }) {
+        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, file);
+        ASSERT_TRUE(hosts.isError()) << qPrintable(file);
+        EXPECT_EQ(hosts.error().domain, u"com.kestrin.pelinor"_s);
+        EXPECT_TRUE(hosts.error().description.contains(file));
+    }
+}
+
+TEST_F(ServiceHosts, AddressesAreAlwaysHTTPS)
+{
+    const struct {
+        QString host;
+        QByteArray url;
+    } cases[] = {
+        { u"example.org"_s, "https://example.org/a/b.xml?c=%26+d" },
+        { u"example.org:8443/api/"_s, "https://example.org:8443/api/a/b.xml?c=%26+d" },
+        { u"https://example.org/api"_s, "https://example.org/api/a/b.xml?c=%26+d" },
+        { u"[::1]:8443"_s, "https://[::1]:8443/a/b.xml?c=%26+d" },
+        { u""_s, {} },
+        { u"http://example.org"_s, {} },
+        { u"ftp://example.org"_s, {} },
+        { u"user@example.org"_s, {} },
+        { u"example.org?x"_s, {} },
+        { u"example org"_s, {} },
+        { u"/api"_s, {} },
+    };
+    for (const auto& test : cases) {
+        TwitterServiceHosts hosts;
+        hosts.setValueForKey(test.host, u"RESTHost"_s);
+        const auto url = hosts.RESTURLForPath(u"a/b.xml?c=%26+d"_s);
+        ASSERT_EQ(url.isError(), test.url.isNull()) << qPrintable(test.host);
+        if (!url.isError()) {
+            EXPECT_EQ(url.value().toEncoded(), test.url);
+        }
+    }
+}
+
+} // namespace
