@@ -1,10 +1,13 @@
 #include "PelinorFakes.h"
 #include "app/PelinorCellColors.h"
 #include "app/PelinorErrorStrip.h"
+#include "app/PelinorFakes.h"
 #include "app/PelinorMainWindow.h"
+#include "app/PelinorPlaceholderTableViewCells.h"
 #include "app/PelinorProfileImage.h"
 #include "foundation/KRUserDefaults.h"
 #include "platform/KRQtRunLoopDriver.h"
+#include "text/render/KRColorConversion.h"
 #include "transport/KRHTTPRequest.h"
 
 #include <QApplication>
@@ -46,8 +49,9 @@ TwitterStatusList communityPosts()
                            "http://example.org/tides #harbour")),
         post(me, QStringLiteral("@marion thank you! I will take the early one then.")),
         post(layla,
-            QStringLiteral("صباح الخير من الميناء ☀️ الطقس جميل اليوم #صباح "
-                           "@marion")),
+            QStringLiteral(
+                "صباح الخير من الميناء ☀️ الطقس جميل اليوم #صباح "
+                "@marion")),
         post(tomas,
             QStringLiteral("Bought two more of $HRBR this morning; write to me at tomas@example.org if you "
                            "want the notes.")),
@@ -82,6 +86,18 @@ QByteArray pictureData(QSize size, const char* format = "PNG")
     return data;
 }
 
+// Few bytes, and more pixels than anyone wants to decode.
+QByteArray hugePicture()
+{
+    QImage image(5000, 4000, QImage::Format_Mono);
+    image.fill(0);
+    QByteArray data;
+    QBuffer buffer(&data);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return data;
+}
+
 class PelinorMainWindowTest : public testing::Test {
 protected:
     PelinorListEnvironment environment() { return { defaults, center, preferences, heights }; }
@@ -112,12 +128,45 @@ TEST_F(PelinorMainWindowTest, ShowsAFilledTimelineInBothColourSchemes)
         const QImage image = window.grab().toImage();
         EXPECT_TRUE(image.save(QDir(folder).filePath(
             QStringLiteral("window-%1-%2x.png").arg(QLatin1String(name)).arg(window.devicePixelRatioF()))));
-        // Below the header's edge nothing but the list's own colours shows.
         const PelinorCellColors& colors = PelinorCellColors::forPalette(palette);
-        EXPECT_EQ(image.pixelColor(image.width() / 2, image.height() / 40).rgb() & 0xFF000000, 0xFF000000);
-        EXPECT_EQ(window.list().tableView().backgroundKRColor().red, float(colors.background.redF()));
+        const auto showsColor = [&image](const QColor& color) {
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    if (image.pixelColor(x, y).rgb() == color.rgb())
+                        return true;
+                }
+            }
+            return false;
+        };
+        for (const QColor& color : { colors.background,
+                 colors.ownBackground,
+                 colors.selectedBackground,
+                 colors.separator,
+                 colors.placeholder,
+                 KRQColor(colors.spans.links) })
+            EXPECT_TRUE(showsColor(color)) << name << ' ' << color.name().toStdString();
     }
     QApplication::setPalette(usual);
+}
+
+TEST_F(PelinorMainWindowTest, AnEmptyTimelineSaysSo)
+{
+    PelinorMainWindow window(environment(), account);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    const auto textOfRow = [&](qint64 row) {
+        const auto* const cell
+            = qobject_cast<PelinorPlaceholderTableViewCell*>(window.list().tableView().cellForRow(row));
+        return cell ? cell->text() : QString();
+    };
+    EXPECT_EQ(textOfRow(1), QStringLiteral("Loading…"));
+    account.stream->isAtEnd = true;
+    account.stream->setStatuses({});
+    EXPECT_EQ(textOfRow(1), QStringLiteral("No posts yet"));
+    const QString folder = qEnvironmentVariable("PELINOR_SCREENSHOTS", directory.path());
+    EXPECT_TRUE(window.grab().save(QDir(folder).filePath(QStringLiteral("window-empty.png"))));
+    account.stream->setStatuses({ makeStatus(1, QStringLiteral("x"), makeUser(QStringLiteral("someone"))) });
+    EXPECT_EQ(textOfRow(2), QStringLiteral("No older posts"));
 }
 
 TEST_F(PelinorMainWindowTest, AFailedLoadShowsUntilTheNextGoodOne)
@@ -212,7 +261,7 @@ TEST(PelinorProfileImageTests, DecodesWithinItsLimits)
              whole.left(40),
              QByteArray("<svg xmlns='http://www.w3.org/2000/svg' width='50' height='50'/>"),
              pictureData({ 60, 60 }, "PPM"),
-             pictureData({ 5000, 4000 }),
+             hugePicture(),
              pictureData({ 2, 4000 }),
              QByteArray(9 * 1024 * 1024, 'x') })
         EXPECT_TRUE(image(bad).isNull()) << bad.size();

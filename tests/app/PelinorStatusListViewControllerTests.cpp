@@ -1,4 +1,5 @@
 #include "PelinorFakes.h"
+#include "app/PelinorFakes.h"
 #include "app/PelinorPlaceholderTableViewCells.h"
 #include "app/PelinorTweetsListViewController.h"
 #include "foundation/KRUserDefaults.h"
