@@ -3,6 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#ifdef __SANITIZE_ADDRESS__
+// The font library keeps its patterns until the process ends and is not to blame for it.
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig";
+}
+#endif
+
 // As the other test programs, in directories of its own, with an application object for widgets.
 int main(int argc, char** argv)
 {
