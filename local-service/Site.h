@@ -1,0 +1,34 @@
+#pragma once
+
+#include "DirectMessageStore.h"
+#include "StatusStore.h"
+
+namespace localservice {
+
+// Where the two listeners answer, as the begin of a link: no slash at the end.
+struct ServiceAddresses {
+    std::string http;
+    std::string https;
+};
+
+// Everything a route needs: the data and the addresses that links into the service begin with.
+struct Site {
+    Database database;
+    UserStore users { database };
+    StatusStore statuses { database };
+    DirectMessageStore messages { database };
+    ServiceAddresses addresses;
+    std::string dataDirectory;
+
+    [[nodiscard]] std::string avatarLink(const User& user, std::string_view suffix) const
+    {
+        return user.hasAvatar ? addresses.http + "/avatar/" + user.screenName + std::string(suffix) + ".png"
+                              : addresses.http + "/theme/default-avatar" + std::string(suffix) + ".png";
+    }
+    [[nodiscard]] std::string profileLink(const User& user) const
+    {
+        return addresses.https + "/" + user.screenName;
+    }
+};
+
+} // namespace localservice
