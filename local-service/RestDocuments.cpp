@@ -53,7 +53,7 @@ std::string RestDocuments::html(std::string_view text)
                 " rel=\"nofollow external\"");
             break;
         case TextPiece::Kind::Hashtag:
-            html += "#" + anchor(m_site.addresses.https + "/tag/" + percentEncoded(bare), bare, " rel=\"tag\"");
+            html += "#" + anchor(m_site.addresses.http + "/tag/" + percentEncoded(bare), bare, " rel=\"tag\"");
             break;
         case TextPiece::Kind::Mention:
             if (const Person* mentioned = personNamed(bare))

@@ -27,7 +27,7 @@ struct Site {
     }
     [[nodiscard]] std::string profileLink(const User& user) const
     {
-        return addresses.https + "/" + user.screenName;
+        return addresses.http + "/" + user.screenName;
     }
 };
 
