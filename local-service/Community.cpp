@@ -1,5 +1,7 @@
 #include "Community.h"
 
+#include "OutsideServices.h"
+#include "Scene.h"
 #include "Site.h"
 #include "Text.h"
 
@@ -141,6 +143,32 @@ std::string sourceFor(const std::string& author)
     return std::string(found == sources.end() ? "web" : found->second);
 }
 
+std::string uploadedScene(Site& site, const std::string& folder, const std::string& name, const User& author)
+{
+    const bool isMovie = folder == movieFolder;
+    const std::string code = site.media.add(folder, author.id, isMovie ? "video/x-msvideo" : "image/png",
+        isMovie ? drawnMovie() : drawnScene(name));
+    return site.addresses.http + "/" + folder + "/" + code + (isMovie ? "z" : "");
+}
+
+// Puts real links in the place of “{service what}”: a short link for an address, an upload for a picture's name.
+std::string withLinks(Site& site, std::string text, const User& author)
+{
+    for (std::size_t begin = text.find('{'); begin != std::string::npos; begin = text.find('{', begin + 1)) {
+        const std::size_t blank = text.find(' ', begin);
+        const std::size_t end = text.find('}', begin);
+        if (end == std::string::npos || blank > end)
+            break;
+        const std::string folder = text.substr(begin + 1, blank - begin - 1);
+        const std::string what = text.substr(blank + 1, end - blank - 1);
+        const std::string link = what.find("://") == std::string::npos
+            ? uploadedScene(site, folder, what, author)
+            : site.addresses.http + "/" + folder + "/" + site.shortLinks.codeFor(folder, what);
+        text.replace(begin, end - begin + 1, link);
+    }
+    return text;
+}
+
 void addPosts(Site& site, const UserTable& people, std::int64_t now)
 {
     std::vector<ScriptedPost> posts = readPosts();
@@ -153,8 +181,9 @@ void addPosts(Site& site, const UserTable& people, std::int64_t now)
     for (const std::size_t index : order) {
         ScriptedPost& post = posts[index];
         Status status;
-        status.userID = people.at(post.author).id;
-        status.text = post.text;
+        const User& author = people.at(post.author);
+        status.userID = author.id;
+        status.text = withLinks(site, post.text, author);
         status.source = sourceFor(post.author);
         status.inReplyToStatusID = post.answered ? posts[post.answered - 1].id : 0;
         status.createdAt = now - post.secondsAgo;

@@ -32,6 +32,7 @@ struct Person {
 //   name: text      a post of its own             > name: text    answers the post before
 //   ^ name: text    answers the first of its talk  x …            is deleted again
 //   * name name     who likes the post before      \n in a text    a line break
+//   {bitly http://…}  a short link of that service  {twitpic name}  a picture, uploaded there
 [[nodiscard]] std::string_view communityPosts();
 [[nodiscard]] std::string_view communityMessages();
 

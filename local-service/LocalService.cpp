@@ -4,6 +4,7 @@
 #include "Community.h"
 #include "Files.h"
 #include "HttpListener.h"
+#include "OutsideRoutes.h"
 #include "RestRoutes.h"
 #include "ServicesFile.h"
 #include "WebPages.h"
@@ -139,6 +140,10 @@ void LocalService::Private::addRoutes()
     addPeopleRoutes(router, site);
     addFriendshipRoutes(router, site);
     addAccountRoutes(router, site);
+    addSearchRoutes(router, site);
+    addShortLinkRoutes(router, site);
+    addMediaRoutes(router, site);
+    addLongPostRoutes(router, site);
     addPictureRoutes(router, site);
     addWebPages(router, site);
 }

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "DirectMessageStore.h"
+#include "MediaStore.h"
+#include "ShortLinkStore.h"
 #include "StatusStore.h"
 
 namespace localservice {
@@ -17,8 +19,10 @@ struct Site {
     UserStore users { database };
     StatusStore statuses { database };
     DirectMessageStore messages { database };
-    ServiceAddresses addresses;
+    ShortLinkStore shortLinks { database };
     std::string dataDirectory;
+    MediaStore media { database, dataDirectory };
+    ServiceAddresses addresses;
 
     [[nodiscard]] std::string avatarLink(const User& user, std::string_view suffix) const
     {
