@@ -28,8 +28,9 @@ void addAccountRoutes(Router& router, Site& site)
     router.get("account/verify_credentials.xml", Router::Access::SignedIn, [&site](const Call& call) {
         return xmlAnswer(RestDocuments(site, call.viewerID()).user(*call.viewer));
     });
-    router.get("account/rate_limit_status.xml", Router::Access::Anyone,
-        [](const Call&) { return xmlAnswer(rateLimitDocument()); });
+    router.get("account/rate_limit_status.xml", Router::Access::Anyone, [](const Call&) {
+        return xmlAnswer(rateLimitDocument());
+    });
 }
 
 } // namespace localservice

@@ -2,13 +2,12 @@
 
 #include "Files.h"
 
+#include <array>
+#include <memory>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
 #include <openssl/x509v3.h>
-
-#include <array>
-#include <memory>
 
 namespace localservice {
 
@@ -31,7 +30,8 @@ bool addExtension(X509* certificate, X509* issuer, int kind, const char* value)
 {
     X509V3_CTX context;
     X509V3_set_ctx(&context, issuer, certificate, nullptr, nullptr, 0);
-    const std::unique_ptr<X509_EXTENSION, Free> extension(X509V3_EXT_conf_nid(nullptr, &context, kind, value));
+    const std::unique_ptr<X509_EXTENSION, Free> extension(
+        X509V3_EXT_conf_nid(nullptr, &context, kind, value));
     return extension && X509_add_ext(certificate, extension.get(), -1) == 1;
 }
 
@@ -43,8 +43,8 @@ Certificate makeCertificate(const char* commonName, EVP_PKEY* key, X509* issuer)
     if (!certificate || RAND_bytes(serial.data(), serial.size()) != 1)
         return nullptr;
     serial[0] &= 0x7F;
-    const std::unique_ptr<BIGNUM, decltype(&BN_free)> number(
-        BN_bin2bn(serial.data(), serial.size(), nullptr), &BN_free);
+    const std::unique_ptr<BIGNUM, decltype(&BN_free)> number(BN_bin2bn(serial.data(), serial.size(), nullptr),
+        &BN_free);
     BN_to_ASN1_INTEGER(number.get(), X509_get_serialNumber(certificate.get()));
     X509_set_version(certificate.get(), X509_VERSION_3);
     // An hour of allowance for a clock that is set back.
@@ -52,8 +52,13 @@ Certificate makeCertificate(const char* commonName, EVP_PKEY* key, X509* issuer)
     X509_gmtime_adj(X509_getm_notAfter(certificate.get()), lifetimeSeconds);
     X509_set_pubkey(certificate.get(), key);
     X509_NAME* name = X509_get_subject_name(certificate.get());
-    X509_NAME_add_entry_by_txt(
-        name, "CN", MBSTRING_UTF8, reinterpret_cast<const unsigned char*>(commonName), -1, -1, 0);
+    X509_NAME_add_entry_by_txt(name,
+        "CN",
+        MBSTRING_UTF8,
+        reinterpret_cast<const unsigned char*>(commonName),
+        -1,
+        -1,
+        0);
     X509_set_issuer_name(certificate.get(), issuer ? X509_get_subject_name(issuer) : name);
     return certificate;
 }
@@ -64,7 +69,8 @@ Certificate makeAuthority(EVP_PKEY* key)
     X509* raw = authority.get();
     const bool isComplete = raw && addExtension(raw, raw, NID_basic_constraints, "critical,CA:TRUE,pathlen:0")
         && addExtension(raw, raw, NID_key_usage, "critical,keyCertSign,cRLSign")
-        && addExtension(raw, raw, NID_subject_key_identifier, "hash") && X509_sign(raw, key, EVP_sha256()) > 0;
+        && addExtension(raw, raw, NID_subject_key_identifier, "hash")
+        && X509_sign(raw, key, EVP_sha256()) > 0;
     return isComplete ? std::move(authority) : nullptr;
 }
 
@@ -98,7 +104,8 @@ std::string pemOf(X509* certificate)
 std::string pemOf(EVP_PKEY* key)
 {
     const Memory memory(BIO_new(BIO_s_mem()));
-    const bool isWritten = PEM_write_bio_PKCS8PrivateKey(memory.get(), key, nullptr, nullptr, 0, nullptr, nullptr) == 1;
+    const bool isWritten
+        = PEM_write_bio_PKCS8PrivateKey(memory.get(), key, nullptr, nullptr, 0, nullptr, nullptr) == 1;
     return isWritten ? contents(memory.get()) : std::string();
 }
 

@@ -24,13 +24,15 @@ std::string defaultDataDirectory()
 std::string usage()
 {
     return "Usage: pelinor-local-service [options]\n"
-           "  --data DIR             keep everything in DIR (default: " + defaultDataDirectory() + ")\n"
-           "  --port N               plain HTTP on port N, 0 for any free one (default: 8480)\n"
-           "  --tls-port N           HTTPS on port N, 0 for any free one (default: 8443)\n"
-           "  --reset                forget what earlier runs stored and start with a fresh community\n"
-           "  --seed-only            make the data and leave\n"
-           "  --write-services FILE  also write the client's table of hosts to FILE\n"
-           "  --help                 show this text\n";
+           "  --data DIR             keep everything in DIR (default: "
+        + defaultDataDirectory()
+        + ")\n"
+          "  --port N               plain HTTP on port N, 0 for any free one (default: 8480)\n"
+          "  --tls-port N           HTTPS on port N, 0 for any free one (default: 8443)\n"
+          "  --reset                forget what earlier runs stored and start with a fresh community\n"
+          "  --seed-only            make the data and leave\n"
+          "  --write-services FILE  also write the client's table of hosts to FILE\n"
+          "  --help                 show this text\n";
 }
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments)
@@ -53,7 +55,8 @@ CommandLine parseCommandLine(const std::vector<std::string>& arguments)
             else if (!number || *number > highestPort)
                 line.mistake = "\"" + value + "\" is not a port";
             else
-                (name == "--port" ? line.options.httpPort : line.options.httpsPort) = static_cast<int>(*number);
+                (name == "--port" ? line.options.httpPort : line.options.httpsPort)
+                    = static_cast<int>(*number);
         } else if (name == "--reset") {
             line.options.startsFresh = true;
         } else if (name == "--seed-only") {

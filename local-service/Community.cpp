@@ -48,7 +48,8 @@ std::vector<std::string> words(const std::string& text)
     return words;
 }
 
-// Like std::generate_canonical, but the same with every library, so that the community is the same everywhere.
+// Like std::generate_canonical, but the same with every library, so that the community is the same
+// everywhere.
 double fraction(std::mt19937& random)
 {
     return static_cast<double>(random() >> 5U) / static_cast<double>(1U << 27U);
@@ -85,8 +86,8 @@ std::vector<ScriptedPost> readPosts()
     return posts;
 }
 
-// Walks from the newest talk back into the past. Talks begin some tens of minutes apart, farther at night, and their
-// answers follow within the hour, so that talks overlap as they do in life.
+// Walks from the newest talk back into the past. Talks begin some tens of minutes apart, farther at night,
+// and their answers follow within the hour, so that talks overlap as they do in life.
 void giveTimes(std::vector<ScriptedPost>& posts)
 {
     std::mt19937 random(20081127);
@@ -121,7 +122,8 @@ UserTable addPeople(Site& site, std::int64_t now)
         user.url = person.url;
         user.hasAvatar = person.hasAvatar;
         user.isProtected = person.isProtected;
-        user.createdAt = now - person.yearsHere * 365 * day - static_cast<std::int64_t>(table.size()) * 11 * day;
+        user.createdAt
+            = now - person.yearsHere * 365 * day - static_cast<std::int64_t>(table.size()) * 11 * day;
         user.id = site.users.add(user);
         table.emplace(user.screenName, user);
     }
@@ -137,7 +139,10 @@ UserTable addPeople(Site& site, std::int64_t now)
 std::string sourceFor(const std::string& author)
 {
     static const std::map<std::string_view, std::string_view> sources { { "alice", "pelinor" },
-        { "weatherbell", "cron" }, { "dave", "sms" }, { "tendai", "curl" }, { "noa", "pelinor" },
+        { "weatherbell", "cron" },
+        { "dave", "sms" },
+        { "tendai", "curl" },
+        { "noa", "pelinor" },
         { "kwame", "sms" } };
     const auto found = sources.find(author);
     return std::string(found == sources.end() ? "web" : found->second);
@@ -146,12 +151,15 @@ std::string sourceFor(const std::string& author)
 std::string uploadedScene(Site& site, const std::string& folder, const std::string& name, const User& author)
 {
     const bool isMovie = folder == movieFolder;
-    const std::string code = site.media.add(folder, author.id, isMovie ? "video/x-msvideo" : "image/png",
+    const std::string code = site.media.add(folder,
+        author.id,
+        isMovie ? "video/x-msvideo" : "image/png",
         isMovie ? drawnMovie() : drawnScene(name));
     return site.addresses.http + "/" + folder + "/" + code + (isMovie ? "z" : "");
 }
 
-// Puts real links in the place of “{service what}”: a short link for an address, an upload for a picture's name.
+// Puts real links in the place of “{service what}”: a short link for an address, an upload for a picture's
+// name.
 std::string withLinks(Site& site, std::string text, const User& author)
 {
     for (std::size_t begin = text.find('{'); begin != std::string::npos; begin = text.find('{', begin + 1)) {
@@ -176,8 +184,9 @@ void addPosts(Site& site, const UserTable& people, std::int64_t now)
     std::vector<std::size_t> order(posts.size());
     for (std::size_t i = 0; i < order.size(); ++i)
         order[i] = i;
-    std::stable_sort(order.begin(), order.end(),
-        [&](std::size_t a, std::size_t b) { return posts[a].secondsAgo > posts[b].secondsAgo; });
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return posts[a].secondsAgo > posts[b].secondsAgo;
+    });
     for (const std::size_t index : order) {
         ScriptedPost& post = posts[index];
         Status status;

@@ -1,11 +1,9 @@
 #include "Database.h"
 
-#include <sqlite3.h>
-
-#include <utility>
-
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
+#include <utility>
 
 namespace localservice {
 
@@ -92,7 +90,11 @@ bool makePrivateFile(const std::string& path)
 Statement::Statement(Database& database, std::string_view text)
     : m_database(database)
 {
-    if (sqlite3_prepare_v2(database.m_connection, text.data(), static_cast<int>(text.size()), &m_statement, nullptr)
+    if (sqlite3_prepare_v2(database.m_connection,
+            text.data(),
+            static_cast<int>(text.size()),
+            &m_statement,
+            nullptr)
         != SQLITE_OK)
         m_database.noteFailure();
 }
@@ -111,7 +113,12 @@ void Statement::bindNext(std::int64_t value)
 void Statement::bindNext(std::string_view value)
 {
     if (m_statement
-        && sqlite3_bind_text64(m_statement, ++m_parameter, value.data(), value.size(), SQLITE_TRANSIENT, SQLITE_UTF8)
+        && sqlite3_bind_text64(m_statement,
+               ++m_parameter,
+               value.data(),
+               value.size(),
+               SQLITE_TRANSIENT,
+               SQLITE_UTF8)
             != SQLITE_OK)
         m_database.noteFailure();
 }

@@ -13,8 +13,8 @@ namespace localservice {
 
 class Database;
 
-// One prepared statement. Values are only ever bound, never pasted into the text. Columns count from zero and are
-// read in order by the next…() operations, which keeps long column lists readable.
+// One prepared statement. Values are only ever bound, never pasted into the text. Columns count from zero and
+// are read in order by the next…() operations, which keeps long column lists readable.
 class Statement {
 public:
     Statement(Database& database, std::string_view text);
@@ -22,7 +22,7 @@ public:
     Statement(const Statement&) = delete;
     Statement& operator=(const Statement&) = delete;
 
-    template<typename... Values>
+    template <typename... Values>
     Statement& bind(const Values&... values)
     {
         (bindNext(values), ...);
@@ -52,10 +52,11 @@ private:
     int m_column = 0;
 };
 
-// The SQLite file that holds everything the service knows. One connection, one lock: a request holds the lock from
-// its first look at the data to its last, so every answer is a consistent picture.
+// The SQLite file that holds everything the service knows. One connection, one lock: a request holds the lock
+// from its first look at the data to its last, so every answer is a consistent picture.
 //
-// A failing statement gives no rows and is remembered; whoever answers the request asks takeFailure() at the end.
+// A failing statement gives no rows and is remembered; whoever answers the request asks takeFailure() at the
+// end.
 class Database {
 public:
     Database() = default;

@@ -27,8 +27,9 @@ Answer sendMessage(Site& site, const Call& call)
     if (!recipient)
         return errorAnswer(call, 404, "Recipient user not found.");
     if (recipient->id == message.senderID)
-        return errorAnswer(
-            call, 403, "Do not send a message to yourself; just say it to yourself quietly instead.");
+        return errorAnswer(call,
+            403,
+            "Do not send a message to yourself; just say it to yourself quietly instead.");
     if (!site.users.isFollowing(message.senderID, recipient->id)
         || !site.users.isFollowing(recipient->id, message.senderID))
         return errorAnswer(call, 403, "Cannot send direct messages to users who aren't your friend.");
@@ -47,8 +48,9 @@ void addDirectMessageRoutes(Router& router, Site& site)
     router.get("direct_messages/sent.xml", Router::Access::SignedIn, [&site](const Call& call) {
         return messagesAnswer(site, call, site.messages.sentBy(call.viewerID(), call.page()));
     });
-    router.post("direct_messages/new.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return sendMessage(site, call); });
+    router.post("direct_messages/new.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return sendMessage(site, call);
+    });
 }
 
 } // namespace localservice

@@ -8,7 +8,10 @@ namespace {
 
 std::vector<DirectMessage> readMessages(Statement& rows, std::int64_t user, const Page& page)
 {
-    rows.bind(user, page.sinceID, page.maxID > 0 ? page.maxID : std::numeric_limits<std::int64_t>::max(), page.count,
+    rows.bind(user,
+        page.sinceID,
+        page.maxID > 0 ? page.maxID : std::numeric_limits<std::int64_t>::max(),
+        page.count,
         page.offset);
     std::vector<DirectMessage> messages;
     while (rows.step()) {
@@ -27,7 +30,8 @@ std::vector<DirectMessage> readMessages(Statement& rows, std::int64_t user, cons
 
 std::int64_t DirectMessageStore::add(const DirectMessage& message)
 {
-    Statement(m_database, "INSERT INTO direct_messages (sender, recipient, text, created_at) VALUES (?, ?, ?, ?)")
+    Statement(m_database,
+        "INSERT INTO direct_messages (sender, recipient, text, created_at) VALUES (?, ?, ?, ?)")
         .bind(message.senderID, message.recipientID, message.text, message.createdAt)
         .run();
     return m_database.lastInsertedID();
@@ -36,7 +40,8 @@ std::int64_t DirectMessageStore::add(const DirectMessage& message)
 std::vector<DirectMessage> DirectMessageStore::receivedBy(std::int64_t user, const Page& page)
 {
     Statement rows(m_database,
-        "SELECT id, sender, recipient, text, created_at FROM direct_messages WHERE recipient = ? AND id > ? AND"
+        "SELECT id, sender, recipient, text, created_at FROM direct_messages WHERE recipient = ? AND id > ? "
+        "AND"
         " id <= ? ORDER BY id DESC LIMIT ? OFFSET ?");
     return readMessages(rows, user, page);
 }

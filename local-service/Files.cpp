@@ -1,10 +1,9 @@
 #include "Files.h"
 
 #include <cstdio>
+#include <fcntl.h>
 #include <fstream>
 #include <iterator>
-
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace localservice {

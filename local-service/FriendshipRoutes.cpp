@@ -26,8 +26,9 @@ Answer createFriendship(Site& site, const Call& call)
     if (other->id == call.viewerID())
         return errorAnswer(call, 403, "You cannot follow yourself.");
     if (site.users.isFollowing(call.viewerID(), other->id) || site.users.hasAsked(call.viewerID(), other->id))
-        return errorAnswer(
-            call, 403, "Could not follow user: " + other->screenName + " is already on your list.");
+        return errorAnswer(call,
+            403,
+            "Could not follow user: " + other->screenName + " is already on your list.");
     site.users.follow(*call.viewer, *other, !other->isProtected);
     return personAnswer(site, call, *other);
 }
@@ -37,7 +38,8 @@ Answer destroyFriendship(Site& site, const Call& call)
     const auto other = otherPerson(site, call);
     if (!other)
         return errorAnswer(call, 403, "Could not unfollow user: User not found.");
-    if (!site.users.isFollowing(call.viewerID(), other->id) && !site.users.hasAsked(call.viewerID(), other->id))
+    if (!site.users.isFollowing(call.viewerID(), other->id)
+        && !site.users.hasAsked(call.viewerID(), other->id))
         return errorAnswer(call, 403, "You are not following " + other->screenName + ".");
     site.users.unfollow(call.viewerID(), other->id);
     return personAnswer(site, call, *other);
@@ -58,14 +60,17 @@ Answer friendshipExists(Site& site, const Call& call)
 
 void addFriendshipRoutes(Router& router, Site& site)
 {
-    router.get("friendships/exists.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return friendshipExists(site, call); });
+    router.get("friendships/exists.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return friendshipExists(site, call);
+    });
     for (const char* pattern : { "friendships/create.xml", "friendships/create/*.xml" })
-        router.post(
-            pattern, Router::Access::SignedIn, [&site](const Call& call) { return createFriendship(site, call); });
+        router.post(pattern, Router::Access::SignedIn, [&site](const Call& call) {
+            return createFriendship(site, call);
+        });
     for (const char* pattern : { "friendships/destroy.xml", "friendships/destroy/*.xml" })
-        router.post(
-            pattern, Router::Access::SignedIn, [&site](const Call& call) { return destroyFriendship(site, call); });
+        router.post(pattern, Router::Access::SignedIn, [&site](const Call& call) {
+            return destroyFriendship(site, call);
+        });
 }
 
 } // namespace localservice

@@ -1,10 +1,10 @@
 #include "HttpListener.h"
 
-#include <httplib.h>
-
 #include <charconv>
 #include <filesystem>
+#include <httplib.h>
 #include <iostream>
+#include <zlib.h>
 
 namespace localservice {
 
@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t workers = 48; // every connection that is kept open holds one
 constexpr std::size_t requestsPerConnection = 100'000;
 constexpr int idleSeconds = 30;
+constexpr std::size_t smallestCompressed = 1024;
 constexpr std::size_t largestBody = 64UL * 1024 * 1024;
 
 Call callFor(const httplib::Request& request)
@@ -58,13 +59,45 @@ bool readBody(const httplib::Request& request, const httplib::ContentReader& rea
     return isRead;
 }
 
+bool acceptsGzip(const httplib::Request& request)
+{
+    return request.get_header_value("Accept-Encoding").find("gzip") != std::string::npos;
+}
+
+// The library itself compresses pages and plain texts, but not these.
+bool isWorthCompressing(const Answer& answer)
+{
+    return answer.body.size() >= smallestCompressed
+        && (answer.contentType.starts_with("application/xml")
+            || answer.contentType.starts_with("application/json"));
+}
+
+// Empty when it cannot be done.
+std::string gzipped(const std::string& text)
+{
+    constexpr int gzipWindow = 15 + 16;
+    constexpr int memoryLevel = 8;
+    z_stream stream {};
+    if (deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, gzipWindow, memoryLevel, Z_DEFAULT_STRATEGY) != Z_OK)
+        return {};
+    std::string compressed(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(compressed.data());
+    stream.avail_out = static_cast<uInt>(compressed.size());
+    const bool isComplete = deflate(&stream, Z_FINISH) == Z_STREAM_END;
+    compressed.resize(isComplete ? stream.total_out : 0);
+    deflateEnd(&stream);
+    return compressed;
+}
+
 int localPort(const sockaddr_storage& address)
 {
     return address.ss_family == AF_INET ? ntohs(reinterpret_cast<const sockaddr_in&>(address).sin_port) : 0;
 }
 
-// Connections that clients keep open would hold stop() up until they fall silent for idleSeconds. Ending their
-// reading side wakes their workers; an answer that is on its way is still written.
+// Connections that clients keep open would hold stop() up until they fall silent for idleSeconds. Ending
+// their reading side wakes their workers; an answer that is on its way is still written.
 void endIdleConnections(int port)
 {
     std::error_code error;
@@ -74,7 +107,8 @@ void endIdleConnections(int port)
         std::from_chars(name.data(), name.data() + name.size(), descriptor);
         sockaddr_storage address {};
         socklen_t length = sizeof address;
-        if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0 && localPort(address) == port)
+        if (getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &length) == 0
+            && localPort(address) == port)
             ::shutdown(descriptor, SHUT_RD);
     }
 }
@@ -124,22 +158,24 @@ void HttpListener::configure()
     m_server->set_keep_alive_max_count(requestsPerConnection);
     m_server->set_keep_alive_timeout(idleSeconds);
     m_server->set_payload_max_length(largestBody);
-    m_server->set_exception_handler([](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
-        std::cerr << "pelinor-local-service: a request could not be answered" << std::endl;
-        response.status = 500;
-    });
+    m_server->set_exception_handler(
+        [](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+            std::cerr << "pelinor-local-service: a request could not be answered" << std::endl;
+            response.status = 500;
+        });
     const std::string everything = "[\\s\\S]*";
     m_server->Get(everything, [this](const httplib::Request& request, httplib::Response& response) {
         handle(request, response, nullptr);
     });
     m_server->Post(everything,
-        [this](const httplib::Request& request, httplib::Response& response, const httplib::ContentReader& reader) {
-            handle(request, response, &reader);
-        });
+        [this](const httplib::Request& request,
+            httplib::Response& response,
+            const httplib::ContentReader& reader) { handle(request, response, &reader); });
 }
 
-void HttpListener::handle(
-    const httplib::Request& request, httplib::Response& response, const httplib::ContentReader* reader)
+void HttpListener::handle(const httplib::Request& request,
+    httplib::Response& response,
+    const httplib::ContentReader* reader)
 {
     Call call = callFor(request);
     if (reader && !readBody(request, *reader, call)) {
@@ -151,6 +187,12 @@ void HttpListener::handle(
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers)
         response.set_header(name, value);
+    if (acceptsGzip(request) && isWorthCompressing(answer)) {
+        if (std::string compressed = gzipped(answer.body); !compressed.empty()) {
+            answer.body = std::move(compressed);
+            response.set_header("Content-Encoding", "gzip");
+        }
+    }
     response.set_content(answer.body, answer.contentType);
 }
 

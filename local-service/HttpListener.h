@@ -11,7 +11,7 @@ class Server;
 struct Request;
 struct Response;
 class ContentReader;
-}
+} // namespace httplib
 
 namespace localservice {
 
@@ -34,7 +34,9 @@ public:
 
 private:
     void configure();
-    void handle(const httplib::Request& request, httplib::Response& response, const httplib::ContentReader* reader);
+    void handle(const httplib::Request& request,
+        httplib::Response& response,
+        const httplib::ContentReader* reader);
 
     const Router& m_router;
     std::string m_certificateFile;

@@ -6,8 +6,8 @@
 
 namespace localservice {
 
-// Writes compact JSON with its members in the order given. Inside an object every call names its member; inside an
-// array the name is empty.
+// Writes compact JSON with its members in the order given. Inside an object every call names its member;
+// inside an array the name is empty.
 class JsonWriter {
 public:
     void beginObject(std::string_view name = {});

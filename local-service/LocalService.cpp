@@ -13,9 +13,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <filesystem>
-
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -189,7 +188,8 @@ std::optional<RunningService> LocalService::start(const LocalServiceOptions& opt
     for (const User& user : site.users.all())
         running.accounts.push_back({ user.screenName, user.password });
     const std::string problem = site.database.takeFailure();
-    if (!problem.empty() || !writeFile(running.servicesFile, servicesFileFor(running.httpPort, running.httpsPort))) {
+    if (!problem.empty()
+        || !writeFile(running.servicesFile, servicesFileFor(running.httpPort, running.httpsPort))) {
         m_private->fail(problem.empty() ? "cannot write " + running.servicesFile : problem);
         return std::nullopt;
     }
@@ -215,10 +215,13 @@ std::string RunningService::description() const
     for (const Account& account : accounts)
         list.append(QJsonObject { { QStringLiteral("username"), text(account.username) },
             { QStringLiteral("password"), text(account.password) } });
-    const QJsonObject object { { QStringLiteral("http"), text("http://127.0.0.1:" + std::to_string(httpPort)) },
+    const QJsonObject object { { QStringLiteral("http"),
+                                   text("http://127.0.0.1:" + std::to_string(httpPort)) },
         { QStringLiteral("https"), text("https://127.0.0.1:" + std::to_string(httpsPort)) },
-        { QStringLiteral("caFile"), text(authorityFile) }, { QStringLiteral("servicesFile"), text(servicesFile) },
-        { QStringLiteral("dataDirectory"), text(dataDirectory) }, { QStringLiteral("accounts"), list } };
+        { QStringLiteral("caFile"), text(authorityFile) },
+        { QStringLiteral("servicesFile"), text(servicesFile) },
+        { QStringLiteral("dataDirectory"), text(dataDirectory) },
+        { QStringLiteral("accounts"), list } };
     return QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString();
 }
 

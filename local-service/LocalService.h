@@ -32,7 +32,8 @@ struct RunningService {
     [[nodiscard]] std::string description() const;
 };
 
-// The whole service: data, routes and the two listeners. Answers on threads of its own between start() and stop().
+// The whole service: data, routes and the two listeners. Answers on threads of its own between start() and
+// stop().
 class LocalService {
 public:
     LocalService();

@@ -23,7 +23,8 @@ Answer longPostError(int status, std::string_view message)
     return answer;
 }
 
-// As many whole words of the text as fit into `limit` characters, or as many characters when the first is too long.
+// As many whole words of the text as fit into `limit` characters, or as many characters when the first is too
+// long.
 std::string beginning(const std::string& text, std::size_t limit)
 {
     std::size_t end = 0;
@@ -77,7 +78,8 @@ Answer longPostPage(Site& site, const std::string& code)
         return htmlAnswer(404, "Not Found", "<p>There is no such post.</p>");
     const std::string author = row.nextText();
     const std::string text = row.nextText();
-    return htmlAnswer(200, author,
+    return htmlAnswer(200,
+        author,
         "<h1>" + escapedMarkup(author) + "</h1><div class=\"post\">" + escapedMarkup(text) + "\n<small>"
             + restDate(row.nextInteger()) + "</small></div>");
 }
@@ -85,12 +87,35 @@ Answer longPostPage(Site& site, const std::string& code)
 // The short form of a word, or the word itself.
 std::string abbreviated(const std::string& word)
 {
-    static constexpr std::array<std::pair<const char*, const char*>, 29> forms { { { "you", "u" }, { "your", "ur" },
-        { "are", "r" }, { "to", "2" }, { "too", "2" }, { "for", "4" }, { "and", "&" }, { "be", "b" }, { "see", "c" },
-        { "why", "y" }, { "before", "b4" }, { "great", "gr8" }, { "late", "l8" }, { "later", "l8r" }, { "with", "w/" },
-        { "without", "w/o" }, { "because", "bc" }, { "people", "ppl" }, { "please", "pls" }, { "thanks", "thx" },
-        { "tomorrow", "tmrw" }, { "tonight", "2nite" }, { "today", "2day" }, { "about", "abt" }, { "message", "msg" },
-        { "picture", "pic" }, { "through", "thru" }, { "though", "tho" }, { "something", "smth" } } };
+    static constexpr std::array<std::pair<const char*, const char*>, 29> forms { { { "you", "u" },
+        { "your", "ur" },
+        { "are", "r" },
+        { "to", "2" },
+        { "too", "2" },
+        { "for", "4" },
+        { "and", "&" },
+        { "be", "b" },
+        { "see", "c" },
+        { "why", "y" },
+        { "before", "b4" },
+        { "great", "gr8" },
+        { "late", "l8" },
+        { "later", "l8r" },
+        { "with", "w/" },
+        { "without", "w/o" },
+        { "because", "bc" },
+        { "people", "ppl" },
+        { "please", "pls" },
+        { "thanks", "thx" },
+        { "tomorrow", "tmrw" },
+        { "tonight", "2nite" },
+        { "today", "2day" },
+        { "about", "abt" },
+        { "message", "msg" },
+        { "picture", "pic" },
+        { "through", "thru" },
+        { "though", "tho" },
+        { "something", "smth" } } };
     const std::size_t end = word.find_last_not_of(".,;:!?") + 1;
     const std::string lower = asciiLowercase(std::string_view(word).substr(0, end));
     for (const auto& [from, to] : forms) {
@@ -139,13 +164,16 @@ Answer shrinkAnswer(const Call& call)
 void addLongPostRoutes(Router& router, Site& site)
 {
     const std::string folder(longPostFolder);
-    router.post(folder + "/api_post", Router::Access::Anyone,
-        [&site](const Call& call) { return storeLongPost(site, call); });
+    router.post(folder + "/api_post", Router::Access::Anyone, [&site](const Call& call) {
+        return storeLongPost(site, call);
+    });
     for (const char* path : { "/show/*", "/*" })
-        router.get(folder + path, Router::Access::Anyone,
-            [&site](const Call& call) { return longPostPage(site, call.argument); });
-    router.get(std::string(shrinkFolder) + "/shrink", Router::Access::Anyone,
-        [](const Call& call) { return shrinkAnswer(call); });
+        router.get(folder + path, Router::Access::Anyone, [&site](const Call& call) {
+            return longPostPage(site, call.argument);
+        });
+    router.get(std::string(shrinkFolder) + "/shrink", Router::Access::Anyone, [](const Call& call) {
+        return shrinkAnswer(call);
+    });
 }
 
 } // namespace localservice

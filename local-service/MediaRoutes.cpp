@@ -43,7 +43,8 @@ Answer upload(Site& site, const Call& call, const MediaService& service)
     if (code.empty())
         return uploadRefusal(1004, "The file could not be stored");
 
-    const std::string link = site.addresses.http + "/" + std::string(folder) + "/" + code + (isMovie ? "z" : "");
+    const std::string link
+        = site.addresses.http + "/" + std::string(folder) + "/" + code + (isMovie ? "z" : "");
     XmlWriter xml;
     xml.beginElement(service.linkElement == "mediaurl" ? "rsp" : "picture",
         service.linkElement == "mediaurl" ? "stat=\"ok\"" : "");
@@ -68,7 +69,8 @@ Answer mediaPage(Site& site, std::string_view folder, std::string_view code, con
     if (!site.media.has(folder, code))
         return htmlAnswer(404, "Not Found", "<p>There is no such picture.</p>");
     const bool isMovie = folder == movieFolder;
-    return htmlAnswer(200, isMovie ? "Movie" : "Picture",
+    return htmlAnswer(200,
+        isMovie ? "Movie" : "Picture",
         (isMovie ? "<video controls src=\"" : "<img style=\"max-width:100%\" alt=\"\" src=\"") + fileLink
             + (isMovie ? "\"></video>" : "\">"));
 }
@@ -77,12 +79,15 @@ void addMediaService(Router& router, Site& site, const MediaService& service)
 {
     const auto anyone = Router::Access::Anyone;
     const std::string folder(service.folder);
-    router.post(folder + "/" + std::string(service.uploadPath), anyone,
-        [&site, &service](const Call& call) { return upload(site, call, service); });
-    router.get(folder + "/" + std::string(service.filePath), anyone,
-        [&site, folder](const Call& call) { return fileAnswer(site, folder, call.argument); });
+    router.post(folder + "/" + std::string(service.uploadPath), anyone, [&site, &service](const Call& call) {
+        return upload(site, call, service);
+    });
+    router.get(folder + "/" + std::string(service.filePath), anyone, [&site, folder](const Call& call) {
+        return fileAnswer(site, folder, call.argument);
+    });
     router.get(folder + "/*", anyone, [&site, &service, folder](const Call& call) {
-        const std::string file = replacingAll(std::string(service.filePath), "*", percentEncoded(call.argument));
+        const std::string file
+            = replacingAll(std::string(service.filePath), "*", percentEncoded(call.argument));
         return mediaPage(site, folder, call.argument, site.addresses.http + "/" + folder + "/" + file);
     });
 }
@@ -94,10 +99,12 @@ void addMediaRoutes(Router& router, Site& site)
     for (const MediaService& service : mediaServices)
         addMediaService(router, site, service);
     const std::string folder(movieFolder);
-    router.get(folder + "/*z:iphone", Router::Access::Anyone,
-        [&site](const Call& call) { return fileAnswer(site, movieFolder, call.argument); });
+    router.get(folder + "/*z:iphone", Router::Access::Anyone, [&site](const Call& call) {
+        return fileAnswer(site, movieFolder, call.argument);
+    });
     router.get(folder + "/*z", Router::Access::Anyone, [&site, folder](const Call& call) {
-        const std::string link = site.addresses.http + "/" + folder + "/" + percentEncoded(call.argument) + "z:iphone";
+        const std::string link
+            = site.addresses.http + "/" + folder + "/" + percentEncoded(call.argument) + "z:iphone";
         return mediaPage(site, movieFolder, call.argument, link);
     });
 }

@@ -34,8 +34,10 @@ std::string MediaStore::path(std::string_view service, std::string_view code) co
     return m_dataDirectory + "/media/" + std::string(service) + "-" + std::string(code);
 }
 
-std::string MediaStore::add(
-    std::string_view service, std::int64_t user, std::string_view contentType, std::string_view content)
+std::string MediaStore::add(std::string_view service,
+    std::int64_t user,
+    std::string_view contentType,
+    std::string_view content)
 {
     Statement count(m_database, "SELECT count(*) FROM media");
     const std::string code = codeForNumber(1'000'000 + (count.step() ? count.nextInteger() : 0));
@@ -43,7 +45,9 @@ std::string MediaStore::add(
     std::filesystem::create_directories(m_dataDirectory + "/media", error);
     if (!writeFile(path(service, code), content))
         return {};
-    Statement(m_database, "INSERT INTO media VALUES (?, ?, ?, ?)").bind(service, code, user, contentType).run();
+    Statement(m_database, "INSERT INTO media VALUES (?, ?, ?, ?)")
+        .bind(service, code, user, contentType)
+        .run();
     return code;
 }
 

@@ -23,7 +23,8 @@ public:
     }
 
     // The new file's code, or an empty text when it could not be written.
-    std::string add(std::string_view service, std::int64_t user, std::string_view contentType, std::string_view content);
+    std::string
+    add(std::string_view service, std::int64_t user, std::string_view contentType, std::string_view content);
     [[nodiscard]] bool has(std::string_view service, std::string_view code);
     [[nodiscard]] std::optional<MediaFile> file(std::string_view service, std::string_view code);
 

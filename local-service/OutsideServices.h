@@ -5,19 +5,27 @@
 
 namespace localservice {
 
-// The folders below which the services of others live. A short link is FOLDER/CODE on the plain port; the interface of
-// a service lies in FOLDER as well.
-inline constexpr std::array<std::string_view, 9> shortLinkFolders { "bitly", "tinyurl", "isgd", "trim", "diggbar",
-    "short1", "short2", "short3", "short4" };
+// The folders below which the services of others live. A short link is FOLDER/CODE on the plain port; the
+// interface of a service lies in FOLDER as well.
+inline constexpr std::array<std::string_view, 9> shortLinkFolders { "bitly",
+    "tinyurl",
+    "isgd",
+    "trim",
+    "diggbar",
+    "short1",
+    "short2",
+    "short3",
+    "short4" };
 
-// A hosting service for pictures: where it takes files, under which name, how it answers, where a file itself is.
+// A hosting service for pictures: where it takes files, under which name, how it answers, where a file itself
+// is.
 struct MediaService {
     std::string_view folder;
     std::string_view uploadPath;
     std::string_view partName;
     std::string_view linkElement;
     std::string_view filePath; // after the folder, “*” for the code
-    bool isSecure;             // uploads go to the TLS port
+    bool isSecure; // uploads go to the TLS port
 };
 inline constexpr std::array<MediaService, 6> mediaServices { {
     { "twitpic", "api/upload", "media", "mediaurl", "show/iphone/*", true },

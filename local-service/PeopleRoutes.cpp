@@ -21,8 +21,8 @@ Answer listPeople(Site& site, const Call& call, ListOfPeople list)
     const auto person = personOfCall(site, call);
     if (!person)
         return errorAnswer(call, 404, "No such user.");
-    return xmlAnswer(RestDocuments(site, call.viewerID())
-                         .users((site.users.*list)(person->id, call.page(peoplePerPage))));
+    return xmlAnswer(
+        RestDocuments(site, call.viewerID()).users((site.users.*list)(person->id, call.page(peoplePerPage))));
 }
 
 } // namespace
@@ -40,12 +40,15 @@ std::optional<User> personOfCall(Site& site, const Call& call)
 
 void addPeopleRoutes(Router& router, Site& site)
 {
-    router.get("users/show.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return showPerson(site, call); });
-    router.get("statuses/friends.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return listPeople(site, call, &UserStore::friendsOf); });
-    router.get("statuses/followers.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return listPeople(site, call, &UserStore::followersOf); });
+    router.get("users/show.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return showPerson(site, call);
+    });
+    router.get("statuses/friends.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return listPeople(site, call, &UserStore::friendsOf);
+    });
+    router.get("statuses/followers.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return listPeople(site, call, &UserStore::followersOf);
+    });
 }
 
 } // namespace localservice

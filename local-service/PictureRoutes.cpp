@@ -51,7 +51,8 @@ bool drawPortraits(const std::string& dataDirectory)
     std::filesystem::create_directories(dataDirectory + "/portraits", error);
     for (const Person& person : communityPeople()) {
         for (const PictureSize& size : sizes) {
-            const std::string file = portraitFile(dataDirectory, std::string(person.screenName) + size.suffix);
+            const std::string file
+                = portraitFile(dataDirectory, std::string(person.screenName) + size.suffix);
             if (person.hasAvatar && !std::filesystem::exists(file, error)
                 && !writeFile(file, drawnPortrait(person.portrait, size.pixels)))
                 return false;
@@ -62,10 +63,12 @@ bool drawPortraits(const std::string& dataDirectory)
 
 void addPictureRoutes(Router& router, Site& site)
 {
-    router.get("avatar/*.png", Router::Access::Anyone,
-        [&site](const Call& call) { return portraitAnswer(site, call.argument); });
+    router.get("avatar/*.png", Router::Access::Anyone, [&site](const Call& call) {
+        return portraitAnswer(site, call.argument);
+    });
     for (const PictureSize& size : sizes) {
-        router.get(std::string("theme/default-avatar") + size.suffix + ".png", Router::Access::Anyone,
+        router.get(std::string("theme/default-avatar") + size.suffix + ".png",
+            Router::Access::Anyone,
             [pixels = size.pixels](const Call&) { return pngAnswer(drawnSilhouette(pixels)); });
     }
 }

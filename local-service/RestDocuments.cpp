@@ -7,11 +7,13 @@ namespace localservice {
 namespace {
 
 constexpr std::string_view statusNamespace = "xmlns:statusnet=\"http://status.net/schema/api/1/\"";
-constexpr std::string_view listAttributes = "type=\"array\" xmlns:statusnet=\"http://status.net/schema/api/1/\"";
+constexpr std::string_view listAttributes
+    = "type=\"array\" xmlns:statusnet=\"http://status.net/schema/api/1/\"";
 
 std::string anchor(std::string_view target, std::string_view text, std::string_view more)
 {
-    return "<a href=\"" + escapedMarkup(target) + "\"" + std::string(more) + ">" + escapedMarkup(text) + "</a>";
+    return "<a href=\"" + escapedMarkup(target) + "\"" + std::string(more) + ">" + escapedMarkup(text)
+        + "</a>";
 }
 
 } // namespace
@@ -49,15 +51,18 @@ std::string RestDocuments::html(std::string_view text)
             html += escapedMarkup(piece.text);
             break;
         case TextPiece::Kind::Link:
-            html += anchor(piece.text.starts_with("www.") ? "http://" + piece.text : piece.text, piece.text,
+            html += anchor(piece.text.starts_with("www.") ? "http://" + piece.text : piece.text,
+                piece.text,
                 " rel=\"nofollow external\"");
             break;
         case TextPiece::Kind::Hashtag:
-            html += "#" + anchor(m_site.addresses.http + "/tag/" + percentEncoded(bare), bare, " rel=\"tag\"");
+            html
+                += "#" + anchor(m_site.addresses.http + "/tag/" + percentEncoded(bare), bare, " rel=\"tag\"");
             break;
         case TextPiece::Kind::Mention:
             if (const Person* mentioned = personNamed(bare))
-                html += "@" + anchor(m_site.profileLink(mentioned->user), bare, " class=\"h-card u-url mention\"");
+                html += "@"
+                    + anchor(m_site.profileLink(mentioned->user), bare, " class=\"h-card u-url mention\"");
             else
                 html += escapedMarkup(piece.text);
             break;
@@ -66,8 +71,10 @@ std::string RestDocuments::html(std::string_view text)
     return html;
 }
 
-void RestDocuments::writePerson(
-    std::string_view elementName, std::int64_t id, std::string_view attributes, NewestStatus newest)
+void RestDocuments::writePerson(std::string_view elementName,
+    std::int64_t id,
+    std::string_view attributes,
+    NewestStatus newest)
 {
     const Person& someone = person(id);
     const User& user = someone.user;

@@ -7,8 +7,8 @@
 
 namespace localservice {
 
-// Writes the documents of the REST interface as one reader sees them: “following” and “favorited” are the reader's.
-// Made for one answer; a page of two hundred posts has few authors, so they are looked up once.
+// Writes the documents of the REST interface as one reader sees them: “following” and “favorited” are the
+// reader's. Made for one answer; a page of two hundred posts has few authors, so they are looked up once.
 class RestDocuments {
 public:
     RestDocuments(Site& site, std::int64_t viewer)
@@ -39,7 +39,10 @@ private:
     const Person& person(std::int64_t id);
     const Person* personNamed(const std::string& screenName);
     void writeStatus(const Status& status, std::string_view attributes, Author author);
-    void writePerson(std::string_view elementName, std::int64_t id, std::string_view attributes, NewestStatus newest);
+    void writePerson(std::string_view elementName,
+        std::int64_t id,
+        std::string_view attributes,
+        NewestStatus newest);
     void writeMessage(const DirectMessage& message, std::string_view attributes);
 
     Site& m_site;

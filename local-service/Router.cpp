@@ -46,17 +46,19 @@ std::string_view withoutFolder(std::string_view path)
 
 bool isWellFormed(const Call& call)
 {
-    return isValidUTF8(call.path) && std::all_of(call.parameters.begin(), call.parameters.end(), [](const auto& pair) {
-        return isValidUTF8(pair.first) && isValidUTF8(pair.second);
-    });
+    return isValidUTF8(call.path)
+        && std::all_of(call.parameters.begin(), call.parameters.end(), [](const auto& pair) {
+               return isValidUTF8(pair.first) && isValidUTF8(pair.second);
+           });
 }
 
 } // namespace
 
 std::optional<std::string> Call::parameter(std::string_view name) const
 {
-    const auto found
-        = std::find_if(parameters.begin(), parameters.end(), [&](const auto& pair) { return pair.first == name; });
+    const auto found = std::find_if(parameters.begin(), parameters.end(), [&](const auto& pair) {
+        return pair.first == name;
+    });
     return found == parameters.end() ? std::nullopt : std::optional(found->second);
 }
 
@@ -73,7 +75,8 @@ std::int64_t Call::numberOr(std::string_view name, std::int64_t otherwise) const
 
 const BodyPart* Call::part(std::string_view name) const
 {
-    const auto found = std::find_if(parts.begin(), parts.end(), [&](const auto& part) { return part.name == name; });
+    const auto found
+        = std::find_if(parts.begin(), parts.end(), [&](const auto& part) { return part.name == name; });
     return found == parts.end() ? nullptr : &*found;
 }
 
@@ -113,8 +116,10 @@ Answer redirectAnswer(const std::string& target)
 Answer htmlAnswer(int status, std::string_view title, std::string_view body)
 {
     std::string page = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + escapedMarkup(title)
-        + "</title>\n<style>body{font:16px/1.5 sans-serif;max-width:36em;margin:2em auto;padding:0 1em;color:#223}"
-          "img{border-radius:8px;vertical-align:middle;margin-right:.6em}a{color:#1a6fb5}.post{border-bottom:1px "
+        + "</title>\n<style>body{font:16px/1.5 sans-serif;max-width:36em;margin:2em auto;padding:0 "
+          "1em;color:#223}"
+          "img{border-radius:8px;vertical-align:middle;margin-right:.6em}a{color:#1a6fb5}.post{border-bottom:"
+          "1px "
           "solid #dde;padding:.6em 0;white-space:pre-wrap}small{color:#778}</style></head>\n<body>";
     page += body;
     page += "</body></html>\n";
@@ -179,9 +184,10 @@ Answer Router::answer(Call call) const
         isOtherMethod = true;
     }
     if (!chosen && isOtherMethod)
-        return { 405, "text/html; charset=utf-8",
-            std::string("<div class=\"error\">This method requires a ") + (call.method == "POST" ? "GET" : "POST")
-                + ".</div>\n",
+        return { 405,
+            "text/html; charset=utf-8",
+            std::string("<div class=\"error\">This method requires a ")
+                + (call.method == "POST" ? "GET" : "POST") + ".</div>\n",
             {} };
     if (!chosen)
         return htmlAnswer(404, "Not Found", "<h1>Not Found</h1><div class=\"error\">Page not found.</div>");

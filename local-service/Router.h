@@ -17,7 +17,7 @@ struct BodyPart {
 // A request as the routes see it.
 struct Call {
     std::string method;
-    std::string path;   // decoded, without the query
+    std::string path; // decoded, without the query
     std::string target; // as asked for, with the query
     std::string authorization;
     Parameters parameters; // of the query and of a form body
@@ -51,8 +51,8 @@ struct Answer {
 // The interface's error document.
 [[nodiscard]] Answer errorAnswer(const Call& call, int status, std::string_view message);
 
-// Finds the handler for a request. A “*” in a pattern stands for a part of one piece of the path, never empty. The first
-// route that fits is taken; handlers run under the database's lock, one at a time.
+// Finds the handler for a request. A “*” in a pattern stands for a part of one piece of the path, never
+// empty. The first route that fits is taken; handlers run under the database's lock, one at a time.
 class Router {
 public:
     enum class Access { Anyone, SignedIn };

@@ -22,7 +22,16 @@ constexpr int movieHeight = 240;
 constexpr int framesPerSecond = 12;
 constexpr int movieFrames = 48;
 
-enum Feature : unsigned { Sun = 1, Stars = 2, Sea = 4, Snow = 8, Boat = 16, Houses = 32, Trees = 64, Rails = 128 };
+enum Feature : unsigned {
+    Sun = 1,
+    Stars = 2,
+    Sea = 4,
+    Snow = 8,
+    Boat = 16,
+    Houses = 32,
+    Trees = 64,
+    Rails = 128
+};
 
 struct SceneDescription {
     std::string_view name;
@@ -119,7 +128,8 @@ private:
         QPainterPath hills;
         hills.moveTo(0, sceneHeight);
         for (int x = 0; x <= sceneWidth; x += 8)
-            hills.lineTo(x, y + height * (std::sin(x / 130.0 + phase) + 0.5 * std::sin(x / 47.0 + 2 * phase)));
+            hills.lineTo(x,
+                y + height * (std::sin(x / 130.0 + phase) + 0.5 * std::sin(x / 47.0 + 2 * phase)));
         hills.lineTo(sceneWidth, sceneHeight);
         m_painter.setBrush(color);
         m_painter.drawPath(hills);
@@ -134,7 +144,8 @@ private:
             m_painter.setBrush(QColor(255, 214, 120));
             for (int window = 0; window < 4; ++window) {
                 if (m_random() % 3)
-                    m_painter.drawRect(QRectF(x + 9 + 24 * (window % 2), 434 - height + 26 * (window / 2), 12, 14));
+                    m_painter.drawRect(
+                        QRectF(x + 9 + 24 * (window % 2), 434 - height + 26 * (window / 2), 12, 14));
             }
         }
     }
@@ -149,7 +160,9 @@ private:
         for (int i = 0; i < 70; ++i) {
             const double depth = anywhere(1);
             m_painter.drawRoundedRect(
-                QRectF(anywhere(sceneWidth), 404 + 190 * depth, 14 + 60 * depth, 1.5 + 3 * depth), 2, 2);
+                QRectF(anywhere(sceneWidth), 404 + 190 * depth, 14 + 60 * depth, 1.5 + 3 * depth),
+                2,
+                2);
         }
     }
 
@@ -234,8 +247,10 @@ QImage waveFrame(int frame)
 // The pieces of a RIFF file: four letters, a length, the content, padded to an even length.
 std::string number(std::uint32_t value)
 {
-    return { static_cast<char>(value & 0xFF), static_cast<char>(value >> 8 & 0xFF),
-        static_cast<char>(value >> 16 & 0xFF), static_cast<char>(value >> 24 & 0xFF) };
+    return { static_cast<char>(value & 0xFF),
+        static_cast<char>(value >> 8 & 0xFF),
+        static_cast<char>(value >> 16 & 0xFF),
+        static_cast<char>(value >> 24 & 0xFF) };
 }
 
 std::string numbers(std::initializer_list<std::uint32_t> values)
@@ -284,10 +299,32 @@ std::string drawnMovie()
         frames += chunk("00dc", png);
         largest = std::max(largest, size);
     }
-    const std::string mainHeader = numbers({ 1'000'000 / framesPerSecond, largest * framesPerSecond, 0, 0x10,
-        movieFrames, 0, 1, largest, movieWidth, movieHeight, 0, 0, 0, 0 });
+    const std::string mainHeader = numbers({ 1'000'000 / framesPerSecond,
+        largest * framesPerSecond,
+        0,
+        0x10,
+        movieFrames,
+        0,
+        1,
+        largest,
+        movieWidth,
+        movieHeight,
+        0,
+        0,
+        0,
+        0 });
     const std::string streamHeader = "vidsMPNG"
-        + numbers({ 0, 0, 0, 1, framesPerSecond, 0, movieFrames, largest, 0xFFFFFFFF, 0, 0,
+        + numbers({ 0,
+            0,
+            0,
+            1,
+            framesPerSecond,
+            0,
+            movieFrames,
+            largest,
+            0xFFFFFFFF,
+            0,
+            0,
             movieHeight << 16 | movieWidth });
     const std::string format = numbers({ 40, movieWidth, movieHeight, 24U << 16 | 1U }) + "MPNG"
         + numbers({ movieWidth * movieHeight * 3, 0, 0, 0, 0 });

@@ -68,7 +68,8 @@ SearchQuery::Term SearchQuery::termFor(QString word, bool isQuoted)
         word.remove(0, 1);
     }
     static const std::pair<QString, Term::Kind> prefixes[] = { { QStringLiteral("#"), Term::Kind::Hashtag },
-        { QStringLiteral("@"), Term::Kind::Mention }, { QStringLiteral("from:"), Term::Kind::From },
+        { QStringLiteral("@"), Term::Kind::Mention },
+        { QStringLiteral("from:"), Term::Kind::From },
         { QStringLiteral("to:"), Term::Kind::To } };
     for (const auto& [prefix, kind] : prefixes) {
         if (!isQuoted && word.size() > prefix.size() && word.startsWith(prefix)) {
@@ -111,8 +112,9 @@ bool SearchQuery::matches(const Status& status, const User& author, const std::s
             subject.hashtags.push_back(folded(piece.text).mid(1));
     }
     return !isEmpty() && std::all_of(m_groups.begin(), m_groups.end(), [&](const std::vector<Term>& group) {
-        return std::any_of(group.begin(), group.end(),
-            [&](const Term& term) { return matches(term, subject) != term.isExcluded; });
+        return std::any_of(group.begin(), group.end(), [&](const Term& term) {
+            return matches(term, subject) != term.isExcluded;
+        });
     });
 }
 

@@ -8,14 +8,15 @@
 
 namespace localservice {
 
-// A search as people type it: words that must all occur, "words in a row", #tags, @names, from:name, to:name, each
-// with a “-” before it to leave posts out, and OR between two of them.
+// A search as people type it: words that must all occur, "words in a row", #tags, @names, from:name, to:name,
+// each with a “-” before it to leave posts out, and OR between two of them.
 class SearchQuery {
 public:
     explicit SearchQuery(std::string_view text);
 
     [[nodiscard]] bool isEmpty() const { return m_groups.empty(); }
-    [[nodiscard]] bool matches(const Status& status, const User& author, const std::string& answeredName) const;
+    [[nodiscard]] bool
+    matches(const Status& status, const User& author, const std::string& answeredName) const;
 
 private:
     struct Term {

@@ -37,7 +37,8 @@ std::vector<Hit> findHits(Site& site, const SearchQuery& query, const Page& page
             continue;
         if (toSkip-- > 0)
             continue;
-        hits.push_back({ std::move(status), author, isAnswer ? std::optional(answered->second) : std::nullopt });
+        hits.push_back(
+            { std::move(status), author, isAnswer ? std::optional(answered->second) : std::nullopt });
     }
     return hits;
 }
@@ -108,7 +109,9 @@ Answer trendsAnswer(Site& site)
     std::vector<std::pair<std::string, int>> tags;
     for (const auto& [key, entry] : counts)
         tags.push_back(entry);
-    std::stable_sort(tags.begin(), tags.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+    std::stable_sort(tags.begin(), tags.end(), [](const auto& a, const auto& b) {
+        return a.second > b.second;
+    });
     tags.resize(std::min(tags.size(), trendCount));
 
     JsonWriter json;
@@ -130,7 +133,9 @@ Answer trendsAnswer(Site& site)
 
 void addSearchRoutes(Router& router, Site& site)
 {
-    router.get("search.json", Router::Access::Anyone, [&site](const Call& call) { return searchAnswer(site, call); });
+    router.get("search.json", Router::Access::Anyone, [&site](const Call& call) {
+        return searchAnswer(site, call);
+    });
     router.get("trends.json", Router::Access::Anyone, [&site](const Call&) { return trendsAnswer(site); });
 }
 

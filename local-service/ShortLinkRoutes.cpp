@@ -13,9 +13,11 @@ std::optional<std::string> linkToShorten(const Call& call, std::string_view para
     std::string link = call.parameterOr(parameter, "");
     if (link.starts_with("www."))
         link.insert(0, "http://");
-    const bool hasScheme = link.starts_with("http://") || link.starts_with("https://") || link.starts_with("ftp://");
+    const bool hasScheme
+        = link.starts_with("http://") || link.starts_with("https://") || link.starts_with("ftp://");
     const bool isOneWord = link.find_first_of(" \t\r\n") == std::string::npos;
-    return hasScheme && isOneWord && link.size() > 10 && link.size() < 4000 ? std::optional(link) : std::nullopt;
+    return hasScheme && isOneWord && link.size() > 10 && link.size() < 4000 ? std::optional(link)
+                                                                            : std::nullopt;
 }
 
 std::string shortLink(Site& site, std::string_view service, const std::string& target)
@@ -77,7 +79,8 @@ Answer bitlyShorten(Site& site, const Call& call)
     if (!target)
         return bitlyError(1206, "URL you tried to shorten was invalid.");
     const std::string code = site.shortLinks.codeFor("bitly", *target);
-    return bitlyResult(*target, { { "hash", code }, { "shortUrl", shortLink(site, "bitly", *target) }, { "userHash", code } });
+    return bitlyResult(*target,
+        { { "hash", code }, { "shortUrl", shortLink(site, "bitly", *target) }, { "userHash", code } });
 }
 
 Answer bitlyExpand(Site& site, const Call& call)
@@ -92,10 +95,15 @@ Answer bitlyExpand(Site& site, const Call& call)
 }
 
 // The services that answer with the bare link. Only one of them ends its answer with a line feed.
-Answer plainShorten(Site& site, const Call& call, std::string_view service, std::string_view parameter, const char* ending)
+Answer plainShorten(Site& site,
+    const Call& call,
+    std::string_view service,
+    std::string_view parameter,
+    const char* ending)
 {
     const auto target = linkToShorten(call, parameter);
-    Answer answer = textAnswer(target ? shortLink(site, service, *target) + ending : "Error: this is not a link.");
+    Answer answer
+        = textAnswer(target ? shortLink(site, service, *target) + ending : "Error: this is not a link.");
     if (!target)
         answer.status = 400;
     return answer;
@@ -113,7 +121,8 @@ Answer diggBarShorten(Site& site, const Call& call)
         return answer;
     }
     xml.beginElement("shorturls", "count=\"1\"");
-    xml.element("shorturl", "",
+    xml.element("shorturl",
+        "",
         "itemid=\"\" link=\"" + escapedMarkup(*target) + "\" short_url=\""
             + escapedMarkup(shortLink(site, "diggbar", *target)) + "\" view_count=\"0\"");
     xml.endElement();
@@ -164,13 +173,18 @@ void addShortLinkRoutes(Router& router, Site& site)
     const auto anyone = Router::Access::Anyone;
     router.get("bitly/shorten", anyone, [&site](const Call& call) { return bitlyShorten(site, call); });
     router.get("bitly/expand", anyone, [&site](const Call& call) { return bitlyExpand(site, call); });
-    router.get("tinyurl/api-create.php", anyone,
-        [&site](const Call& call) { return plainShorten(site, call, "tinyurl", "url", ""); });
-    router.get("isgd/api.php", anyone,
-        [&site](const Call& call) { return plainShorten(site, call, "isgd", "longurl", ""); });
-    router.get("trim/api/trim_simple", anyone,
-        [&site](const Call& call) { return plainShorten(site, call, "trim", "url", "\n"); });
-    router.get("diggbar/url/short/create", anyone, [&site](const Call& call) { return diggBarShorten(site, call); });
+    router.get("tinyurl/api-create.php", anyone, [&site](const Call& call) {
+        return plainShorten(site, call, "tinyurl", "url", "");
+    });
+    router.get("isgd/api.php", anyone, [&site](const Call& call) {
+        return plainShorten(site, call, "isgd", "longurl", "");
+    });
+    router.get("trim/api/trim_simple", anyone, [&site](const Call& call) {
+        return plainShorten(site, call, "trim", "url", "\n");
+    });
+    router.get("diggbar/url/short/create", anyone, [&site](const Call& call) {
+        return diggBarShorten(site, call);
+    });
     router.get("longurl/v1/expand", anyone, [&site](const Call& call) { return longURLExpand(site, call); });
     router.get("expand/api/v1.1", anyone, [&site](const Call& call) { return plainExpand(site, call); });
     for (const std::string_view folder : shortLinkFolders) {

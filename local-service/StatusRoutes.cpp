@@ -69,12 +69,14 @@ Answer updateStatus(Site& site, const Call& call)
             return errorAnswer(call, 404, "Parent notice not found.");
     }
     if (site.statuses.hasSameText(status.userID, status.text, status.createdAt - duplicateSeconds))
-        return errorAnswer(call, 400,
+        return errorAnswer(call,
+            400,
             "Too many duplicate messages too quickly; take a breather and post again in a few minutes.");
     Transaction transaction(site.database);
     const auto added = site.statuses.withID(site.statuses.add(status));
     transaction.commit();
-    return added ? statusAnswer(site, call, *added) : errorAnswer(call, 500, "The notice could not be stored.");
+    return added ? statusAnswer(site, call, *added)
+                 : errorAnswer(call, 500, "The notice could not be stored.");
 }
 
 Answer destroyStatus(Site& site, const Call& call)
@@ -117,16 +119,21 @@ Answer destroyFavorite(Site& site, const Call& call)
 
 void addStatusRoutes(Router& router, Site& site)
 {
-    router.get("statuses/show/*.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return showStatus(site, call); });
-    router.post("statuses/update.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return updateStatus(site, call); });
-    router.post("statuses/destroy/*.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return destroyStatus(site, call); });
-    router.post("favorites/create/*.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return createFavorite(site, call); });
-    router.post("favorites/destroy/*.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return destroyFavorite(site, call); });
+    router.get("statuses/show/*.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return showStatus(site, call);
+    });
+    router.post("statuses/update.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return updateStatus(site, call);
+    });
+    router.post("statuses/destroy/*.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return destroyStatus(site, call);
+    });
+    router.post("favorites/create/*.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return createFavorite(site, call);
+    });
+    router.post("favorites/destroy/*.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return destroyFavorite(site, call);
+    });
 }
 
 } // namespace localservice

@@ -8,15 +8,15 @@ namespace localservice {
 
 namespace {
 
-#define STATUS_COLUMNS \
+#define STATUS_COLUMNS                                                                                       \
     "s.id, s.user_id, s.text, s.source, s.in_reply_to_status_id, s.in_reply_to_user_id, s.conversation_id, " \
     "s.is_deleted, s.created_at "
 
 // Parameters 1 to 4 are the page's ends, count and offset, parameter 5 is the viewer.
 #define IN_PAGE "NOT s.is_deleted AND s.id > ?1 AND s.id <= ?2 "
 #define ORDERED "ORDER BY s.id DESC LIMIT ?3 OFFSET ?4"
-#define VISIBLE \
-    "(NOT u.is_protected OR u.id = ?5 OR EXISTS (SELECT 1 FROM follows f WHERE f.follower = ?5 AND" \
+#define VISIBLE                                                                                              \
+    "(NOT u.is_protected OR u.id = ?5 OR EXISTS (SELECT 1 FROM follows f WHERE f.follower = ?5 AND"          \
     " f.followed = u.id AND f.is_accepted)) "
 
 Status readStatus(Statement& row)
@@ -61,9 +61,15 @@ std::int64_t StatusStore::add(const Status& status)
         }
     }
     Statement(m_database,
-        "INSERT INTO statuses (user_id, text, source, in_reply_to_status_id, in_reply_to_user_id, conversation_id,"
+        "INSERT INTO statuses (user_id, text, source, in_reply_to_status_id, in_reply_to_user_id, "
+        "conversation_id,"
         " created_at) VALUES (?, ?, ?, ?, ?, ?, ?)")
-        .bind(status.userID, status.text, status.source, status.inReplyToStatusID, answeredUser, conversation,
+        .bind(status.userID,
+            status.text,
+            status.source,
+            status.inReplyToStatusID,
+            answeredUser,
+            conversation,
             status.createdAt)
         .run();
     const std::int64_t id = m_database.lastInsertedID();
@@ -74,7 +80,8 @@ std::int64_t StatusStore::add(const Status& status)
         Statement(m_database, "INSERT OR IGNORE INTO mentions VALUES (?, ?)").bind(answeredUser, id).run();
     for (const TextPiece& piece : piecesOfText(status.text)) {
         if (piece.kind == TextPiece::Kind::Mention)
-            Statement(m_database, "INSERT OR IGNORE INTO mentions SELECT id, ? FROM users WHERE screen_name = ?")
+            Statement(m_database,
+                "INSERT OR IGNORE INTO mentions SELECT id, ? FROM users WHERE screen_name = ?")
                 .bind(id, piece.text.substr(1))
                 .run();
     }
@@ -104,8 +111,8 @@ std::optional<Status> StatusStore::newestOf(std::int64_t author)
 
 bool StatusStore::hasSameText(std::int64_t author, std::string_view text, std::int64_t sinceTime)
 {
-    Statement row(
-        m_database, "SELECT 1 FROM statuses WHERE user_id = ? AND text = ? AND created_at > ? AND NOT is_deleted");
+    Statement row(m_database,
+        "SELECT 1 FROM statuses WHERE user_id = ? AND text = ? AND created_at > ? AND NOT is_deleted");
     return row.bind(author, text, sinceTime).step();
 }
 
@@ -119,8 +126,8 @@ std::vector<Status> StatusStore::homeTimeline(std::int64_t viewer, const Page& p
 {
     Statement rows(m_database,
         "SELECT " STATUS_COLUMNS "FROM statuses s WHERE " IN_PAGE
-        "AND (s.user_id = ?5 OR s.user_id IN (SELECT followed FROM follows WHERE follower = ?5 AND is_accepted)) "
-        ORDERED);
+        "AND (s.user_id = ?5 OR s.user_id IN (SELECT followed FROM follows WHERE follower = ?5 AND "
+        "is_accepted)) " ORDERED);
     return readStatuses(bindPage(rows, page).bind(viewer));
 }
 
@@ -135,8 +142,8 @@ std::vector<Status> StatusStore::repliesTo(std::int64_t viewer, const Page& page
 
 std::vector<Status> StatusStore::userTimeline(std::int64_t author, const Page& page)
 {
-    Statement rows(
-        m_database, "SELECT " STATUS_COLUMNS "FROM statuses s WHERE s.user_id = ?5 AND " IN_PAGE ORDERED);
+    Statement rows(m_database,
+        "SELECT " STATUS_COLUMNS "FROM statuses s WHERE s.user_id = ?5 AND " IN_PAGE ORDERED);
     return readStatuses(bindPage(rows, page).bind(author));
 }
 
@@ -189,7 +196,9 @@ void StatusStore::addFavorite(std::int64_t user, std::int64_t status)
 
 void StatusStore::removeFavorite(std::int64_t user, std::int64_t status)
 {
-    Statement(m_database, "DELETE FROM favorites WHERE user_id = ? AND status_id = ?").bind(user, status).run();
+    Statement(m_database, "DELETE FROM favorites WHERE user_id = ? AND status_id = ?")
+        .bind(user, status)
+        .run();
 }
 
 void StatusStore::rebaseLinks(std::string_view oldBase, std::string_view newBase)

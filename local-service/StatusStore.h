@@ -16,8 +16,8 @@ struct Status {
     std::int64_t createdAt = 0;
 };
 
-// Posts, mentions and favorites. Every list leaves out deleted posts and what the viewer may not see, newest first.
-// A viewer of 0 is nobody signed in.
+// Posts, mentions and favorites. Every list leaves out deleted posts and what the viewer may not see, newest
+// first. A viewer of 0 is nobody signed in.
 class StatusStore {
 public:
     explicit StatusStore(Database& database)
@@ -25,7 +25,8 @@ public:
     {
     }
 
-    // Adds a post written at `createdAt`; the mentions in its text and the post it answers become part of the record.
+    // Adds a post written at `createdAt`; the mentions in its text and the post it answers become part of the
+    // record.
     std::int64_t add(const Status& status);
     void remove(std::int64_t id);
     // Deleted posts are found too.
@@ -47,7 +48,8 @@ public:
     void addFavorite(std::int64_t user, std::int64_t status);
     void removeFavorite(std::int64_t user, std::int64_t status);
 
-    // Puts `newBase` in the place of `oldBase` in every text, so that links into this service outlive a new port.
+    // Puts `newBase` in the place of `oldBase` in every text, so that links into this service outlive a new
+    // port.
     void rebaseLinks(std::string_view oldBase, std::string_view newBase);
 
 private:

@@ -103,8 +103,8 @@ const char* dayName(const std::tm& parts)
 
 const char* monthName(const std::tm& parts)
 {
-    static constexpr std::array<const char*, 12> names { "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug",
-        "Sep", "Oct", "Nov", "Dec" };
+    static constexpr std::array<const char*, 12>
+        names { "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
     return names.at(static_cast<std::size_t>(parts.tm_mon));
 }
 
@@ -121,8 +121,8 @@ std::size_t linkLength(std::string_view rest)
     while (length > 0) {
         const char last = rest[length - 1];
         const std::string_view link = rest.substr(0, length);
-        const bool closesNothing
-            = last == ')' && std::count(link.begin(), link.end(), '(') < std::count(link.begin(), link.end(), ')');
+        const bool closesNothing = last == ')'
+            && std::count(link.begin(), link.end(), '(') < std::count(link.begin(), link.end(), ')');
         if (!closesNothing && std::string_view(".,;:!?'").find(last) == std::string_view::npos)
             break;
         --length;
@@ -145,8 +145,9 @@ bool isValidUTF8(std::string_view text)
 
 std::size_t characterCount(std::string_view text)
 {
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+        return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
 }
 
 std::string tidiedText(std::string_view text)
@@ -236,15 +237,16 @@ Parameters parametersOfForm(std::string_view body)
         if (pair.empty())
             continue;
         const std::size_t equals = std::min(pair.find('='), pair.size());
-        parameters.emplace_back(
-            formDecoded(pair.substr(0, equals)), formDecoded(pair.substr(std::min(pair.size(), equals + 1))));
+        parameters.emplace_back(formDecoded(pair.substr(0, equals)),
+            formDecoded(pair.substr(std::min(pair.size(), equals + 1))));
     }
     return parameters;
 }
 
 std::optional<std::string> decodedBase64(std::string_view text)
 {
-    static constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    static constexpr std::string_view alphabet
+        = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string decoded;
     std::uint32_t bits = 0;
     int bitCount = 0;
@@ -283,8 +285,16 @@ std::string restDate(std::int64_t secondsSinceEpoch)
 {
     const std::tm parts = universalTime(secondsSinceEpoch);
     std::array<char, 64> buffer {};
-    std::snprintf(buffer.data(), buffer.size(), "%s %s %02d %02d:%02d:%02d +0000 %04d", dayName(parts),
-        monthName(parts), parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec, parts.tm_year + 1900);
+    std::snprintf(buffer.data(),
+        buffer.size(),
+        "%s %s %02d %02d:%02d:%02d +0000 %04d",
+        dayName(parts),
+        monthName(parts),
+        parts.tm_mday,
+        parts.tm_hour,
+        parts.tm_min,
+        parts.tm_sec,
+        parts.tm_year + 1900);
     return buffer.data();
 }
 
@@ -292,8 +302,16 @@ std::string searchDate(std::int64_t secondsSinceEpoch)
 {
     const std::tm parts = universalTime(secondsSinceEpoch);
     std::array<char, 64> buffer {};
-    std::snprintf(buffer.data(), buffer.size(), "%s, %02d %s %04d %02d:%02d:%02d +0000", dayName(parts),
-        parts.tm_mday, monthName(parts), parts.tm_year + 1900, parts.tm_hour, parts.tm_min, parts.tm_sec);
+    std::snprintf(buffer.data(),
+        buffer.size(),
+        "%s, %02d %s %04d %02d:%02d:%02d +0000",
+        dayName(parts),
+        parts.tm_mday,
+        monthName(parts),
+        parts.tm_year + 1900,
+        parts.tm_hour,
+        parts.tm_min,
+        parts.tm_sec);
     return buffer.data();
 }
 
@@ -307,7 +325,8 @@ std::string isoDate(std::int64_t secondsSinceEpoch)
 
 std::int64_t currentTime()
 {
-    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch())
+    return std::chrono::duration_cast<std::chrono::seconds>(
+        std::chrono::system_clock::now().time_since_epoch())
         .count();
 }
 
@@ -330,7 +349,8 @@ std::vector<TextPiece> piecesOfText(std::string_view text)
             kind = TextPiece::Kind::Link;
         } else if (!followsWord && (rest.front() == '@' || rest.front() == '#')) {
             const bool isMention = rest.front() == '@';
-            while (length < rest.size() && (isMention ? isNameCharacter(rest[length]) : isWordByte(rest[length])))
+            while (length < rest.size()
+                && (isMention ? isNameCharacter(rest[length]) : isWordByte(rest[length])))
                 ++length;
             if (length > 1)
                 kind = isMention ? TextPiece::Kind::Mention : TextPiece::Kind::Hashtag;

@@ -16,15 +16,16 @@ Answer userTimelineAnswer(Site& site, const Call& call)
     if (!author)
         return errorAnswer(call, 404, "No such user found.");
     if (!site.users.maySee(call.viewerID(), *author))
-        return errorAnswer(
-            call, 403, "This stream is protected and only authorized subscribers may see its contents.");
+        return errorAnswer(call,
+            403,
+            "This stream is protected and only authorized subscribers may see its contents.");
     return statusesAnswer(site, call, site.statuses.userTimeline(author->id, call.page()));
 }
 
 Answer favoritesAnswer(Site& site, const Call& call)
 {
-    const auto owner = call.argument.empty() ? personOfCall(site, call)
-                                             : site.users.withIDOrScreenName(call.argument);
+    const auto owner
+        = call.argument.empty() ? personOfCall(site, call) : site.users.withIDOrScreenName(call.argument);
     if (!owner)
         return errorAnswer(call, 404, "No such user found.");
     return statusesAnswer(site, call, site.statuses.favoritesOf(call.viewerID(), owner->id, call.page()));
@@ -43,12 +44,15 @@ void addTimelineRoutes(Router& router, Site& site)
     router.get("statuses/public_timeline.xml", Router::Access::Anyone, [&site](const Call& call) {
         return statusesAnswer(site, call, site.statuses.publicTimeline(call.page()));
     });
-    router.get("statuses/user_timeline.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return userTimelineAnswer(site, call); });
-    router.get("favorites.xml", Router::Access::SignedIn,
-        [&site](const Call& call) { return favoritesAnswer(site, call); });
-    router.get("favorites/*.xml", Router::Access::Anyone,
-        [&site](const Call& call) { return favoritesAnswer(site, call); });
+    router.get("statuses/user_timeline.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return userTimelineAnswer(site, call);
+    });
+    router.get("favorites.xml", Router::Access::SignedIn, [&site](const Call& call) {
+        return favoritesAnswer(site, call);
+    });
+    router.get("favorites/*.xml", Router::Access::Anyone, [&site](const Call& call) {
+        return favoritesAnswer(site, call);
+    });
 }
 
 } // namespace localservice

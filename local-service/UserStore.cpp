@@ -6,8 +6,9 @@ namespace localservice {
 
 namespace {
 
-#define USER_COLUMNS \
-    "u.id, u.screen_name, u.password, u.name, u.location, u.description, u.url, u.has_avatar, u.is_protected, " \
+#define USER_COLUMNS                                                                                         \
+    "u.id, u.screen_name, u.password, u.name, u.location, u.description, u.url, u.has_avatar, "              \
+    "u.is_protected, "                                                                                       \
     "u.created_at "
 
 User readUser(Statement& row)
@@ -44,10 +45,18 @@ std::optional<User> readOneUser(Statement& rows)
 std::int64_t UserStore::add(const User& user)
 {
     Statement(m_database,
-        "INSERT INTO users (screen_name, password, name, location, description, url, has_avatar, is_protected, "
+        "INSERT INTO users (screen_name, password, name, location, description, url, has_avatar, "
+        "is_protected, "
         "created_at) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)")
-        .bind(user.screenName, user.password, user.name, user.location, user.description, user.url, user.hasAvatar,
-            user.isProtected, user.createdAt)
+        .bind(user.screenName,
+            user.password,
+            user.name,
+            user.location,
+            user.description,
+            user.url,
+            user.hasAvatar,
+            user.isProtected,
+            user.createdAt)
         .run();
     return m_database.lastInsertedID();
 }
@@ -104,7 +113,8 @@ bool UserStore::isFollowing(std::int64_t follower, std::int64_t followed)
 
 bool UserStore::hasAsked(std::int64_t follower, std::int64_t followed)
 {
-    Statement row(m_database, "SELECT 1 FROM follows WHERE follower = ? AND followed = ? AND NOT is_accepted");
+    Statement row(m_database,
+        "SELECT 1 FROM follows WHERE follower = ? AND followed = ? AND NOT is_accepted");
     return row.bind(follower, followed).step();
 }
 
@@ -117,7 +127,9 @@ void UserStore::follow(const User& follower, const User& followed, bool isAccept
 
 void UserStore::unfollow(std::int64_t follower, std::int64_t followed)
 {
-    Statement(m_database, "DELETE FROM follows WHERE follower = ? AND followed = ?").bind(follower, followed).run();
+    Statement(m_database, "DELETE FROM follows WHERE follower = ? AND followed = ?")
+        .bind(follower, followed)
+        .run();
 }
 
 bool UserStore::maySee(std::int64_t viewer, const User& author)

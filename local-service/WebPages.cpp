@@ -16,9 +16,10 @@ std::string postMarkup(Site& site, RestDocuments& documents, const Status& statu
     const User author = site.users.withID(status.userID).value_or(User {});
     const std::string link = site.profileLink(author);
     return "<div class=\"post\"><img src=\"" + site.avatarLink(author, "_normal")
-        + "\" width=\"48\" height=\"48\" alt=\"\"><a href=\"" + link + "\">" + escapedMarkup(author.screenName)
-        + "</a> " + documents.html(status.text) + "\n<small><a href=\"" + link + "/status/"
-        + std::to_string(status.id) + "\">" + restDate(status.createdAt) + "</a></small></div>";
+        + "\" width=\"48\" height=\"48\" alt=\"\"><a href=\"" + link + "\">"
+        + escapedMarkup(author.screenName) + "</a> " + documents.html(status.text) + "\n<small><a href=\""
+        + link + "/status/" + std::to_string(status.id) + "\">" + restDate(status.createdAt)
+        + "</a></small></div>";
 }
 
 std::string postsMarkup(Site& site, const std::vector<Status>& statuses)
@@ -37,7 +38,8 @@ Answer profilePage(Site& site, const std::string& screenName)
         return notFoundPage("Nobody here has this name.");
     std::string body = "<h1><img src=\"" + site.avatarLink(*user, "_bigger") + "\" width=\"96\" alt=\"\">"
         + escapedMarkup(user->name.empty() ? user->screenName : user->name) + "</h1><p>"
-        + escapedMarkup(user->description) + "</p><p><small>" + escapedMarkup(user->location) + "</small></p>";
+        + escapedMarkup(user->description) + "</p><p><small>" + escapedMarkup(user->location)
+        + "</small></p>";
     body += user->isProtected ? "<p>These posts are for friends only.</p>"
                               : postsMarkup(site, site.statuses.userTimeline(user->id, Page {}));
     return htmlAnswer(200, user->screenName, body);
@@ -63,13 +65,16 @@ Answer tagPage(Site& site, const Call& call)
     std::vector<Status> found;
     for (Status& status : site.statuses.publicSince(0)) {
         for (const TextPiece& piece : piecesOfText(status.text)) {
-            if (piece.kind == TextPiece::Kind::Hashtag && asciiLowercase(piece.text) == "#" + asciiLowercase(call.argument)) {
+            if (piece.kind == TextPiece::Kind::Hashtag
+                && asciiLowercase(piece.text) == "#" + asciiLowercase(call.argument)) {
                 found.push_back(std::move(status));
                 break;
             }
         }
     }
-    return htmlAnswer(200, "#" + call.argument, "<h1>#" + escapedMarkup(call.argument) + "</h1>" + postsMarkup(site, found));
+    return htmlAnswer(200,
+        "#" + call.argument,
+        "<h1>#" + escapedMarkup(call.argument) + "</h1>" + postsMarkup(site, found));
 }
 
 } // namespace
@@ -77,12 +82,17 @@ Answer tagPage(Site& site, const Call& call)
 void addWebPages(Router& router, Site& site)
 {
     router.get("", Router::Access::Anyone, [&site](const Call&) {
-        return htmlAnswer(200, "Local service",
+        return htmlAnswer(200,
+            "Local service",
             "<h1>Everybody</h1>" + postsMarkup(site, site.statuses.publicTimeline(Page {})));
     });
     router.get("tag/*", Router::Access::Anyone, [&site](const Call& call) { return tagPage(site, call); });
-    router.get("*/status/*", Router::Access::Anyone, [&site](const Call& call) { return statusPage(site, call); });
-    router.get("*", Router::Access::Anyone, [&site](const Call& call) { return profilePage(site, call.argument); });
+    router.get("*/status/*", Router::Access::Anyone, [&site](const Call& call) {
+        return statusPage(site, call);
+    });
+    router.get("*", Router::Access::Anyone, [&site](const Call& call) {
+        return profilePage(site, call.argument);
+    });
 }
 
 } // namespace localservice

@@ -19,7 +19,8 @@ int main(int argumentCount, char** arguments)
     using namespace localservice;
     const CommandLine line = parseCommandLine({ arguments + 1, arguments + argumentCount });
     if (line.wantsHelp || !line.mistake.empty()) {
-        (line.wantsHelp ? std::cout : std::cerr) << line.mistake << (line.mistake.empty() ? "" : "\n") << usage();
+        (line.wantsHelp ? std::cout : std::cerr)
+            << line.mistake << (line.mistake.empty() ? "" : "\n") << usage();
         return line.wantsHelp ? 0 : 2;
     }
 

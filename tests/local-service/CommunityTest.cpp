@@ -1,17 +1,14 @@
-#include "LocalServiceFixture.h"
-
 #include "CommandLine.h"
+#include "LocalServiceFixture.h"
 #include "Site.h"
 #include "Text.h"
 
-#include <gmock/gmock.h>
-
-#include <sys/stat.h>
-
 #include <fstream>
+#include <gmock/gmock.h>
 #include <map>
 #include <set>
 #include <sstream>
+#include <sys/stat.h>
 
 using namespace localservice;
 using testing::HasSubstr;
@@ -27,7 +24,7 @@ std::string contents(const std::string& path)
 
 bool isPrivate(const std::string& path)
 {
-    struct stat info {};
+    struct stat info { };
     return ::stat(path.c_str(), &info) == 0 && (info.st_mode & 077) == 0;
 }
 
@@ -95,8 +92,9 @@ TEST(CommunityTest, StateSurvivesARestartAndResetForgetsIt)
     service.start();
     const std::string authority = contents(service.running().authorityFile);
     const auto everybody = service.running().accounts.size();
-    const long long id = Caller(service, "alice", "wonderland")
-                             .update("see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob");
+    const long long id
+        = Caller(service, "alice", "wonderland")
+              .update("see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob");
     for (const char* name : { "/service.sqlite", "/server-key.pem", "/ca.pem", "/services.ini" })
         EXPECT_TRUE(isPrivate(service.directory() + name)) << name;
     EXPECT_TRUE(isPrivate(service.directory()));
@@ -105,7 +103,8 @@ TEST(CommunityTest, StateSurvivesARestartAndResetForgetsIt)
     EXPECT_EQ(contents(service.running().authorityFile), authority) << "clients trust it already";
     EXPECT_EQ(service.running().accounts.size(), everybody);
     const Reply shown = Caller(service).get("/statuses/show/" + std::to_string(id) + ".xml");
-    EXPECT_EQ(shown.text("status", "text"), "see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob")
+    EXPECT_EQ(shown.text("status", "text"),
+        "see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob")
         << "links into the service follow its ports";
     EXPECT_THAT(contents(service.running().servicesFile),
         HasSubstr("RESTHost=127.0.0.1:" + std::to_string(service.running().httpsPort) + "\n"));
@@ -130,8 +129,16 @@ TEST(CommunityTest, AFolderOrPortInUseIsRefused)
 
 TEST(CommandLineTest, UnderstandsItsOptionsAndNamesMistakes)
 {
-    const CommandLine line = parseCommandLine(
-        { "--data", "/tmp/x", "--port", "0", "--tls-port", "4443", "--reset", "--seed-only", "--write-services", "f" });
+    const CommandLine line = parseCommandLine({ "--data",
+        "/tmp/x",
+        "--port",
+        "0",
+        "--tls-port",
+        "4443",
+        "--reset",
+        "--seed-only",
+        "--write-services",
+        "f" });
     EXPECT_EQ(line.mistake, "");
     EXPECT_EQ(line.options.dataDirectory, "/tmp/x");
     EXPECT_EQ(line.options.httpPort, 0);

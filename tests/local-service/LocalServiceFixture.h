@@ -2,10 +2,8 @@
 
 #include "LocalService.h"
 
-#include <httplib.h>
-
 #include <gtest/gtest.h>
-
+#include <httplib.h>
 #include <memory>
 #include <string>
 #include <vector>
@@ -42,10 +40,13 @@ struct Reply {
     [[nodiscard]] std::string error() const { return text("hash", "error"); }
 };
 
-// Speaks to the service over TLS, trusting only its authority, as one person or as nobody. Copies share a connection.
+// Speaks to the service over TLS, trusting only its authority, as one person or as nobody. Copies share a
+// connection.
 class Caller {
 public:
-    Caller(const ServiceUnderTest& service, const std::string& username = {}, const std::string& password = {});
+    Caller(const ServiceUnderTest& service,
+        const std::string& username = {},
+        const std::string& password = {});
 
     [[nodiscard]] Reply get(const std::string& path);
     Reply post(const std::string& path, const httplib::Params& parameters = {});

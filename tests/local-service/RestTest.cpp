@@ -1,8 +1,8 @@
 #include "LocalServiceFixture.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
+#include <gmock/gmock.h>
+#include <thread>
 
 using testing::Contains;
 using testing::ElementsAre;
@@ -26,8 +26,12 @@ std::string number(long long value)
 
 TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
 {
-    for (const std::string path : { "/statuses/home_timeline.xml", "/statuses/replies.xml", "/statuses/public_timeline.xml",
-             "/statuses/user_timeline.xml?screen_name=bob", "/direct_messages.xml", "/direct_messages/sent.xml",
+    for (const std::string path : { "/statuses/home_timeline.xml",
+             "/statuses/replies.xml",
+             "/statuses/public_timeline.xml",
+             "/statuses/user_timeline.xml?screen_name=bob",
+             "/direct_messages.xml",
+             "/direct_messages/sent.xml",
              "/favorites/alice.xml" }) {
         SCOPED_TRACE(path);
         Caller caller = alice();
@@ -58,9 +62,13 @@ TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
 TEST_F(RestTest, CredentialsAreAskedForAndChecked)
 {
     Caller impostor(service(), "alice", "looking glass");
-    for (const char* path : { "/statuses/home_timeline.xml", "/statuses/replies.xml", "/direct_messages.xml",
-             "/direct_messages/sent.xml", "/account/verify_credentials.xml" }) {
-        for (Caller caller : { nobody(), Caller(service(), "alice", "looking glass"), Caller(service(), "al'ice", "x") }) {
+    for (const char* path : { "/statuses/home_timeline.xml",
+             "/statuses/replies.xml",
+             "/direct_messages.xml",
+             "/direct_messages/sent.xml",
+             "/account/verify_credentials.xml" }) {
+        for (Caller caller :
+            { nobody(), Caller(service(), "alice", "looking glass"), Caller(service(), "al'ice", "x") }) {
             const Reply reply = caller.get(path);
             EXPECT_EQ(reply.status, 401) << path;
             EXPECT_EQ(reply.error(), "Could not authenticate you.");
@@ -68,13 +76,20 @@ TEST_F(RestTest, CredentialsAreAskedForAndChecked)
             EXPECT_THAT(reply.headers.find("WWW-Authenticate")->second, StartsWith("Basic realm=\""));
         }
     }
-    for (const char* path : { "/statuses/update.xml", "/statuses/destroy/1.xml", "/direct_messages/new.xml",
-             "/favorites/create/1.xml", "/favorites/destroy/1.xml", "/friendships/create.xml?screen_name=bob",
+    for (const char* path : { "/statuses/update.xml",
+             "/statuses/destroy/1.xml",
+             "/direct_messages/new.xml",
+             "/favorites/create/1.xml",
+             "/favorites/destroy/1.xml",
+             "/friendships/create.xml?screen_name=bob",
              "/friendships/destroy/bob.xml" })
         EXPECT_EQ(nobody().post(path).status, 401) << path;
-    EXPECT_EQ(impostor.get("/statuses/public_timeline.xml").status, 401) << "wrong credentials are never ignored";
+    EXPECT_EQ(impostor.get("/statuses/public_timeline.xml").status, 401)
+        << "wrong credentials are never ignored";
     EXPECT_EQ(nobody().get("/statuses/public_timeline.xml").status, 200);
-    EXPECT_EQ(Caller(service(), "ALICE", "wonderland").get("/account/verify_credentials.xml").text("user", "screen_name"),
+    EXPECT_EQ(Caller(service(), "ALICE", "wonderland")
+                  .get("/account/verify_credentials.xml")
+                  .text("user", "screen_name"),
         "alice");
 }
 
@@ -100,7 +115,8 @@ TEST_F(RestTest, UpdateShowsUpInEveryPlaceItBelongsTo)
     EXPECT_THAT(reply.ids(), ElementsAre(answer));
     EXPECT_EQ(reply.text("status", "in_reply_to_status_id"), number(id));
     EXPECT_EQ(reply.text("status", "in_reply_to_screen_name"), "alice");
-    EXPECT_EQ(reply.text("status", "statusnet:conversation_id"), shown.text("status", "statusnet:conversation_id"));
+    EXPECT_EQ(reply.text("status", "statusnet:conversation_id"),
+        shown.text("status", "statusnet:conversation_id"));
 }
 
 TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
@@ -121,14 +137,18 @@ TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
         { "white space", "status=+%0A%09", 400, "Client must provide a 'status' parameter with a value." },
         { "140 characters", "status=" + exactly140, 200, "" },
         { "141 characters", "status=" + exactly140 + "x", 413, "Maximum notice size is 140 characters." },
-        { "far too long", "status=" + std::string(300'000, 'x'), 413, "Maximum notice size is 140 characters." },
+        { "far too long",
+            "status=" + std::string(300'000, 'x'),
+            413,
+            "Maximum notice size is 140 characters." },
         { "broken UTF-8", "status=caf%C3", 400, "The request is not valid UTF-8." },
         { "surrogates", "status=%ED%A0%80", 400, "The request is not valid UTF-8." },
         { "unknown parent", "status=hm&in_reply_to_status_id=999999", 404, "Parent notice not found." },
         { "parent of nonsense", "status=hm&in_reply_to_status_id=-1", 404, "Parent notice not found." },
     };
     for (const auto& c : cases) {
-        const Reply reply = alice().postBody("/statuses/update.xml", c.body, "application/x-www-form-urlencoded");
+        const Reply reply
+            = alice().postBody("/statuses/update.xml", c.body, "application/x-www-form-urlencoded");
         EXPECT_EQ(reply.status, c.status) << c.what;
         EXPECT_EQ(reply.error(), c.error) << c.what;
     }
@@ -139,7 +159,8 @@ TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
     EXPECT_EQ(again.status, 400);
     EXPECT_THAT(again.error(), StartsWith("Too many duplicate messages too quickly"));
 
-    const Reply stripped = alice().post("/statuses/update.xml", { { "status", "be\x01ll\x0b \xef\xbf\xbf!" } });
+    const Reply stripped
+        = alice().post("/statuses/update.xml", { { "status", "be\x01ll\x0b \xef\xbf\xbf!" } });
     EXPECT_EQ(stripped.text("status", "text"), "bell !");
     EXPECT_EQ(alice().get("/statuses/update.xml?status=x").status, 405);
     EXPECT_EQ(alice().post(home).status, 405);
@@ -164,8 +185,9 @@ TEST_F(RestTest, DestroyedPostsAreGone)
     EXPECT_THAT(alice().get(home).ids(), Not(Contains(id)));
     EXPECT_THAT(bob().get("/statuses/replies.xml").ids(), Not(Contains(id)));
     EXPECT_THAT(nobody().get("/favorites/bob.xml").ids(), Not(Contains(id)));
-    EXPECT_EQ(bob().post("/statuses/update.xml",
-                    { { "status", "answering the void" }, { "in_reply_to_status_id", number(id) } })
+    EXPECT_EQ(bob()
+                  .post("/statuses/update.xml",
+                      { { "status", "answering the void" }, { "in_reply_to_status_id", number(id) } })
                   .status,
         404);
     EXPECT_EQ(alice().get("/statuses/show/999999.xml").error(), "No such notice.");
@@ -178,7 +200,8 @@ TEST_F(RestTest, FavoritesAreMarkedCountedAndListed)
     const auto favorited = [&](Caller caller) {
         return caller.get("/statuses/show/" + number(id) + ".xml").text("status", "favorited");
     };
-    const auto countOfAlice = [&] { return alice().get("/users/show.xml?screen_name=alice").text("user", "favourites_count"); };
+    const auto countOfAlice
+        = [&] { return alice().get("/users/show.xml?screen_name=alice").text("user", "favourites_count"); };
     const std::string before = countOfAlice();
 
     EXPECT_EQ(alice().post("/favorites/create/" + number(id) + ".xml").text("status", "favorited"), "true");
@@ -186,13 +209,15 @@ TEST_F(RestTest, FavoritesAreMarkedCountedAndListed)
     EXPECT_EQ(favorited(bob()), "false");
     EXPECT_EQ(favorited(nobody()), "false");
     EXPECT_EQ(std::stoi(countOfAlice()), std::stoi(before) + 1);
-    EXPECT_EQ(alice().post("/favorites/create/" + number(id) + ".xml").error(), "You have already favorited this!");
+    EXPECT_EQ(alice().post("/favorites/create/" + number(id) + ".xml").error(),
+        "You have already favorited this!");
     EXPECT_EQ(nobody().get("/favorites/alice.xml").ids().front(), id);
     EXPECT_EQ(nobody().get("/favorites/1.xml").ids(), nobody().get("/favorites/alice.xml").ids());
     EXPECT_EQ(nobody().get("/favorites/nobody.xml").status, 404);
 
     EXPECT_EQ(alice().post("/favorites/destroy/" + number(id) + ".xml").text("status", "favorited"), "false");
-    EXPECT_EQ(alice().post("/favorites/destroy/" + number(id) + ".xml").error(), "That status is not a favorite.");
+    EXPECT_EQ(alice().post("/favorites/destroy/" + number(id) + ".xml").error(),
+        "That status is not a favorite.");
     EXPECT_EQ(countOfAlice(), before);
 }
 
@@ -213,8 +238,10 @@ TEST_F(RestTest, FollowingChangesTimelinesCountsAndLists)
     const std::string felixID = followed.text("user", "id");
     EXPECT_EQ(exists("1", felixID), "<friends>true</friends>\n");
     EXPECT_EQ(alice().get(home).ids().front(), id);
-    EXPECT_EQ(alice().get("/statuses/friends.xml").text("user", "screen_name"), "felix") << "the newest comes first";
-    EXPECT_THAT(nobody().get("/statuses/followers.xml?user_id=" + felixID).texts("user", "screen_name"), Contains("alice"));
+    EXPECT_EQ(alice().get("/statuses/friends.xml").text("user", "screen_name"), "felix")
+        << "the newest comes first";
+    EXPECT_THAT(nobody().get("/statuses/followers.xml?user_id=" + felixID).texts("user", "screen_name"),
+        Contains("alice"));
     EXPECT_EQ(alice().post("/friendships/create.xml?user_id=" + felixID).error(),
         "Could not follow user: felix is already on your list.");
 
@@ -241,9 +268,11 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
         EXPECT_EQ(stranger.get(timeline).error(),
             "This stream is protected and only authorized subscribers may see its contents.");
         EXPECT_EQ(stranger.get("/users/show.xml?screen_name=priya").text("user", "protected"), "true");
-        EXPECT_THAT(stranger.get("/users/show.xml?screen_name=priya").body, Not(HasSubstr("only for friends")));
+        EXPECT_THAT(stranger.get("/users/show.xml?screen_name=priya").body,
+            Not(HasSubstr("only for friends")));
         EXPECT_THAT(stranger.get("/statuses/public_timeline.xml").ids(), Not(Contains(id)));
-        EXPECT_THAT(stranger.get("/" + std::string("priya/status/") + number(id)).body, Not(HasSubstr("only for")));
+        EXPECT_THAT(stranger.get("/" + std::string("priya/status/") + number(id)).body,
+            Not(HasSubstr("only for")));
     }
     EXPECT_THAT(bob().get("/statuses/replies.xml").ids(), Not(Contains(id)));
     EXPECT_EQ(bob().post("/favorites/create/" + number(id) + ".xml").status, 403);
@@ -257,7 +286,8 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
 
 TEST_F(RestTest, MessagesGoBetweenFriendsOnly)
 {
-    const Reply sent = alice().post("/direct_messages/new.xml", { { "user", "bob" }, { "text", "psst & <hush>" } });
+    const Reply sent
+        = alice().post("/direct_messages/new.xml", { { "user", "bob" }, { "text", "psst & <hush>" } });
     ASSERT_EQ(sent.status, 200);
     EXPECT_EQ(sent.text("direct_message", "text"), "psst & <hush>");
     EXPECT_EQ(sent.text("sender", "screen_name"), "alice");
@@ -266,7 +296,9 @@ TEST_F(RestTest, MessagesGoBetweenFriendsOnly)
     EXPECT_EQ(alice().get("/direct_messages/sent.xml").ids("direct_message").front(), id);
     EXPECT_EQ(bob().get("/direct_messages.xml").ids("direct_message").front(), id);
     EXPECT_THAT(alice().get("/direct_messages.xml").ids("direct_message"), Not(Contains(id)));
-    EXPECT_EQ(alice().post("/direct_messages/new.xml", { { "user", "2" }, { "text", "by number" } }).text("recipient", "screen_name"),
+    EXPECT_EQ(alice()
+                  .post("/direct_messages/new.xml", { { "user", "2" }, { "text", "by number" } })
+                  .text("recipient", "screen_name"),
         "bob");
 
     const struct {
@@ -274,13 +306,17 @@ TEST_F(RestTest, MessagesGoBetweenFriendsOnly)
         int status;
         const char* error;
     } refusals[] = {
-        { { { "user", "felix" }, { "text", "hello" } }, 403, "Cannot send direct messages to users who aren't your friend." },
-        { { { "user", "weatherbell" }, { "text", "hello" } }, 403,
+        { { { "user", "felix" }, { "text", "hello" } },
+            403,
+            "Cannot send direct messages to users who aren't your friend." },
+        { { { "user", "weatherbell" }, { "text", "hello" } },
+            403,
             "Cannot send direct messages to users who aren't your friend." },
         { { { "user", "nosuch" }, { "text", "hello" } }, 404, "Recipient user not found." },
         { { { "text", "hello" } }, 404, "Recipient user not found." },
         { { { "user", "bob" } }, 406, "No message text!" },
-        { { { "user", "bob" }, { "text", std::string(141, 'x') } }, 413,
+        { { { "user", "bob" }, { "text", std::string(141, 'x') } },
+            413,
             "That's too long. Maximum message size is 140 characters." },
     };
     for (const auto& c : refusals) {
@@ -290,14 +326,53 @@ TEST_F(RestTest, MessagesGoBetweenFriendsOnly)
     }
 }
 
+TEST_F(RestTest, ManyConnectionsAtOnceSeeEveryPostOnce)
+{
+    constexpr int writers = 8;
+    constexpr int postsEach = 6;
+    const long long before = alice().get(home).ids().front();
+    std::vector<std::thread> threads;
+    for (int writer = 0; writer < writers; ++writer) {
+        threads.emplace_back([writer] {
+            Caller caller = writer % 2 ? alice() : bob();
+            for (int i = 0; i < postsEach; ++i) {
+                caller.update("post " + std::to_string(i) + " of " + std::to_string(writer));
+                EXPECT_EQ(caller.get(home + "?count=50").status, 200);
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(alice().get(home + "?count=200&since_id=" + number(before)).ids().size(), writers * postsEach);
+}
+
+TEST_F(RestTest, AnswersAreCompressedForWhoAsks)
+{
+    httplib::Client plain("127.0.0.1", service().running().httpPort);
+    plain.set_decompress(true);
+    const std::string path = "/statuses/user_timeline.xml?screen_name=bob";
+    const auto compressed = plain.Get(path, httplib::Headers { { "Accept-Encoding", "gzip" } });
+    ASSERT_TRUE(compressed);
+    EXPECT_EQ(compressed->get_header_value("Content-Encoding"), "gzip");
+    const auto bare = plain.Get(path, httplib::Headers { { "Accept-Encoding", "identity" } });
+    ASSERT_TRUE(bare);
+    EXPECT_FALSE(bare->has_header("Content-Encoding"));
+    EXPECT_EQ(compressed->body, bare->body);
+    EXPECT_LT(std::stoul(compressed->get_header_value("Content-Length")), bare->body.size() / 4);
+}
+
 TEST_F(RestTest, PeopleAreFoundAndMissed)
 {
     EXPECT_EQ(nobody().get("/users/show.xml?screen_name=quiet_owl").text("user", "name"), "");
     EXPECT_EQ(nobody().get("/users/show.xml?user_id=2").text("user", "screen_name"), "bob");
-    EXPECT_THAT(nobody().get("/users/show.xml?screen_name=dave").text("user", "profile_image_url"), HasSubstr("default-avatar"));
+    EXPECT_THAT(nobody().get("/users/show.xml?screen_name=dave").text("user", "profile_image_url"),
+        HasSubstr("default-avatar"));
     EXPECT_EQ(alice().get("/users/show.xml").text("user", "screen_name"), "alice");
-    for (const char* path : { "/users/show.xml?screen_name=nosuch", "/users/show.xml?user_id=0", "/users/show.xml",
-             "/statuses/user_timeline.xml?screen_name=nosuch", "/statuses/friends.xml?user_id=77777",
+    for (const char* path : { "/users/show.xml?screen_name=nosuch",
+             "/users/show.xml?user_id=0",
+             "/users/show.xml",
+             "/statuses/user_timeline.xml?screen_name=nosuch",
+             "/statuses/friends.xml?user_id=77777",
              "/statuses/followers.xml" })
         EXPECT_EQ(nobody().get(path).status, 404) << path;
     EXPECT_EQ(nobody().get("/users/show.xml?screen_name=%FF").status, 400);

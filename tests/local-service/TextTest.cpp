@@ -1,4 +1,5 @@
 #include "Text.h"
+
 #include "XmlWriter.h"
 
 #include <gtest/gtest.h>
@@ -14,16 +15,36 @@ TEST(LocalServiceTextTest, DatesHaveTheThreeForms)
 
 TEST(LocalServiceTextTest, OnlyWellFormedUTF8IsValid)
 {
-    for (const char* good : { "", "a", "\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEF\xBF\xBD", "\xF0\x9F\x90\x9D", "\xF4\x8F\xBF\xBF" })
+    for (const char* good : { "",
+             "a",
+             "\xC2\x80",
+             "\xE0\xA0\x80",
+             "\xED\x9F\xBF",
+             "\xEF\xBF\xBD",
+             "\xF0\x9F\x90\x9D",
+             "\xF4\x8F\xBF\xBF" })
         EXPECT_TRUE(isValidUTF8(good)) << good;
-    for (const char* bad : { "\x80", "\xC0\x80", "\xC1\xBF", "\xC3", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xE2\x82", "\xF0\x8F\xBF\xBF",
-             "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF" })
+    for (const char* bad : { "\x80",
+             "\xC0\x80",
+             "\xC1\xBF",
+             "\xC3",
+             "\xE0\x9F\xBF",
+             "\xED\xA0\x80",
+             "\xE2\x82",
+             "\xF0\x8F\xBF\xBF",
+             "\xF4\x90\x80\x80",
+             "\xF5\x80\x80\x80",
+             "a\xFF" })
         EXPECT_FALSE(isValidUTF8(bad)) << bad;
 }
 
 TEST(LocalServiceTextTest, FormsAndCredentialsAreDecoded)
 {
-    const Parameters expected { { "a", "1 2" }, { "b&=", "%zz%4" }, { "c", "" }, { "d", "x=y" }, { "e", "é" } };
+    const Parameters expected { { "a", "1 2" },
+        { "b&=", "%zz%4" },
+        { "c", "" },
+        { "d", "x=y" },
+        { "e", "é" } };
     EXPECT_EQ(parametersOfForm("a=1+2&&b%26%3D=%zz%4&c&d=x=y&e=%c3%A9&"), expected);
     EXPECT_EQ(decodedBase64("YWxpY2U6d29uZGVybGFuZA=="), "alice:wonderland");
     EXPECT_EQ(decodedBase64("not base64!"), std::nullopt);
@@ -71,5 +92,6 @@ TEST(LocalServiceTextTest, XmlIsIndentedAndEscaped)
     xml.identifier("d", 0);
     xml.endElement();
     EXPECT_EQ(xml.take(),
-        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a x=\"1\">\n <b></b>\n <c>&lt;&amp;&gt;&quot;'</c>\n <d></d>\n</a>\n");
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a x=\"1\">\n <b></b>\n <c>&lt;&amp;&gt;&quot;'</c>\n "
+        "<d></d>\n</a>\n");
 }
