@@ -3,6 +3,7 @@
 #include "Certificates.h"
 #include "Community.h"
 #include "Files.h"
+#include "FolderLock.h"
 #include "HttpListener.h"
 #include "OutsideRoutes.h"
 #include "RestRoutes.h"
@@ -21,31 +22,6 @@
 namespace localservice {
 
 namespace {
-
-// Two services in one folder would write over each other's settings.
-class FolderLock {
-public:
-    ~FolderLock() { release(); }
-
-    [[nodiscard]] bool take(const std::string& directory)
-    {
-        m_descriptor = ::open((directory + "/lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600);
-        if (m_descriptor >= 0 && ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0)
-            return true;
-        release();
-        return false;
-    }
-
-    void release()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-        m_descriptor = -1;
-    }
-
-private:
-    int m_descriptor = -1;
-};
 
 void removeStoredData(const std::string& directory)
 {
