@@ -16,7 +16,7 @@ namespace localservice {
 namespace {
 
 constexpr std::int64_t minute = 60;
-constexpr std::int64_t day = 24 * 60 * minute;
+constexpr std::int64_t day = 24LL * 60 * minute;
 
 struct ScriptedPost {
     std::string author;
@@ -122,8 +122,7 @@ UserTable addPeople(Site& site, std::int64_t now)
         user.url = person.url;
         user.hasAvatar = person.hasAvatar;
         user.isProtected = person.isProtected;
-        user.createdAt
-            = now - person.yearsHere * 365 * day - static_cast<std::int64_t>(table.size()) * 11 * day;
+        user.createdAt = now - (365LL * person.yearsHere + 11 * std::ssize(table)) * day;
         user.id = site.users.add(user);
         table.emplace(user.screenName, user);
     }
@@ -208,27 +207,30 @@ void addPosts(Site& site, const UserTable& people, std::int64_t now)
 
 void addMessages(Site& site, const UserTable& people, std::int64_t now)
 {
-    const std::vector<std::string> script = lines(communityMessages());
+    // The times are found from the newest message back.
+    std::vector<std::string> script = lines(communityMessages());
+    std::reverse(script.begin(), script.end());
     std::vector<DirectMessage> messages;
     std::mt19937 random(1908);
     std::int64_t ago = 35 * minute;
-    for (auto line = script.rbegin(); line != script.rend(); ++line) {
-        if (line->empty()) {
+    for (const std::string& line : script) {
+        if (line.empty()) {
             ago += static_cast<std::int64_t>((4 + 14 * fraction(random)) * 60 * minute);
             continue;
         }
-        const std::size_t arrow = line->find(" > ");
-        const std::size_t colon = line->find(": ");
+        const std::size_t arrow = line.find(" > ");
+        const std::size_t colon = line.find(": ");
         DirectMessage message;
-        message.senderID = people.at(line->substr(0, arrow)).id;
-        message.recipientID = people.at(line->substr(arrow + 3, colon - arrow - 3)).id;
-        message.text = line->substr(colon + 2);
+        message.senderID = people.at(line.substr(0, arrow)).id;
+        message.recipientID = people.at(line.substr(arrow + 3, colon - arrow - 3)).id;
+        message.text = line.substr(colon + 2);
         message.createdAt = now - ago;
         messages.push_back(std::move(message));
         ago += minute + static_cast<std::int64_t>(fraction(random) * 25 * minute);
     }
-    for (auto message = messages.rbegin(); message != messages.rend(); ++message)
-        site.messages.add(*message);
+    std::reverse(messages.begin(), messages.end());
+    for (const DirectMessage& message : messages)
+        site.messages.add(message);
 }
 
 } // namespace

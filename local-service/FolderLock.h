@@ -4,8 +4,8 @@
 
 namespace localservice {
 
-// Two services in one folder would write over each other's settings. Whoever holds the lock has the folder alone, until
-// it goes away or its process ends.
+// Two services in one folder would write over each other's settings. Whoever holds the lock has the folder
+// alone, until it goes away or its process ends.
 class FolderLock {
 public:
     FolderLock() = default;

@@ -159,7 +159,7 @@ void HttpListener::configure()
     m_server->set_keep_alive_timeout(idleSeconds);
     m_server->set_payload_max_length(largestBody);
     m_server->set_exception_handler(
-        [](const httplib::Request&, httplib::Response& response, std::exception_ptr) {
+        [](const httplib::Request&, httplib::Response& response, const std::exception_ptr&) {
             std::cerr << "pelinor-local-service: a request could not be answered" << std::endl;
             response.status = 500;
         });

@@ -14,10 +14,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <fcntl.h>
 #include <filesystem>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace localservice {
 

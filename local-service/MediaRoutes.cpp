@@ -71,7 +71,7 @@ Answer mediaPage(Site& site, std::string_view folder, std::string_view code, con
     const bool isMovie = folder == movieFolder;
     return htmlAnswer(200,
         isMovie ? "Movie" : "Picture",
-        (isMovie ? "<video controls src=\"" : "<img style=\"max-width:100%\" alt=\"\" src=\"") + fileLink
+        (isMovie ? R"(<video controls src=")" : R"(<img style="max-width:100%" alt="" src=")") + fileLink
             + (isMovie ? "\"></video>" : "\">"));
 }
 

@@ -40,7 +40,7 @@ std::string MediaStore::add(std::string_view service,
     std::string_view content)
 {
     Statement count(m_database, "SELECT count(*) FROM media");
-    const std::string code = codeForNumber(1'000'000 + (count.step() ? count.nextInteger() : 0));
+    std::string code = codeForNumber(1'000'000 + (count.step() ? count.nextInteger() : 0));
     std::error_code error;
     std::filesystem::create_directories(m_dataDirectory + "/media", error);
     if (!writeFile(path(service, code), content))

@@ -13,7 +13,8 @@ struct PictureSize {
     const char* suffix;
     int pixels;
 };
-constexpr std::array<PictureSize, 3> sizes { { { "", 240 }, { "_bigger", 96 }, { "_normal", 48 } } };
+// Every name ends with the empty suffix, so that one comes last.
+constexpr std::array<PictureSize, 3> sizes { { { "_normal", 48 }, { "_bigger", 96 }, { "", 240 } } };
 
 std::string portraitFile(const std::string& dataDirectory, const std::string& name)
 {
@@ -32,8 +33,8 @@ Answer pngAnswer(std::optional<std::string> picture)
 // The argument is a screen name with the suffix of a size. Only names that people have lead to a file.
 Answer portraitAnswer(Site& site, const std::string& argument)
 {
-    for (auto size = sizes.rbegin(); size != sizes.rend(); ++size) {
-        const std::string suffix = size->suffix;
+    for (const PictureSize& size : sizes) {
+        const std::string suffix = size.suffix;
         if (!argument.ends_with(suffix))
             continue;
         const auto user = site.users.withScreenName(argument.substr(0, argument.size() - suffix.size()));

@@ -6,9 +6,9 @@ namespace localservice {
 
 namespace {
 
-constexpr std::string_view statusNamespace = "xmlns:statusnet=\"http://status.net/schema/api/1/\"";
+constexpr std::string_view statusNamespace = R"(xmlns:statusnet="http://status.net/schema/api/1/")";
 constexpr std::string_view listAttributes
-    = "type=\"array\" xmlns:statusnet=\"http://status.net/schema/api/1/\"";
+    = R"(type="array" xmlns:statusnet="http://status.net/schema/api/1/")";
 
 std::string anchor(std::string_view target, std::string_view text, std::string_view more)
 {

@@ -143,9 +143,10 @@ private:
             m_painter.drawRect(QRectF(x, 420 - height, 54, height + 60));
             m_painter.setBrush(QColor(255, 214, 120));
             for (int window = 0; window < 4; ++window) {
+                const int column = window % 2;
+                const int row = window / 2;
                 if (m_random() % 3)
-                    m_painter.drawRect(
-                        QRectF(x + 9 + 24 * (window % 2), 434 - height + 26 * (window / 2), 12, 14));
+                    m_painter.drawRect(QRectF(x + 9 + 24 * column, 434 - height + 26 * row, 12, 14));
             }
         }
     }

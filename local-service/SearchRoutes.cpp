@@ -107,6 +107,7 @@ Answer trendsAnswer(Site& site)
         }
     }
     std::vector<std::pair<std::string, int>> tags;
+    tags.reserve(counts.size());
     for (const auto& [key, entry] : counts)
         tags.push_back(entry);
     std::stable_sort(tags.begin(), tags.end(), [](const auto& a, const auto& b) {

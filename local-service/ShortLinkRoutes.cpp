@@ -114,7 +114,7 @@ Answer diggBarShorten(Site& site, const Call& call)
     const auto target = linkToShorten(call, "url");
     XmlWriter xml;
     if (!target) {
-        xml.beginElement("error", "code=\"1037\" message=\"Invalid URL\"");
+        xml.beginElement("error", R"(code="1037" message="Invalid URL")");
         xml.endElement();
         Answer answer = xmlAnswer(xml.take());
         answer.status = 400;
@@ -123,8 +123,8 @@ Answer diggBarShorten(Site& site, const Call& call)
     xml.beginElement("shorturls", "count=\"1\"");
     xml.element("shorturl",
         "",
-        "itemid=\"\" link=\"" + escapedMarkup(*target) + "\" short_url=\""
-            + escapedMarkup(shortLink(site, "diggbar", *target)) + "\" view_count=\"0\"");
+        R"(itemid="" link=")" + escapedMarkup(*target) + R"(" short_url=")"
+            + escapedMarkup(shortLink(site, "diggbar", *target)) + R"(" view_count="0")");
     xml.endElement();
     return xmlAnswer(xml.take());
 }

@@ -22,7 +22,7 @@ std::string ShortLinkStore::codeFor(std::string_view service, std::string_view t
     if (known.bind(service, target).step())
         return known.nextText();
     Statement count(m_database, "SELECT count(*) FROM short_links");
-    const std::string code = codeForNumber(count.step() ? count.nextInteger() : 0);
+    std::string code = codeForNumber(count.step() ? count.nextInteger() : 0);
     Statement(m_database, "INSERT INTO short_links VALUES (?, ?, ?)").bind(service, code, target).run();
     return code;
 }

@@ -15,11 +15,10 @@ std::string postMarkup(Site& site, RestDocuments& documents, const Status& statu
 {
     const User author = site.users.withID(status.userID).value_or(User {});
     const std::string link = site.profileLink(author);
-    return "<div class=\"post\"><img src=\"" + site.avatarLink(author, "_normal")
-        + "\" width=\"48\" height=\"48\" alt=\"\"><a href=\"" + link + "\">"
-        + escapedMarkup(author.screenName) + "</a> " + documents.html(status.text) + "\n<small><a href=\""
-        + link + "/status/" + std::to_string(status.id) + "\">" + restDate(status.createdAt)
-        + "</a></small></div>";
+    return R"(<div class="post"><img src=")" + site.avatarLink(author, "_normal")
+        + R"(" width="48" height="48" alt=""><a href=")" + link + "\">" + escapedMarkup(author.screenName)
+        + "</a> " + documents.html(status.text) + "\n<small><a href=\"" + link + "/status/"
+        + std::to_string(status.id) + "\">" + restDate(status.createdAt) + "</a></small></div>";
 }
 
 std::string postsMarkup(Site& site, const std::vector<Status>& statuses)
@@ -36,7 +35,7 @@ Answer profilePage(Site& site, const std::string& screenName)
     const auto user = site.users.withScreenName(screenName);
     if (!user)
         return notFoundPage("Nobody here has this name.");
-    std::string body = "<h1><img src=\"" + site.avatarLink(*user, "_bigger") + "\" width=\"96\" alt=\"\">"
+    std::string body = "<h1><img src=\"" + site.avatarLink(*user, "_bigger") + R"(" width="96" alt="">)"
         + escapedMarkup(user->name.empty() ? user->screenName : user->name) + "</h1><p>"
         + escapedMarkup(user->description) + "</p><p><small>" + escapedMarkup(user->location)
         + "</small></p>";

@@ -25,6 +25,8 @@ QJsonObject json(const std::string& body)
     return document.object();
 }
 
+} // namespace
+
 // Reaches the outside services the way a client does: through the table of hosts.
 class OutsideTest : public LocalServiceTest {
 protected:
@@ -56,6 +58,8 @@ protected:
         return ids;
     }
 };
+
+namespace {
 
 std::string encoded(const std::string& text)
 {
