@@ -25,7 +25,7 @@ const QString service = u"com.kestrin.pelinor-test"_s;
 /// new one, as after an update of it.
 void unlockLikeTheUser()
 {
-    ASSERT_EQ(std::system("printf 'test\\n' | gnome-keyring-daemon --replace --unlock --components=secrets >/dev/null"), 0);
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
 }
 
 std::unique_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
