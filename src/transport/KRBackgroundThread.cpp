@@ -63,8 +63,10 @@ void KRBackgroundThread::_run()
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    while (!m_stopping) {
+    for (;;) {
         m_runLoop.runPending();
+        if (m_stopping)
+            break;
         m_transfers->runOnce(m_runLoop.timeUntilNextWork());
     }
     m_transfers->cancelAll();
