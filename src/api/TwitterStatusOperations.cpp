@@ -115,6 +115,22 @@ void TwitterStatusOperations::destroyStatus(const QString& statusID)
         _handler(&TwitterStatusOperations::_statusResponse));
 }
 
+void TwitterStatusOperations::createFavorite(const QString& statusID)
+{
+    _requireAuthentication("favoriteStatusID:");
+    _POST(u"favorites/create/%1.xml"_s.arg(URLEncodedString(statusID)),
+        QByteArray(),
+        _handler(&TwitterStatusOperations::_statusResponse));
+}
+
+void TwitterStatusOperations::destroyFavorite(const QString& statusID)
+{
+    _requireAuthentication("unfavoriteStatusID:");
+    _POST(u"favorites/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
+        QByteArray(),
+        _handler(&TwitterStatusOperations::_statusResponse));
+}
+
 void TwitterStatusOperations::_statusResponse(KRHTTPRequest& request)
 {
     KRResult<TwitterStatusPtr> status = TwitterAnswers::parsed(request, &TwitterStatus::statusWithXML);

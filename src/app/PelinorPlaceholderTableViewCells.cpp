@@ -1,0 +1,130 @@
+#include "app/PelinorPlaceholderTableViewCells.h"
+
+#include "app/PelinorCellColors.h"
+#include "text/render/KRActiveTextStyle.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace {
+
+constexpr int HeaderHeight = 11;
+constexpr int LineHeight = 48;
+constexpr int SideMargin = 18;
+constexpr int PointSize = 10;
+
+} // namespace
+
+void PelinorPlaceholderTableViewCell::setText(const QString& text, Tone tone)
+{
+    m_text = text;
+    m_tone = tone;
+    setAccessibleName(text);
+    update();
+}
+
+void PelinorPlaceholderTableViewCell::paintEvent(QPaintEvent* /*event*/)
+{
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
+    QPainter painter(this);
+    if (selected() && !m_text.isEmpty())
+        painter.fillRect(rect(), colors.selectedBackground);
+    if (m_text.isEmpty())
+        return;
+    painter.setFont(KRMessageFont(PointSize));
+    painter.setPen(m_tone == Tone::Error ? colors.error
+            : m_tone == Tone::Action     ? colors.selectionMark
+                                         : colors.secondaryText);
+    const QRect line = rect().adjusted(SideMargin, 0, -SideMargin, 0);
+    painter.drawText(line,
+        int(Qt::AlignCenter | Qt::TextSingleLine),
+        painter.fontMetrics().elidedText(m_text, Qt::ElideRight, line.width()));
+}
+
+HeaderStreamTableViewCell::HeaderStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+}
+
+QString HeaderStreamTableViewCell::identifier()
+{
+    return QStringLiteral("HeaderStreamTableViewCell");
+}
+
+int HeaderStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return HeaderHeight;
+}
+
+LoadingTableViewCell::LoadingTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+    setState(State::Loading);
+}
+
+QString LoadingTableViewCell::identifier()
+{
+    return QStringLiteral("LoadingTableViewCell");
+}
+
+int LoadingTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void LoadingTableViewCell::setState(State state)
+{
+    if (state == State::Loading)
+        setText(tr("Loading…"), Tone::Quiet);
+    else
+        setText(tr("Show older posts"), Tone::Action);
+}
+
+void LoadingTableViewCell::mousePressEvent(QMouseEvent* event)
+{
+    const auto clicked = m_clicked;
+    KRTableViewCell::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton && clicked)
+        clicked();
+}
+
+EndOfStreamTableViewCell::EndOfStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+    setHasPosts(true);
+}
+
+QString EndOfStreamTableViewCell::identifier()
+{
+    return QStringLiteral("EndOfStreamTableViewCell");
+}
+
+int EndOfStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void EndOfStreamTableViewCell::setHasPosts(bool hasPosts)
+{
+    setText(hasPosts ? tr("No older posts") : tr("No posts yet"), Tone::Quiet);
+}
+
+ErrorStreamTableViewCell::ErrorStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+}
+
+QString ErrorStreamTableViewCell::identifier()
+{
+    return QStringLiteral("ErrorStreamTableViewCell");
+}
+
+int ErrorStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void ErrorStreamTableViewCell::setError(const KRError& error)
+{
+    setText(error.description.simplified(), Tone::Error);
+}

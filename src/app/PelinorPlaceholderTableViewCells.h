@@ -1,0 +1,86 @@
+#pragma once
+
+#include "foundation/KRError.h"
+#include "toolkit/KRTableViewCell.h"
+
+#include <functional>
+
+/// The cells of rows that stand for no post. Each draws one line of plain text, or nothing.
+class PelinorPlaceholderTableViewCell : public KRTableViewCell {
+    Q_OBJECT
+
+public:
+    using KRTableViewCell::KRTableViewCell;
+
+    const QString& text() const { return m_text; }
+
+protected:
+    enum class Tone { Quiet, Action, Error };
+    void setText(const QString& text, Tone tone);
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString m_text;
+    Tone m_tone = Tone::Quiet;
+};
+
+/// A little room at the top of every list.
+class HeaderStreamTableViewCell final : public PelinorPlaceholderTableViewCell {
+    Q_OBJECT
+
+public:
+    HeaderStreamTableViewCell();
+    static QString identifier();
+    static int heightForTableWidth(int width);
+};
+
+/// The bottom of a list that goes on.
+class LoadingTableViewCell final : public PelinorPlaceholderTableViewCell {
+    Q_OBJECT
+
+public:
+    enum class State {
+        Loading,
+        /// Nothing is on its way; a click asks for more.
+        Waiting,
+    };
+
+    LoadingTableViewCell();
+    static QString identifier();
+    static int heightForTableWidth(int width);
+
+    void setState(State state);
+    /// Called for each click on the row.
+    void setClickHandler(std::function<void()> handler) { m_clicked = std::move(handler); }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    std::function<void()> m_clicked;
+};
+
+/// The bottom of a list that has ended.
+class EndOfStreamTableViewCell final : public PelinorPlaceholderTableViewCell {
+    Q_OBJECT
+
+public:
+    EndOfStreamTableViewCell();
+    static QString identifier();
+    static int heightForTableWidth(int width);
+
+    /// Whether the list above holds any post.
+    void setHasPosts(bool hasPosts);
+};
+
+/// A place where loading failed.
+class ErrorStreamTableViewCell final : public PelinorPlaceholderTableViewCell {
+    Q_OBJECT
+
+public:
+    ErrorStreamTableViewCell();
+    static QString identifier();
+    static int heightForTableWidth(int width);
+
+    void setError(const KRError& error);
+};

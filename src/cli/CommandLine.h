@@ -1,0 +1,29 @@
+#pragma once
+
+#include "foundation/KRResult.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+/// What was asked for on the command line.
+struct CommandLine {
+    QString servicesFile;
+    QString caFile;
+    QString account;
+    bool passwordFromStandardInput = false;
+    bool asJSON = false;
+    bool showsHelp = false;
+    std::optional<int> count;
+    std::optional<int> page;
+    QString sinceID;
+    QString maxID;
+    QString replyTo;
+    QString command;
+    QStringList arguments;
+
+    /// Reads the arguments after the program's name. The error's description says what is wrong with them.
+    static KRResult<CommandLine> parse(const QStringList& arguments);
+    static QString usage();
+};

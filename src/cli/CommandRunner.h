@@ -1,0 +1,52 @@
+#pragma once
+
+#include "cli/CommandLine.h"
+#include "core/Twitter.h"
+#include "model/streams/TwitterConversationStream.h"
+
+#include <QTextStream>
+
+/// Carries out one command with the engine and prints its result. Main thread; run the main loop until isFinished().
+class CommandRunner : public std::enable_shared_from_this<CommandRunner> {
+public:
+    CommandRunner(CommandLine line, std::shared_ptr<Twitter> twitter, QTextStream& output, QTextStream& errors);
+
+    /// Starts the command; with a password, in the name of an account that is not in the preferences.
+    void start(const QString& password);
+    [[nodiscard]] bool isFinished() const { return m_exitCode.has_value(); }
+    [[nodiscard]] int exitCode() const { return *m_exitCode; }
+
+private:
+    [[nodiscard]] TwitterAccountPtr _findAccount(const QString& password) const;
+    void _startReading();
+    void _startWriting();
+    void _startConversation();
+    void _fail(const KRError& error);
+    template <class Record>
+    void _print(const Record& record);
+    void _printLine(const char* name, const QJsonValue& value, const QString& text);
+
+    void gotStatuses(const KRResult<TwitterStatusList>& result);
+    void gotStatus(const KRResult<TwitterStatusPtr>& result);
+    void gotUsers(const KRResult<TwitterUserList>& result);
+    void gotUser(const KRResult<TwitterUserPtr>& result);
+    void gotAnswer(const KRResult<bool>& result);
+    void gotText(const KRResult<QString>& result);
+    void gotBaseStatus(const KRResult<TwitterStatusPtr>& result);
+    void conversationDidUpdate();
+
+    template <class Result>
+    auto _then(void (CommandRunner::*method)(const KRResult<Result>&))
+    {
+        return Callback(mainThreadProxy(shared_from_this()), method);
+    }
+
+    CommandLine m_line;
+    std::shared_ptr<Twitter> m_twitter;
+    QTextStream& m_output;
+    QTextStream& m_errors;
+    TwitterAccountPtr m_account;
+    std::shared_ptr<TwitterConversationStream> m_conversation;
+    KRObservation m_conversationObservation;
+    std::optional<int> m_exitCode;
+};

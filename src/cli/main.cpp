@@ -1,0 +1,66 @@
+#include "cli/CommandRunner.h"
+#include "foundation/KRBlockingRunLoopDriver.h"
+#include "foundation/KRUserDefaults.h"
+#include "transport/KRBackgroundThread.h"
+#include "transport/KRHTTPConnection.h"
+
+#include <QFile>
+
+#include <cstdio>
+
+namespace {
+
+/// The first line of standard input; what follows is left to "post -".
+QString readPassword(QTextStream& input)
+{
+    QString line = input.readLine();
+    return line.isNull() ? QStringLiteral("") : line;
+}
+
+int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& errors)
+{
+    const KRResult<TwitterServiceHosts> hosts
+        = TwitterServiceHosts::hostsWithDefaults(KRUserDefaults::standardUserDefaults(), line.servicesFile);
+    if (hosts.isError()) {
+        errors << hosts.error().description << Qt::endl;
+        return 2;
+    }
+    KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+    settings.extraCAFile = line.caFile.isEmpty() ? KRUserDefaults::standardUserDefaults().stringForKey("ExtraCAFile") : line.caFile;
+    KRHTTPTransportSettings::setCurrent(settings);
+    const QString password = line.passwordFromStandardInput ? readPassword(input) : QString();
+    if (line.command == u"post" && line.arguments.value(0) == u"-")
+        line.arguments[0] = input.readAll().trimmed();
+
+    TwitterEnvironment environment;
+    environment.hosts = hosts.value();
+    environment.runsHeartbeat = false;
+    const auto runner
+        = std::make_shared<CommandRunner>(line, std::make_shared<Twitter>(environment), output, errors);
+    KRBlockingRunLoopDriver driver;
+    runner->start(password);
+    driver.runUntil([&runner] { return runner->isFinished(); });
+    KRBackgroundThread::stopShared();
+    return runner->exitCode();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QTextStream input(stdin);
+    QTextStream output(stdout);
+    QTextStream errors(stderr);
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    const KRResult<CommandLine> line = CommandLine::parse(arguments);
+    if (line.isError()) {
+        errors << line.error().description << "\nTry pelinor-cli --help" << Qt::endl;
+        return 2;
+    }
+    if (!line.value().showsHelp)
+        return run(line.value(), input, output, errors);
+    output << CommandLine::usage();
+    return 0;
+}

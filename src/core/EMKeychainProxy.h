@@ -1,0 +1,39 @@
+#pragma once
+
+#include "core/EMKeychainItem.h"
+
+#include <memory>
+
+/// Finds and makes stored secrets. Look-ups never wait for a person: in a locked keyring there is nothing to
+/// be found, and unlocking is asked for in the background. Main thread.
+class EMKeychainProxy {
+public:
+    static EMKeychainProxy& sharedProxy();
+
+    /// Whether look-ups that fail are logged.
+    void setLogsErrors(bool logsErrors) { m_logsErrors = logsErrors; }
+
+    /// Null for an empty name, and when there is no such item.
+    std::unique_ptr<EMGenericKeychainItem> genericKeychainItemForService(const QString& service,
+        const QString& username);
+    /// Null for an empty name or service, and when the store does not take it; that is logged.
+    std::unique_ptr<EMGenericKeychainItem> addGenericKeychainItemForService(const QString& service,
+        const QString& username,
+        const QString& password);
+    std::unique_ptr<EMInternetKeychainItem>
+    internetKeychainItemForServer(const EMInternetKeychainLocation& location, const QString& username);
+    std::unique_ptr<EMInternetKeychainItem> addInternetKeychainItemForServer(
+        const EMInternetKeychainLocation& location,
+        const QString& username,
+        const QString& password);
+
+    /// Locks the default keyring; whether that worked.
+    bool lockKeychain();
+    /// Asks for the default keyring to be unlocked; the desktop asks the user, nobody waits here.
+    void unlockKeychain();
+
+private:
+    EMKeychainProxy() = default;
+
+    bool m_logsErrors = false;
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "foundation/KRResult.h"
+
+#include <QString>
+
+/// The keyring was locked and is open now: passwords that were missing can be read, and those that could not
+/// be stored can be. Posted on the main thread.
+struct KRKeychainDidUnlockNotification {
+    static constexpr char name[] = "KRKeychainDidUnlockNotification";
+};
+
+/// There is no Secret Service, so passwords live in memory for this run. Posted once a run, on the main
+/// thread.
+struct KRKeychainUnavailableNotification {
+    static constexpr char name[] = "KRKeychainUnavailableNotification";
+};
+
+/// Passwords by service and account name, kept by the desktop. Main thread; every call ends within a bounded
+/// time.
+class KRKeychain {
+public:
+    static constexpr char16_t errorDomain[] = u"com.kestrin.keychain";
+
+    /// Null when there is none. The error is left as it is: a password that cannot be read is a password that
+    /// is not there.
+    static QString passwordForUsername(const QString& username, const QString& serviceName, KRError* error);
+    static KRResult<void>
+    setPassword(const QString& password, const QString& username, const QString& serviceName);
+
+    /// Says once that there is nobody to keep passwords.
+    static void noteUnavailable(const QString& reason);
+};

@@ -1,0 +1,347 @@
+// Items by their path on the bus are behind this macro; the functions have not changed since libsecret's first release.
+#define SECRET_API_SUBJECT_TO_CHANGE 1
+// libsecret's headers use "signals" as a name, so they come before Qt's.
+#include "core/KRSecretService.h"
+
+#include "foundation/KRRunLoop.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <libsecret/secret.h>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using KRSecretService::Answer;
+using KRSecretService::Attributes;
+using KRSecretService::Status;
+
+struct GObjectDeleter {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+template <class T>
+using GRef = std::unique_ptr<T, GObjectDeleter>;
+
+struct GErrorHolder {
+    GError* error = nullptr;
+    GErrorHolder() = default;
+    GErrorHolder(const GErrorHolder&) = delete;
+    GErrorHolder& operator=(const GErrorHolder&) = delete;
+    ~GErrorHolder() { g_clear_error(&error); }
+};
+
+using GAttributes = std::unique_ptr<GHashTable, decltype(&g_hash_table_unref)>;
+
+GAttributes makeAttributes(const Attributes& attributes)
+{
+    GAttributes table(g_hash_table_new_full(g_str_hash, g_str_equal, g_free, g_free), g_hash_table_unref);
+    for (auto it = attributes.begin(); it != attributes.end(); ++it)
+        g_hash_table_insert(table.get(),
+            g_strdup(it.key().toUtf8().constData()),
+            g_strdup(it.value().toUtf8().constData()));
+    return table;
+}
+
+Answer failure(const GErrorHolder& holder)
+{
+    const GError* error = holder.error;
+    const QString text = error ? QString::fromUtf8(error->message) : QString();
+    if (error && error->domain == SECRET_ERROR && error->code == SECRET_ERROR_IS_LOCKED)
+        return { Status::Locked, {}, {}, text };
+    // Errors of the bus itself mean that nobody provides the service, or that it went away.
+    const bool isBusError = error && (error->domain == G_DBUS_ERROR || error->domain == G_IO_ERROR);
+    return { isBusError ? Status::Unavailable : Status::Failed, {}, {}, text };
+}
+
+GRef<SecretService> service(GErrorHolder& error)
+{
+    return GRef<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, &error.error));
+}
+
+GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& error)
+{
+    return GRef<SecretCollection>(secret_collection_for_alias_sync(secrets,
+        SECRET_COLLECTION_DEFAULT,
+        SECRET_COLLECTION_NONE,
+        nullptr,
+        &error.error));
+}
+
+GRef<SecretItem> firstItem(SecretService* secrets, const Attributes& attributes, GErrorHolder& error)
+{
+    // Without SECRET_SEARCH_UNLOCK: a locked item is found all the same, and nobody is asked for a password.
+    GList* items = secret_service_search_sync(secrets,
+        nullptr,
+        makeAttributes(attributes).get(),
+        SECRET_SEARCH_NONE,
+        nullptr,
+        &error.error);
+    GRef<SecretItem> first(items ? SECRET_ITEM(g_object_ref(items->data)) : nullptr);
+    g_list_free_full(items, g_object_unref);
+    return first;
+}
+
+Answer lookUpNow(const Attributes& attributes)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretItem> item = firstItem(secrets.get(), attributes, error);
+    if (error.error)
+        return failure(error);
+    if (!item)
+        return { Status::NotFound, {}, {}, QStringLiteral("there is no such item") };
+    const QString path = QString::fromUtf8(g_dbus_proxy_get_object_path(G_DBUS_PROXY(item.get())));
+    if (secret_item_get_locked(item.get()))
+        return { Status::Locked, {}, path, QStringLiteral("the keyring is locked") };
+    if (!secret_item_load_secret_sync(item.get(), nullptr, &error.error))
+        return failure(error);
+    SecretValue* value = secret_item_get_secret(item.get());
+    gsize length = 0;
+    const gchar* bytes = secret_value_get(value, &length);
+    Answer answer { Status::Done, QString::fromUtf8(bytes, static_cast<qsizetype>(length)), path, {} };
+    secret_value_unref(value);
+    return answer;
+}
+
+Answer storeNow(const Attributes& attributes, const QString& label, const QString& password)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
+    if (error.error)
+        return failure(error);
+    // Storing into a locked keyring would wait for the user's password.
+    if (keyring && secret_collection_get_locked(keyring.get()))
+        return { Status::Locked, {}, {}, QStringLiteral("the keyring is locked") };
+    const QByteArray bytes = password.toUtf8();
+    SecretValue* value = secret_value_new(bytes.constData(), bytes.size(), "text/plain");
+    const bool isStored = secret_service_store_sync(secrets.get(),
+        nullptr,
+        makeAttributes(attributes).get(),
+        SECRET_COLLECTION_DEFAULT,
+        label.toUtf8().constData(),
+        value,
+        nullptr,
+        &error.error);
+    secret_value_unref(value);
+    return isStored ? Answer { Status::Done, password, {}, {} } : failure(error);
+}
+
+/// Runs the change on the item at the path.
+template <class Change>
+Answer changeItem(const QString& path, Change change)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretItem> item(secret_item_new_for_dbus_path_sync(secrets.get(),
+        path.toUtf8().constData(),
+        SECRET_ITEM_NONE,
+        nullptr,
+        &error.error));
+    if (!item || error.error)
+        return failure(error);
+    if (secret_item_get_locked(item.get()))
+        return { Status::Locked, {}, path, QStringLiteral("the keyring is locked") };
+    return change(item.get(), &error.error) ? Answer { Status::Done, {}, path, {} } : failure(error);
+}
+
+Answer changeAttribute(const QString& path, const QString& name, const QString& value)
+{
+    return changeItem(path, [&](SecretItem* item, GError** error) {
+        const GAttributes attributes(secret_item_get_attributes(item), g_hash_table_unref);
+        g_hash_table_replace(attributes.get(),
+            g_strdup(name.toUtf8().constData()),
+            g_strdup(value.toUtf8().constData()));
+        // No schema of libsecret's own: it would refuse names it does not know.
+        return secret_item_set_attributes_sync(item, nullptr, attributes.get(), nullptr, error);
+    });
+}
+
+Answer removeNow(const Attributes& attributes)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const bool isRemoved = secret_service_clear_sync(secrets.get(),
+        nullptr,
+        makeAttributes(attributes).get(),
+        nullptr,
+        &error.error);
+    if (error.error)
+        return failure(error);
+    return { isRemoved ? Status::Done : Status::NotFound, {}, {}, {} };
+}
+
+/// Locks or unlocks the default keyring; unlocking waits for the user.
+Answer setLocked(bool isLocked)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
+    if (!keyring)
+        return failure(error);
+    GList* objects = g_list_append(nullptr, keyring.get());
+    const gint count = isLocked
+        ? secret_service_lock_sync(secrets.get(), objects, nullptr, nullptr, &error.error)
+        : secret_service_unlock_sync(secrets.get(), objects, nullptr, nullptr, &error.error);
+    g_list_free(objects);
+    return count > 0 ? Answer { Status::Done, {}, {}, {} } : failure(error);
+}
+
+/// Calls given to a thread of their own, one after the other, so that whoever asks can stop waiting. The
+/// thread lives until the process ends.
+class Worker {
+public:
+    static Worker& shared()
+    {
+        static auto* worker = new Worker;
+        return *worker;
+    }
+
+    Answer ask(std::function<Answer()> call)
+    {
+        struct Pending {
+            std::mutex lock;
+            std::condition_variable done;
+            std::optional<Answer> answer;
+        };
+        // One unanswered call is waited for; while it is still out, nobody else waits behind it.
+        if (m_isStuck)
+            return { Status::Unavailable, {}, {}, QStringLiteral("the Secret Service does not answer") };
+        const auto pending = std::make_shared<Pending>();
+        _append([this, pending, call = std::move(call)] {
+            Answer answer = call();
+            if (answer.status == Status::Failed) {
+                // A daemon that was restarted does not know the session any more.
+                secret_service_disconnect();
+                answer = call();
+            }
+            m_isStuck = false;
+            std::scoped_lock guard(pending->lock);
+            pending->answer = std::move(answer);
+            pending->done.notify_one();
+        });
+        std::unique_lock guard(pending->lock);
+        if (pending->done.wait_for(guard, KRSecretService::answerLimit, [&] {
+                return pending->answer.has_value();
+            }))
+            return *pending->answer;
+        m_isStuck = true;
+        return { Status::Unavailable, {}, {}, QStringLiteral("the Secret Service did not answer in time") };
+    }
+
+private:
+    Worker()
+    {
+        std::thread([this] { _run(); }).detach();
+    }
+
+    void _append(std::function<void()> call)
+    {
+        std::scoped_lock guard(m_lock);
+        m_calls.push_back(std::move(call));
+        m_wakeUp.notify_one();
+    }
+
+    void _run()
+    {
+        for (;;) {
+            std::unique_lock guard(m_lock);
+            m_wakeUp.wait(guard, [this] { return !m_calls.empty(); });
+            const std::function<void()> call = std::move(m_calls.front());
+            m_calls.pop_front();
+            guard.unlock();
+            call();
+        }
+    }
+
+    std::mutex m_lock;
+    std::condition_variable m_wakeUp;
+    std::deque<std::function<void()>> m_calls;
+    std::atomic<bool> m_isStuck = false;
+};
+
+} // namespace
+
+namespace KRSecretService {
+
+Answer lookUp(const Attributes& attributes)
+{
+    return Worker::shared().ask([attributes] { return lookUpNow(attributes); });
+}
+
+Answer store(const Attributes& attributes, const QString& label, const QString& password)
+{
+    return Worker::shared().ask([=] { return storeNow(attributes, label, password); });
+}
+
+Answer setPassword(const QString& item, const QString& password)
+{
+    return Worker::shared().ask([=] {
+        return changeItem(item, [&](SecretItem* target, GError** error) {
+            const QByteArray bytes = password.toUtf8();
+            SecretValue* value = secret_value_new(bytes.constData(), bytes.size(), "text/plain");
+            const bool isSet = secret_item_set_secret_sync(target, value, nullptr, error);
+            secret_value_unref(value);
+            return isSet;
+        });
+    });
+}
+
+Answer setAttribute(const QString& item, const QString& name, const QString& value)
+{
+    return Worker::shared().ask([=] { return changeAttribute(item, name, value); });
+}
+
+Answer setLabel(const QString& item, const QString& label)
+{
+    return Worker::shared().ask([=] {
+        return changeItem(item, [&](SecretItem* target, GError** error) {
+            return secret_item_set_label_sync(target, label.toUtf8().constData(), nullptr, error) != FALSE;
+        });
+    });
+}
+
+Answer remove(const Attributes& attributes)
+{
+    return Worker::shared().ask([=] { return removeNow(attributes); });
+}
+
+Answer lock()
+{
+    return Worker::shared().ask([] { return setLocked(true); });
+}
+
+void unlockInBackground(std::function<void(bool isUnlocked)> finished)
+{
+    // Main thread only, so no lock.
+    static std::vector<std::function<void(bool)>> waiting;
+    waiting.push_back(std::move(finished));
+    if (waiting.size() > 1)
+        return;
+    // A thread apart from the worker: the prompt may stay open for hours, and look-ups go on meanwhile.
+    std::thread([] {
+        const bool isUnlocked = setLocked(false).status == Status::Done;
+        KRRunLoop::main().post([isUnlocked] {
+            std::vector<std::function<void(bool)>> told;
+            told.swap(waiting);
+            for (const auto& tell : told)
+                tell(isUnlocked);
+        });
+    }).detach();
+}
+
+} // namespace KRSecretService

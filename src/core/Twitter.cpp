@@ -1,0 +1,217 @@
+#include "core/Twitter.h"
+
+#include "foundation/KRKeyedArchiver.h"
+#include "foundation/KRLog.h"
+#include "foundation/KRNotificationCenter.h"
+#include "foundation/KRUserDefaults.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char accountsKey[] = "accounts";
+
+TwitterEnvironment& sharedEnvironment()
+{
+    static TwitterEnvironment environment;
+    return environment;
+}
+
+} // namespace
+
+Twitter::Twitter(TwitterEnvironment environment)
+    : m_environment(std::move(environment))
+    , m_tables(std::make_shared<TwitterUniquingTables>())
+{
+    if (!m_environment.defaults)
+        m_environment.defaults = &KRUserDefaults::standardUserDefaults();
+    if (!m_environment.hosts)
+        m_environment.hosts = TwitterServiceHosts::hostsWithDefaults(*m_environment.defaults).value();
+    _loadAccounts();
+    if (!m_environment.runsHeartbeat)
+        return;
+    KRRunLoop& loop = KRRunLoop::main();
+    m_heartbeatTimer
+        = loop.scheduleTimer(heartbeatInterval, KRRunLoop::Repeats::Yes, [this] { heartbeat(); });
+    m_firstHeartbeat
+        = loop.scheduleTimer(firstHeartbeatDelay, KRRunLoop::Repeats::No, [this] { heartbeat(); });
+}
+
+Twitter::~Twitter() = default;
+
+Twitter& Twitter::sharedTwitter()
+{
+    // Never released: whatever still runs when the process ends may ask for a record.
+    static auto* shared = new Twitter(sharedEnvironment());
+    return *shared;
+}
+
+void Twitter::setSharedEnvironment(TwitterEnvironment environment)
+{
+    sharedEnvironment() = std::move(environment);
+}
+
+TwitterAccountContext Twitter::accountContext() const
+{
+    return { m_tables, *m_environment.hosts };
+}
+
+void Twitter::_loadAccounts()
+{
+    const QByteArray data = m_environment.defaults->dataForKey(accountsKey);
+    if (data.isEmpty())
+        return;
+    const KRResult<KRKeyedUnarchiver> coder = KRKeyedUnarchiver::unarchiverWithData(data);
+    if (coder.isError()) {
+        KRLog(u"Error: the account list cannot be read: %1"_s.arg(coder.error().description));
+        m_environment.defaults->setAsideUnreadableData(QLatin1String(accountsKey));
+        return;
+    }
+    for (const KRKeyedUnarchiver& account : coder.value().decodeObjects("accounts"_L1))
+        m_accounts.append(TwitterAccount::accountWithCoder(account, accountContext()));
+}
+
+void Twitter::_saveAccounts()
+{
+    KRKeyedArchiver archiver;
+    archiver.encodeObjects("accounts"_L1, m_accounts);
+    m_environment.defaults->setData(accountsKey, archiver.archivedData());
+    const KRResult<void> written = m_environment.defaults->synchronize();
+    if (written.isError())
+        KRLog(u"Error: the account list is not saved: %1"_s.arg(written.error().description));
+    KRNotificationCenter::defaultCenter().post(TwitterAccountsDidChangeNotification());
+}
+
+void Twitter::addAccount(const TwitterAccountPtr& account)
+{
+    m_accounts.append(account);
+    _saveAccounts();
+    account->refresh();
+}
+
+void Twitter::removeAccount(const TwitterAccountPtr& account)
+{
+    // Kept: the argument may be an element of the list.
+    const TwitterAccountPtr removed = account;
+    m_accounts.removeIf([&removed](const TwitterAccountPtr& one) { return one->isEqual(*removed); });
+    _saveAccounts();
+}
+
+bool Twitter::containsAccount(const TwitterAccountPtr& account) const
+{
+    return std::any_of(m_accounts.begin(), m_accounts.end(), [&account](const TwitterAccountPtr& one) {
+        return one->isEqual(*account);
+    });
+}
+
+void Twitter::reorderAccountFromIndex(qsizetype from, qsizetype to)
+{
+    const qsizetype destination = to > from ? to - 1 : to;
+    const auto isOutside = [this](qsizetype index) { return index < 0 || index >= m_accounts.size(); };
+    if (destination == from || isOutside(from) || isOutside(destination))
+        return;
+    m_accounts.move(from, destination);
+    _saveAccounts();
+}
+
+void Twitter::markAllAsRead()
+{
+    for (const TwitterAccountPtr& account : std::as_const(m_accounts))
+        account->markAllAsRead();
+}
+
+bool Twitter::hasFreshAnythingApplicableToDockBadge() const
+{
+    return std::any_of(m_accounts.begin(), m_accounts.end(), [](const TwitterAccountPtr& account) {
+        return account->hasFreshAnythingApplicableToDockBadge();
+    });
+}
+
+bool Twitter::hasFreshAnythingApplicableToStatusItem() const
+{
+    return std::any_of(m_accounts.begin(), m_accounts.end(), [](const TwitterAccountPtr& account) {
+        return account->hasFreshAnythingApplicableToStatusItem();
+    });
+}
+
+void Twitter::refresh()
+{
+    KRClock::Duration delay { 0 };
+    for (const TwitterAccountPtr& account : std::as_const(m_accounts)) {
+        KRRunLoop::main().performAfterDelay(delay, [account] { account->refresh(); });
+        delay += accountRefreshStep;
+    }
+}
+
+void Twitter::heartbeat()
+{
+    refresh();
+    KRNotificationCenter::defaultCenter().post(TwitterHeartbeatNotification());
+}
+
+void Twitter::shutdown()
+{
+    _saveAccounts();
+}
+
+TwitterUserPtr Twitter::cachedUserWithID(const QString& userID) const
+{
+    return m_tables->cachedUserWithID(userID);
+}
+
+TwitterUserPtr Twitter::cachedUserWithUsername(const QString& username) const
+{
+    return m_tables->cachedUserWithUsername(username);
+}
+
+TwitterStatusPtr Twitter::cachedStatusWithID(const QString& statusID) const
+{
+    return m_tables->cachedStatusWithID(statusID);
+}
+
+TwitterDirectMessagePtr Twitter::cachedDirectMessageWithID(const QString& messageID) const
+{
+    return m_tables->cachedDirectMessageWithID(messageID);
+}
+
+TwitterUserPtr Twitter::definitiveUser(const TwitterUserPtr& user)
+{
+    return m_tables->definitiveUser(user);
+}
+
+TwitterStatusPtr Twitter::definitiveStatus(const TwitterStatusPtr& status)
+{
+    return m_tables->definitiveStatus(status);
+}
+
+TwitterDirectMessagePtr Twitter::definitiveMessage(const TwitterDirectMessagePtr& message)
+{
+    return m_tables->definitiveMessage(message);
+}
+
+TwitterUserList Twitter::definitiveUsers(const TwitterUserList& users)
+{
+    return m_tables->definitiveUsers(users);
+}
+
+TwitterStatusList Twitter::definitiveStatuses(const TwitterStatusList& statuses)
+{
+    return m_tables->definitiveStatuses(statuses);
+}
+
+TwitterDirectMessageList Twitter::definitiveDirectMessages(const TwitterDirectMessageList& messages)
+{
+    return m_tables->definitiveDirectMessages(messages);
+}
+
+TwitterUserList Twitter::cachedUsers() const
+{
+    return m_tables->cachedUsers();
+}
+
+TwitterUserList Twitter::usersStartingWith(const QString& prefix) const
+{
+    return m_tables->usersStartingWith(prefix);
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include "core/TwitterAccount.h"
+#include "foundation/KRRunLoop.h"
+
+#include <QList>
+
+class KRUserDefaults;
+
+/// After every heartbeat's refresh.
+struct TwitterHeartbeatNotification {
+    static constexpr char name[] = "TwitterHeartbeatNotification";
+};
+/// After every save of the account list.
+struct TwitterAccountsDidChangeNotification {
+    static constexpr char name[] = "TwitterAccountsDidChangeNotification";
+};
+
+/// What the root object works with.
+struct TwitterEnvironment {
+    KRUserDefaults* defaults = nullptr;
+    /// Without a table, the one of the defaults.
+    std::optional<TwitterServiceHosts> hosts;
+    /// A command that runs for seconds wants no heartbeat.
+    bool runsHeartbeat = true;
+};
+
+/// The root of the model: the accounts, the one record of each thing, and the heartbeat. Main thread only.
+class Twitter : public std::enable_shared_from_this<Twitter> {
+public:
+    static constexpr KRClock::Duration heartbeatInterval = std::chrono::seconds(360);
+    /// The first heartbeat comes so long after the start.
+    static constexpr KRClock::Duration firstHeartbeatDelay = std::chrono::seconds(3);
+    /// Accounts are refreshed so long one after the other.
+    static constexpr KRClock::Duration accountRefreshStep = std::chrono::seconds(2);
+
+    /// Restores the account list from the defaults and starts the heartbeat.
+    explicit Twitter(TwitterEnvironment environment);
+    Twitter(const Twitter&) = delete;
+    Twitter& operator=(const Twitter&) = delete;
+    ~Twitter();
+
+    /// The process-wide instance, made on first use from the shared environment.
+    static Twitter& sharedTwitter();
+    /// What sharedTwitter() will be made with; without it, the standard defaults and their hosts.
+    static void setSharedEnvironment(TwitterEnvironment environment);
+
+    const QList<TwitterAccountPtr>& accounts() const { return m_accounts; }
+    /// Appends and saves, then refreshes the account.
+    void addAccount(const TwitterAccountPtr& account);
+    /// Removes every account of the same name, and saves.
+    void removeAccount(const TwitterAccountPtr& account);
+    [[nodiscard]] bool containsAccount(const TwitterAccountPtr& account) const;
+    /// Moves an account to an insertion point counted before the removal. Nothing happens when that is where
+    /// it is, or outside of the list.
+    void reorderAccountFromIndex(qsizetype from, qsizetype to);
+    void markAllAsRead();
+    [[nodiscard]] bool hasFreshAnythingApplicableToDockBadge() const;
+    [[nodiscard]] bool hasFreshAnythingApplicableToStatusItem() const;
+
+    /// Refreshes the accounts, one after the other.
+    void refresh();
+    void heartbeat();
+    /// Saves; the last thing the program asks for.
+    void shutdown();
+
+    [[nodiscard]] TwitterUserPtr cachedUserWithID(const QString& userID) const;
+    [[nodiscard]] TwitterUserPtr cachedUserWithUsername(const QString& username) const;
+    [[nodiscard]] TwitterStatusPtr cachedStatusWithID(const QString& statusID) const;
+    [[nodiscard]] TwitterDirectMessagePtr cachedDirectMessageWithID(const QString& messageID) const;
+    TwitterUserPtr definitiveUser(const TwitterUserPtr& user);
+    TwitterStatusPtr definitiveStatus(const TwitterStatusPtr& status);
+    TwitterDirectMessagePtr definitiveMessage(const TwitterDirectMessagePtr& message);
+    TwitterUserList definitiveUsers(const TwitterUserList& users);
+    TwitterStatusList definitiveStatuses(const TwitterStatusList& statuses);
+    TwitterDirectMessageList definitiveDirectMessages(const TwitterDirectMessageList& messages);
+    [[nodiscard]] TwitterUserList cachedUsers() const;
+    [[nodiscard]] TwitterUserList usersStartingWith(const QString& prefix) const;
+
+    /// What accounts are made with.
+    [[nodiscard]] TwitterAccountContext accountContext() const;
+
+private:
+    void _loadAccounts();
+    void _saveAccounts();
+
+    TwitterEnvironment m_environment;
+    std::shared_ptr<TwitterUniquingTables> m_tables;
+    QList<TwitterAccountPtr> m_accounts;
+    KRTimer m_heartbeatTimer;
+    KRTimer m_firstHeartbeat;
+};

@@ -1,0 +1,281 @@
+#include "core/TwitterAccount.h"
+
+#include "core/KRKeychain.h"
+#include "foundation/KRClock.h"
+#include "foundation/KRKeyedArchiver.h"
+#include "foundation/KRLog.h"
+#include "foundation/KRMainThreadObject.h"
+#include "text/KRArrayAdditions.h"
+#include "text/KRDateAdditions.h"
+#include "text/KRStringAdditions.h"
+#include "text/TwitterAdditions.h"
+
+#include <typeinfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString serviceName()
+{
+    return QString::fromUtf16(TwitterAccount::keychainService);
+}
+
+QDateTime dateOr(const QDateTime& date, const QDateTime& fallback)
+{
+    return date.isValid() ? date : fallback;
+}
+
+QDateTime dateOf(const TwitterStatusPtr& status)
+{
+    return status ? status->date() : QDateTime();
+}
+
+/// Nothing is fresh without a mark to compare with.
+bool isFresh(const QDateTime& mark, const TwitterStatusPtr& newest)
+{
+    const QDateTime date = dateOf(newest);
+    return mark.isValid() && date.isValid() && KRAdditions::isBefore(mark, date);
+}
+
+bool isSameName(const TwitterUserPtr& user, const QString& username)
+{
+    return user
+        && TwitterAdditions::canonicalTwitterUsername(user->username())
+        == TwitterAdditions::canonicalTwitterUsername(username);
+}
+
+} // namespace
+
+TwitterAccount::TwitterAccount(QString username, TwitterAccountContext context)
+    : m_context(std::move(context))
+    , m_username(std::move(username))
+    , m_freshTweets(KRNow())
+    , m_freshMentions(m_freshTweets)
+    , m_freshMessages(m_freshTweets)
+    , m_freshSearches(m_freshTweets)
+{
+    _observeKeychain();
+}
+
+TwitterAccount::~TwitterAccount() = default;
+
+TwitterAccountPtr TwitterAccount::accountWithUsername(const QString& username,
+    const QString& password,
+    TwitterAccountContext context)
+{
+    TwitterAccountPtr account = KRAdoptMainThreadObject(new TwitterAccount(username, std::move(context)));
+    account->setPassword(password);
+    return account;
+}
+
+TwitterAccountPtr TwitterAccount::accountWithCoder(const KRKeyedUnarchiver& coder,
+    TwitterAccountContext context)
+{
+    TwitterAccountPtr account
+        = KRAdoptMainThreadObject(new TwitterAccount(coder.decodeString("username"_L1), std::move(context)));
+    account->m_freshTweets = dateOr(coder.decodeDate("freshTweets"_L1), account->m_freshTweets);
+    account->m_freshMentions = dateOr(coder.decodeDate("freshMentions"_L1), account->m_freshMentions);
+    account->m_freshMessages = dateOr(coder.decodeDate("freshMessages"_L1), account->m_freshMessages);
+    account->m_freshSearches = dateOr(coder.decodeDate("freshSearches"_L1), account->m_freshSearches);
+    const auto options = static_cast<quint32>(coder.decodeInteger("notificationOptions"_L1).value_or(0));
+    account->m_notificationOptions = options ? options : TwitterAccountDefaultNotificationOptions;
+    account->_loadPassword();
+    return account;
+}
+
+void TwitterAccount::encodeWithCoder(KRKeyedArchiver& coder) const
+{
+    coder.encodeString("username"_L1, m_username);
+    if (m_password.isNull())
+        KRLog(u"Error: no password set for account"_s);
+    else if (m_needToSavePassword)
+        _savePassword();
+    coder.encodeDate("freshTweets"_L1, m_freshTweets);
+    coder.encodeDate("freshMentions"_L1, m_freshMentions);
+    coder.encodeDate("freshMessages"_L1, m_freshMessages);
+    coder.encodeDate("freshSearches"_L1, m_freshSearches);
+    coder.encodeInteger("notificationOptions"_L1, m_notificationOptions);
+}
+
+void TwitterAccount::setPassword(const QString& password)
+{
+    m_password = password;
+    m_needToSavePassword = true;
+}
+
+void TwitterAccount::_loadPassword()
+{
+    KRError reported;
+    m_password = KRKeychain::passwordForUsername(m_username, serviceName(), &reported);
+    if (!reported.description.isNull())
+        KRLog(
+            u"Error getting password from keychain for user %1: %2"_s.arg(m_username, reported.description));
+}
+
+void TwitterAccount::_savePassword() const
+{
+    if (KRKeychain::setPassword(m_password, m_username, serviceName()).isError())
+        KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
+              u"permissions. (Service: \"%1\""_s.arg(serviceName()));
+}
+
+void TwitterAccount::_observeKeychain()
+{
+    m_keychainObservation = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
+        [this](const KRKeychainDidUnlockNotification&) { _keychainDidUnlock(); });
+}
+
+void TwitterAccount::_keychainDidUnlock()
+{
+    if (m_needToSavePassword) {
+        _savePassword();
+        return;
+    }
+    if (!m_password.isNull())
+        return;
+    _loadPassword();
+    if (!m_password.isNull())
+        refresh();
+}
+
+bool TwitterAccount::isEqual(const TwitterAccount& other) const
+{
+    return m_username.toLower() == other.m_username.toLower();
+}
+
+int TwitterAccount::compare(const TwitterAccount& other) const
+{
+    return m_username.compare(other.m_username);
+}
+
+const std::shared_ptr<TwitterTimelineStream>& TwitterAccount::timelineStream()
+{
+    if (!m_timelineStream) {
+        m_timelineStream = KRMakeMainThreadObject<TwitterTimelineStream>(m_context.tables);
+        m_timelineStream->setAccount(shared_from_this());
+        m_timelineObservation
+            = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+                [this](const auto&) { somethingDidUpdate(); },
+                m_timelineStream.get());
+    }
+    return m_timelineStream;
+}
+
+const std::shared_ptr<TwitterRepliesStream>& TwitterAccount::repliesStream()
+{
+    if (!m_repliesStream) {
+        m_repliesStream = KRMakeMainThreadObject<TwitterRepliesStream>(m_context.tables);
+        m_repliesStream->setAccount(shared_from_this());
+        m_repliesObservation
+            = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+                [this](const auto&) { somethingDidUpdate(); },
+                m_repliesStream.get());
+    }
+    return m_repliesStream;
+}
+
+void TwitterAccount::refresh()
+{
+    timelineStream()->loadNewer();
+    repliesStream()->loadNewer();
+}
+
+// --- What is unread
+
+void TwitterAccount::setNotificationOptions(quint32 options)
+{
+    m_notificationOptions = options | TwitterAccountNotificationOptionsSet;
+}
+
+bool TwitterAccount::_has(TwitterAccountNotificationOption option) const
+{
+    return (m_notificationOptions & option) != 0;
+}
+
+void TwitterAccount::noteFreshTweets()
+{
+    m_freshTweets = dateOf(m_timelineStream ? m_timelineStream->newestStatus() : nullptr);
+    _postDidUpdate();
+}
+
+void TwitterAccount::noteFreshMentions()
+{
+    m_freshMentions = dateOf(m_repliesStream ? m_repliesStream->newestStatus() : nullptr);
+    _postDidUpdate();
+}
+
+void TwitterAccount::markAllAsRead()
+{
+    noteFreshTweets();
+    noteFreshMentions();
+}
+
+bool TwitterAccount::hasFreshTweets() const
+{
+    return m_timelineStream && isFresh(m_freshTweets, m_timelineStream->newestStatusThatIsNotMine());
+}
+
+bool TwitterAccount::hasFreshMentions() const
+{
+    return m_repliesStream && isFresh(m_freshMentions, m_repliesStream->newestStatusThatIsNotMine());
+}
+
+bool TwitterAccount::hasFreshAnythingApplicableToStatusItem() const
+{
+    return (_has(TwitterAccountTimelineStatusItem) && hasFreshTweets())
+        || (_has(TwitterAccountMentionsStatusItem) && hasFreshMentions());
+}
+
+bool TwitterAccount::hasFreshAnythingApplicableToDockBadge() const
+{
+    return (_has(TwitterAccountTimelineDockBadge) && hasFreshTweets())
+        || (_has(TwitterAccountMentionsDockBadge) && hasFreshMentions());
+}
+
+void TwitterAccount::_postDidUpdate()
+{
+    KRNotificationCenter::defaultCenter().post(TwitterAccountDidUpdateNotification { this });
+}
+
+TwitterStatusList TwitterAccount::unNotifiedStatuses(const TwitterStatusList& statuses)
+{
+    TwitterStatusList chosen;
+    for (const TwitterStatusPtr& status : statuses) {
+        const TwitterStatus& record = *status;
+        if (typeid(record) != typeid(TwitterStatus) || record.didGlobalNotification())
+            continue;
+        status->setDidGlobalNotification(true);
+        chosen.append(status);
+    }
+    return chosen;
+}
+
+void TwitterAccount::somethingDidUpdate()
+{
+    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
+    _postDidUpdate();
+    if (_has(TwitterAccountTimelineGrowl)) {
+        const TwitterStatusList statuses = unNotifiedStatuses(timelineStream()->storedStatuses());
+        center.post(TwitterAccountGrowlForNewTimelineStatuses { &statuses, this });
+    }
+    if (_has(TwitterAccountMentionsGrowl)) {
+        const TwitterStatusList statuses = unNotifiedStatuses(repliesStream()->storedStatuses());
+        center.post(TwitterAccountGrowlForNewMentionStatuses { &statuses, this });
+    }
+}
+
+bool TwitterAccount::isAuthorOfStatus(const TwitterStatus& status) const
+{
+    return isSameName(status.fromUser(), m_username);
+}
+
+bool TwitterAccount::isAuthorOfDirectMessage(const TwitterDirectMessage& message) const
+{
+    return isSameName(message.sender(), m_username);
+}
+
+bool TwitterAccount::isMentionedInStatus(const TwitterStatus& status) const
+{
+    return KRAdditions::containsSubstring(status.text().toLower(), QString(u'@' + m_username.toLower()));
+}

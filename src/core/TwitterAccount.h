@@ -1,0 +1,190 @@
+#pragma once
+
+#include "api/TwitterAPI.h"
+#include "api/TwitterServiceHosts.h"
+#include "core/TwitterAccountNotifications.h"
+#include "foundation/KRNotificationCenter.h"
+#include "model/records/TwitterUniquingTables.h"
+#include "model/streams/TwitterAccountStream.h"
+
+#include <QSet>
+
+class KRKeyedArchiver;
+class KRKeyedUnarchiver;
+class TwitterAccount;
+
+using TwitterAccountPtr = std::shared_ptr<TwitterAccount>;
+
+/// What drives which indicator: three groups of bits with the same roles. Bit 0 says that a choice was made.
+enum TwitterAccountNotificationOption : quint32 {
+    TwitterAccountNotificationOptionsSet = 0x1,
+    TwitterAccountTimelineStatusItem = 0x2,
+    TwitterAccountTimelineDockBadge = 0x4,
+    TwitterAccountTimelineGrowl = 0x8,
+    TwitterAccountMentionsStatusItem = 0x40,
+    TwitterAccountMentionsDockBadge = 0x80,
+    TwitterAccountMentionsGrowl = 0x100,
+    TwitterAccountMessagesStatusItem = 0x800,
+    TwitterAccountMessagesDockBadge = 0x1000,
+    TwitterAccountMessagesGrowl = 0x2000,
+};
+
+inline constexpr quint32 TwitterAccountDefaultNotificationOptions = TwitterAccountNotificationOptionsSet
+    | TwitterAccountTimelineStatusItem | TwitterAccountMentionsStatusItem | TwitterAccountMessagesStatusItem;
+
+/// What every account of a run shares.
+struct TwitterAccountContext {
+    std::shared_ptr<TwitterUniquingTables> tables;
+    TwitterServiceHosts hosts;
+};
+
+/// One signed-in user: credentials, streams, unread marks, and the requests made in the user's name. Main
+/// thread, except for what follows a post, which passes through on the background thread.
+class TwitterAccount final : public TwitterStreamAccount,
+                             public TwitterCredentials,
+                             public std::enable_shared_from_this<TwitterAccount> {
+public:
+    /// The credential store's name for this program.
+    static constexpr char16_t keychainService[] = u"com.kestrin.pelinor-mac";
+
+    static TwitterAccountPtr
+    accountWithUsername(const QString& username, const QString& password, TwitterAccountContext context);
+    /// Reads the archived account; its password comes from the keychain.
+    static TwitterAccountPtr accountWithCoder(const KRKeyedUnarchiver& coder, TwitterAccountContext context);
+    ~TwitterAccount() override;
+
+    /// Archives all but the password, which goes to the keychain when it was given in this run.
+    void encodeWithCoder(KRKeyedArchiver& coder) const;
+
+    QString username() const override { return m_username; }
+    /// Null when it is not known.
+    QString password() const override { return m_password; }
+    void setPassword(const QString& password);
+
+    [[nodiscard]] bool isEqual(const TwitterAccount& other) const;
+    [[nodiscard]] int compare(const TwitterAccount& other) const;
+
+    /// The account's own record; null until it has been loaded, which the first call starts.
+    TwitterUserPtr user();
+    /// Made on first demand.
+    const std::shared_ptr<TwitterTimelineStream>& timelineStream();
+    const std::shared_ptr<TwitterRepliesStream>& repliesStream();
+
+    void refresh();
+
+    [[nodiscard]] quint32 notificationOptions() const { return m_notificationOptions; }
+    void setNotificationOptions(quint32 options);
+
+    /// Mark what has come so far as seen.
+    void noteFreshTweets();
+    void noteFreshMentions();
+    void markAllAsRead();
+    [[nodiscard]] bool hasFreshTweets() const;
+    [[nodiscard]] bool hasFreshMentions() const;
+    [[nodiscard]] bool hasFreshAnythingApplicableToStatusItem() const;
+    [[nodiscard]] bool hasFreshAnythingApplicableToDockBadge() const;
+
+    [[nodiscard]] bool isAuthorOfStatus(const TwitterStatus& status) const override;
+    [[nodiscard]] bool isAuthorOfDirectMessage(const TwitterDirectMessage& message) const override;
+    /// Whether the text holds "@" and the name, also as the beginning of a longer one.
+    [[nodiscard]] bool isMentionedInStatus(const TwitterStatus& status) const;
+
+    /// A request without credentials, to be sent one operation.
+    template <class Result>
+    [[nodiscard]] auto request(KRCallback<Result> callback)
+    {
+        return TwitterAPI::request(m_context.hosts, std::move(callback));
+    }
+    /// A request with this account's credentials.
+    template <class Result>
+    [[nodiscard]] auto accountRequest(KRCallback<Result> callback)
+    {
+        return TwitterAPI::authenticatedRequest(m_context.hosts, *this, std::move(callback));
+    }
+    [[nodiscard]] std::shared_ptr<TwitterStatusesOperations> authenticatedRequest(
+        KRCallback<TwitterStatusList> callback) override;
+    [[nodiscard]] std::shared_ptr<TwitterDirectMessagesOperations> authenticatedRequest(
+        KRCallback<TwitterDirectMessageList> callback) override;
+
+    void verifyCredentials(KRCallback<bool> callback);
+    /// Posts. The timeline loads what is new when that worked. The callback is invoked on the background
+    /// thread.
+    void update(const QString& text, const QString& inReplyToStatusID, KRCallback<TwitterStatusPtr> callback);
+    void follow(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
+    void stopFollowing(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
+    void checkIfUserFollows(const TwitterUser& user, const TwitterUser& other, KRCallback<bool> callback);
+    /// Counts as a favourite at once; a failure is not undone.
+    void addStatusToFavorites(const TwitterStatusPtr& status);
+    [[nodiscard]] bool isFavoriteStatus(const TwitterStatus& status) const;
+
+    [[nodiscard]] TwitterUserPtr cachedUserWithID(const QString& userID) const;
+    [[nodiscard]] TwitterUserPtr cachedUserWithUsername(const QString& username) const;
+    [[nodiscard]] TwitterStatusPtr cachedStatusWithID(const QString& statusID) const override;
+
+    /// Look-ups ask without credentials first, and with them when that failed. The callbacks are invoked on
+    /// the main thread, with the definitive record.
+    void requestUserWithUsername(const QString& username, KRCallback<TwitterUserPtr> callback);
+    void requestUserWithID(const QString& userID, KRCallback<TwitterUserPtr> callback);
+    void requestStatusWithID(const QString& statusID, KRCallback<TwitterStatusPtr> callback) override;
+
+    [[nodiscard]] const TwitterAccountContext& context() const { return m_context; }
+
+private:
+    struct UserLookup {
+        QString key;
+        KRCallback<TwitterUserPtr> callback;
+    };
+    struct StatusLookup {
+        QString key;
+        KRCallback<TwitterStatusPtr> callback;
+    };
+
+    TwitterAccount(QString username, TwitterAccountContext context);
+    void _observeKeychain();
+    void _keychainDidUnlock();
+    void _loadPassword();
+    void _savePassword() const;
+
+    void somethingDidUpdate();
+    [[nodiscard]] static TwitterStatusList unNotifiedStatuses(const TwitterStatusList& statuses);
+    void _postDidUpdate();
+    [[nodiscard]] bool _has(TwitterAccountNotificationOption option) const;
+
+    void didUpdate(const KRResult<TwitterStatusPtr>& response, const KRCallback<TwitterStatusPtr>& callback);
+    void followingStatus(const KRResult<bool>& response, const KRCallback<bool>& callback);
+    void myUserResponse(const KRResult<TwitterUserPtr>& response);
+    void myUserDidUpdate();
+    void unauthenticatedUserForUsernameResponse(const KRResult<TwitterUserPtr>& response,
+        const UserLookup& lookup);
+    void unauthenticatedUserForIDResponse(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
+    void unauthenticatedStatusResponse(const KRResult<TwitterStatusPtr>& response,
+        const StatusLookup& lookup);
+    void authenticatedUserForUsernameResponse(const KRResult<TwitterUserPtr>& response,
+        const UserLookup& lookup);
+    void authenticatedUserForIDResponse(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
+    void authenticatedStatusResponse(const KRResult<TwitterStatusPtr>& response, const StatusLookup& lookup);
+    void _finishLookup(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
+    void _finishLookup(const KRResult<TwitterStatusPtr>& response, const StatusLookup& lookup);
+    void _loadNewerTimeline();
+
+    TwitterAccountContext m_context;
+    QString m_username;
+    QString m_password;
+    bool m_needToSavePassword = false;
+    TwitterUserPtr m_user;
+    bool m_loadingUser = false;
+    std::shared_ptr<TwitterTimelineStream> m_timelineStream;
+    std::shared_ptr<TwitterRepliesStream> m_repliesStream;
+    // Status IDs; the records themselves are kept by the uniquing tables.
+    QSet<QString> m_favoritesSet;
+    quint32 m_notificationOptions = TwitterAccountDefaultNotificationOptions;
+    QDateTime m_freshTweets;
+    QDateTime m_freshMentions;
+    QDateTime m_freshMessages;
+    QDateTime m_freshSearches;
+
+    KRObservation m_timelineObservation;
+    KRObservation m_repliesObservation;
+    KRObservation m_userObservation;
+    KRObservation m_keychainObservation;
+};

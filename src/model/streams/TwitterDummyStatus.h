@@ -1,0 +1,33 @@
+#pragma once
+
+#include "foundation/KRError.h"
+#include "model/records/TwitterStatus.h"
+
+/// A row of a list that is no post. It has no ID and an empty text, and is never made definitive.
+class TwitterDummyStatus : public TwitterStatus {
+public:
+    [[nodiscard]] bool isNotADummyStatus() const override { return false; }
+};
+
+/// The top of every list.
+class TwitterDummyHeaderStatus final : public TwitterDummyStatus { };
+
+/// The bottom of a list that can load more.
+class TwitterDummyLoadingStatus final : public TwitterDummyStatus { };
+
+/// The bottom of a list whose old end was reached.
+class TwitterDummyEndOfStreamStatus final : public TwitterDummyStatus { };
+
+/// A place where loading failed.
+class TwitterDummyErrorStatus final : public TwitterDummyStatus {
+public:
+    explicit TwitterDummyErrorStatus(KRError error)
+        : m_error(std::move(error))
+    {
+    }
+
+    const KRError& error() const { return m_error; }
+
+private:
+    KRError m_error;
+};

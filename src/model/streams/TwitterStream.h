@@ -1,0 +1,35 @@
+#pragma once
+
+#include "foundation/KRError.h"
+#include "model/records/TwitterStatus.h"
+
+class TwitterStream;
+
+/// The list of a stream changed, or its end was reached. Posted on the main thread. Streams of direct
+/// messages post it too; `object` tells who.
+struct TwitterStreamDidUpdateNotification {
+    static constexpr char name[] = "TwitterStreamDidUpdateNotification";
+    const void* object = nullptr;
+};
+
+/// A load failed. Posted on the thread that delivers the response, which is the background thread.
+struct TwitterStreamErrorNotification {
+    static constexpr char name[] = "TwitterStreamErrorNotification";
+    const void* object = nullptr;
+    KRError error;
+};
+
+/// An ordered list of statuses, newest first, that grows at both ends. This base only says what a stream can
+/// be asked; its operations do nothing but log that.
+class TwitterStream {
+public:
+    TwitterStream() = default;
+    TwitterStream(const TwitterStream&) = delete;
+    TwitterStream& operator=(const TwitterStream&) = delete;
+    virtual ~TwitterStream() = default;
+
+    virtual void loadOlder();
+    virtual void loadNewer();
+    virtual void setStatuses(const TwitterStatusList& statuses);
+    [[nodiscard]] virtual TwitterStatusList statuses() const;
+};

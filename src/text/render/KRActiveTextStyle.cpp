@@ -1,0 +1,106 @@
+#include "text/render/KRActiveTextStyle.h"
+
+#include <QFontDatabase>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+constexpr int StandardPointSize = 12;
+constexpr int EnlargedBy = 3;
+constexpr int MessagePointSize = 12;
+
+// The direction of the first letter that is not part of an active span: a text that opens with a name or a
+// link is read in the direction of what its author says. Automatic when only spans have letters.
+Qt::LayoutDirection directionOfText(const QString& text, const KRActiveTextRanges& ranges)
+{
+    constexpr qsizetype FarEnough = 512;
+    const qsizetype length = std::min(text.size(), FarEnough);
+    std::vector<bool> isActive(size_t(length), false);
+    for (const KRRange& range : ranges.activeRanges()) {
+        for (qsizetype at = range.location; at < std::min(range.end(), length); ++at)
+            isActive[size_t(at)] = true;
+    }
+    for (qsizetype at = 0; at < length; ++at) {
+        if (isActive[size_t(at)] || text.at(at).isLowSurrogate())
+            continue;
+        const bool isPair = text.at(at).isHighSurrogate() && at + 1 < text.size();
+        const char32_t character
+            = isPair ? QChar::surrogateToUcs4(text.at(at), text.at(at + 1)) : text.at(at).unicode();
+        switch (QChar::direction(character)) {
+        case QChar::DirL:
+            return Qt::LeftToRight;
+        case QChar::DirR:
+        case QChar::DirAL:
+            return Qt::RightToLeft;
+        default:
+            break;
+        }
+    }
+    return Qt::LayoutDirectionAuto;
+}
+
+KRAttributedString styledText(const QString& text,
+    const KRActiveTextRanges& ranges,
+    const QFont& font,
+    const KRActiveTextColors& colors)
+{
+    KRAttributedString attributedString(text, font);
+    attributedString.setDirection(directionOfText(text, ranges));
+    const auto add = [&](const KRColor& foreground, const KRRangeList& list) {
+        KRAddAttributesToAttributedStringForRanges(attributedString, { foreground }, list);
+    };
+    add(colors.links, ranges.links());
+    add(colors.links, ranges.emailAddresses());
+    add(colors.hashtags, ranges.hashtags());
+    add(colors.usernames, ranges.usernames());
+    add(colors.stockSymbols, ranges.stockSymbols());
+    return attributedString;
+}
+
+} // namespace
+
+int KRPointSizeForStatusCellFontSizePreference(int preference)
+{
+    switch (preference) {
+    case 1:
+        return 13;
+    case 2:
+        return 14;
+    case 10:
+        return 11;
+    case 11:
+        return 10;
+    default:
+        return StandardPointSize;
+    }
+}
+
+QFont KRMessageFont(int pointSize)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPointSize(pointSize);
+    return font;
+}
+
+QFont KRStatusFont(KRStatusTextSize size, const KRActiveTextStyle& style)
+{
+    const int pointSize = KRPointSizeForStatusCellFontSizePreference(style.statusCellFontSizePreference);
+    return KRMessageFont(size == KRStatusTextSize::Enlarged ? pointSize + EnlargedBy : pointSize);
+}
+
+KRAttributedString AttributedStringForStatus(const QString& text,
+    const KRActiveTextRanges& ranges,
+    KRStatusTextSize size,
+    const KRActiveTextStyle& style)
+{
+    return styledText(text, ranges, KRStatusFont(size, style), style.colors);
+}
+
+KRAttributedString AttributedStringForMessage(const QString& text,
+    const KRActiveTextRanges& ranges,
+    const KRActiveTextStyle& style)
+{
+    return styledText(text, ranges, KRMessageFont(MessagePointSize), style.colors);
+}

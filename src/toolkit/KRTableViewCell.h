@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class KRTableView;
+
+/// One row of a table on screen. The table owns it, places it, and hands it out again for another row when
+/// its own has scrolled away. Main thread.
+class KRTableViewCell : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The identifier names the pool the cell waits in while it is idle.
+    explicit KRTableViewCell(const QString& reusableIdentifier);
+    ~KRTableViewCell() override;
+
+    const QString& reusableIdentifier() const { return m_reusableIdentifier; }
+
+    KRTableView* tableView() const;
+    void setTableView(KRTableView* tableView);
+    qint64 row() const { return m_row; }
+    void setRow(qint64 row) { m_row = row; }
+
+    /// Whether its row is the table's selected one.
+    [[nodiscard]] bool selected() const;
+    /// Called when the cell has gained or lost the selection, for subclasses to redraw.
+    virtual void selectedStateDidChange() { }
+
+protected:
+    /// Selects the cell's row once the subclass has had the press. Whatever the selection sets off may have
+    /// destroyed the cell by the time this returns.
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    const QString m_reusableIdentifier;
+    QPointer<KRTableView> m_tableView;
+    qint64 m_row = 0;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QtGlobal>
+
+class KRTableView;
+class KRTableViewCell;
+
+/// Supplies a table's rows and cells, and hears of its selection. Main thread. The table does not own its
+/// delegate: whoever destroys the delegate first takes it off the table.
+class KRTableViewDelegate {
+public:
+    KRTableViewDelegate() = default;
+    KRTableViewDelegate(const KRTableViewDelegate&) = delete;
+    KRTableViewDelegate& operator=(const KRTableViewDelegate&) = delete;
+    virtual ~KRTableViewDelegate() = default;
+
+    /// Asked once for each reload.
+    virtual int numberOfRowsInTableView(KRTableView& tableView) = 0;
+    /// In whole points, for the table's current width. Asked for every row on each reload and never while
+    /// scrolling.
+    virtual int tableViewHeightForRow(KRTableView& tableView, qint64 row) = 0;
+    /// A cell configured for the row: an idle one from dequeueReusableCellWithIdentifier(), or a new one
+    /// without a parent, which the table takes over.
+    virtual KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) = 0;
+    /// Told after every selection, also when the row was selected before.
+    virtual void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 /*row*/) { }
+};

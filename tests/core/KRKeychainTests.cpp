@@ -1,0 +1,128 @@
+#include "core/EMKeychainProxy.h"
+#include "core/KRKeychain.h"
+#include "core/KRSecretService.h"
+#include "core/Twitter.h"
+#include "foundation/KRUserDefaults.h"
+#include "support/KRTestLog.h"
+#include "support/KRTestWait.h"
+
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+// Runs inside a session bus of its own with a real keyring, see tests/support/with-keyring.
+
+namespace {
+
+const QString service = u"com.kestrin.pelinor-test"_s;
+
+/// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the daemon is a
+/// new one, as after an update of it.
+void unlockLikeTheUser()
+{
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
+}
+
+std::unique_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
+{
+    return std::make_unique<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
+}
+
+} // namespace
+
+TEST(KRKeychain, StoresFindsAndReplaces)
+{
+    EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
+    EXPECT_TRUE(KRKeychain::passwordForUsername(u""_s, service, nullptr).isNull());
+    const QString password = u"w\u00f6nderland \U0001f407 \"quoted\""_s;
+    ASSERT_FALSE(KRKeychain::setPassword(u"first"_s, u"alice"_s, service).isError());
+    ASSERT_FALSE(KRKeychain::setPassword(password, u"alice"_s, service).isError());
+    ASSERT_FALSE(KRKeychain::setPassword(u"other"_s, u"bob"_s, service).isError());
+    EXPECT_EQ(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr), password);
+    EXPECT_EQ(KRKeychain::passwordForUsername(u"bob"_s, service, nullptr), u"other"_s);
+    // Replaced, not added: when the one item has gone, none is left.
+    ASSERT_EQ(KRSecretService::remove({ { u"service"_s, service }, { u"account"_s, u"alice"_s } }).status,
+        KRSecretService::Status::Done);
+    EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
+}
+
+TEST(EMKeychainProxy, ChangesStoredItems)
+{
+    EMKeychainProxy& proxy = EMKeychainProxy::sharedProxy();
+    EXPECT_EQ(proxy.addGenericKeychainItemForService(service, u""_s, u"x"_s), nullptr);
+    EXPECT_EQ(proxy.addGenericKeychainItemForService(u""_s, u"carol"_s, u"x"_s), nullptr);
+    const auto item = proxy.addGenericKeychainItemForService(service, u"carol"_s, u"one"_s);
+    ASSERT_TRUE(item);
+    EXPECT_FALSE(item->setPassword(QString()));
+    EXPECT_TRUE(item->setPassword(u"two"_s));
+    EXPECT_TRUE(item->setUsername(u"caroline"_s));
+    EXPECT_TRUE(item->setLabel(u"Caroline's password"_s));
+    EXPECT_EQ(proxy.genericKeychainItemForService(service, u"carol"_s), nullptr);
+    ASSERT_TRUE(proxy.genericKeychainItemForService(service, u"caroline"_s));
+    EXPECT_EQ(proxy.genericKeychainItemForService(service, u"caroline"_s)->password(), u"two"_s);
+
+    EMInternetKeychainLocation location { u"example.org"_s, u"/api"_s, 443, u"https"_s };
+    const auto internet = proxy.addInternetKeychainItemForServer(location, u"dave"_s, u"three"_s);
+    ASSERT_TRUE(internet);
+    EXPECT_TRUE(internet->setPort(8443));
+    EXPECT_EQ(proxy.internetKeychainItemForServer(location, u"dave"_s), nullptr);
+    location.port = 8443;
+    ASSERT_TRUE(proxy.internetKeychainItemForServer(location, u"dave"_s));
+    EXPECT_EQ(proxy.internetKeychainItemForServer(location, u"dave"_s)->password(), u"three"_s);
+}
+
+TEST(TwitterAccount, KeepsItsPasswordInTheKeychainOnly)
+{
+    const QTemporaryDir directory;
+    const QString path = directory.filePath(u"pelinor.ini"_s);
+    {
+        KRUserDefaults defaults(path);
+        const auto twitter = makeTwitter(defaults);
+        twitter->addAccount(TwitterAccount::accountWithUsername(u"erin"_s, u"top secret"_s, twitter->accountContext()));
+    }
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_FALSE(file.readAll().contains("secret"));
+    KRUserDefaults defaults(path);
+    const auto twitter = makeTwitter(defaults);
+    ASSERT_EQ(twitter->accounts().size(), 1);
+    EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
+}
+
+TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    {
+        const auto twitter = makeTwitter(defaults);
+        twitter->addAccount(TwitterAccount::accountWithUsername(u"frank"_s, u"locked in"_s, twitter->accountContext()));
+    }
+    ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
+    KRTestLog log;
+    QElapsedTimer timer;
+    timer.start();
+    const auto twitter = makeTwitter(defaults);
+    EXPECT_LT(timer.elapsed(), 2 * KRSecretService::answerLimit.count());
+    const TwitterAccountPtr account = twitter->accounts().value(0);
+    ASSERT_TRUE(account);
+    EXPECT_TRUE(account->password().isNull());
+
+    // A password that is given meanwhile is kept in memory, and its storing fails with the error for that.
+    const KRResult<void> stored = KRKeychain::setPassword(u"new"_s, u"grace"_s, service);
+    ASSERT_TRUE(stored.isError());
+    EXPECT_EQ(stored.error(), errorWithDomain(u"com.kestrin.keychain"_s, -1, u"could not store item in keychain"_s));
+    EXPECT_TRUE(log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
+                             "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
+
+    unlockLikeTheUser();
+    EXPECT_TRUE(KRWaitUntil([&] {
+        // The prompt that nobody could answer may still be ending; whoever asks again then succeeds.
+        EMKeychainProxy::sharedProxy().unlockKeychain();
+        return account->password() == u"locked in";
+    }));
+}

@@ -1,0 +1,97 @@
+#include "Text.h"
+
+#include "XmlWriter.h"
+
+#include <gtest/gtest.h>
+
+using namespace localservice;
+
+TEST(LocalServiceTextTest, DatesHaveTheThreeForms)
+{
+    EXPECT_EQ(restDate(1219842525), "Wed Aug 27 13:08:45 +0000 2008");
+    EXPECT_EQ(searchDate(1219842525), "Wed, 27 Aug 2008 13:08:45 +0000");
+    EXPECT_EQ(isoDate(1219842525), "2008-08-27T13:08:45+00:00");
+}
+
+TEST(LocalServiceTextTest, OnlyWellFormedUTF8IsValid)
+{
+    for (const char* good : { "",
+             "a",
+             "\xC2\x80",
+             "\xE0\xA0\x80",
+             "\xED\x9F\xBF",
+             "\xEF\xBF\xBD",
+             "\xF0\x9F\x90\x9D",
+             "\xF4\x8F\xBF\xBF" })
+        EXPECT_TRUE(isValidUTF8(good)) << good;
+    for (const char* bad : { "\x80",
+             "\xC0\x80",
+             "\xC1\xBF",
+             "\xC3",
+             "\xE0\x9F\xBF",
+             "\xED\xA0\x80",
+             "\xE2\x82",
+             "\xF0\x8F\xBF\xBF",
+             "\xF4\x90\x80\x80",
+             "\xF5\x80\x80\x80",
+             "a\xFF" })
+        EXPECT_FALSE(isValidUTF8(bad)) << bad;
+}
+
+TEST(LocalServiceTextTest, FormsAndCredentialsAreDecoded)
+{
+    const Parameters expected { { "a", "1 2" },
+        { "b&=", "%zz%4" },
+        { "c", "" },
+        { "d", "x=y" },
+        { "e", "é" } };
+    EXPECT_EQ(parametersOfForm("a=1+2&&b%26%3D=%zz%4&c&d=x=y&e=%c3%A9&"), expected);
+    EXPECT_EQ(decodedBase64("YWxpY2U6d29uZGVybGFuZA=="), "alice:wonderland");
+    EXPECT_EQ(decodedBase64("not base64!"), std::nullopt);
+    EXPECT_EQ(percentEncoded("a b/ü~_"), "a%20b%2F%C3%BC~_");
+    EXPECT_EQ(decimalNumber("0012"), 12);
+    EXPECT_EQ(decimalNumber("9223372036854775807"), INT64_MAX);
+    EXPECT_EQ(decimalNumber("9223372036854775808"), INT64_MAX);
+    for (const char* noNumber : { "", "-1", "1 ", "0x1" })
+        EXPECT_EQ(decimalNumber(noNumber), std::nullopt) << noNumber;
+}
+
+TEST(LocalServiceTextTest, LinksPeopleAndTagsAreFound)
+{
+    const auto marked = [](std::string_view text) {
+        std::string result;
+        for (const TextPiece& piece : piecesOfText(text))
+            result += piece.kind == TextPiece::Kind::Plain ? piece.text
+                : piece.kind == TextPiece::Kind::Link      ? "L[" + piece.text + "]"
+                : piece.kind == TextPiece::Kind::Mention   ? "M[" + piece.text + "]"
+                                                           : "T[" + piece.text + "]";
+        return result;
+    };
+    const struct {
+        const char* text;
+        const char* expected;
+    } cases[] = {
+        { "see http://a.example/b_(c) now", "see L[http://a.example/b_(c)] now" },
+        { "(http://a.example/b).", "(L[http://a.example/b])." },
+        { "www.a.example, and xwww.b.example", "L[www.a.example], and xwww.b.example" },
+        { "@bob's bob@example.org @", "M[@bob]'s bob@example.org @" },
+        { "#łódź #日本語. a#b #", "T[#łódź] T[#日本語]. a#b #" },
+        { "", "" },
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(marked(c.text), c.expected);
+}
+
+TEST(LocalServiceTextTest, XmlIsIndentedAndEscaped)
+{
+    XmlWriter xml;
+    xml.beginElement("a", "x=\"1\"");
+    xml.beginElement("b");
+    xml.endElement();
+    xml.element("c", "<&>\"'");
+    xml.identifier("d", 0);
+    xml.endElement();
+    EXPECT_EQ(xml.take(),
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a x=\"1\">\n <b></b>\n <c>&lt;&amp;&gt;&quot;'</c>\n "
+        "<d></d>\n</a>\n");
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "api/TwitterServiceHosts.h"
+#include "model/records/TwitterUniquingTables.h"
+#include "model/streams/TwitterStreamAccount.h"
+#include "support/KRTestSite.h"
+#include "transport/KRHTTPConnection.h"
+
+/// An account named "me" that loads from a test's site.
+class KRTestStreamAccount final : public TwitterStreamAccount, public TwitterCredentials {
+public:
+    explicit KRTestStreamAccount(const KRTestSite& site)
+    {
+        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+        settings.extraCAFile = KRTestAuthorityFile();
+        KRHTTPTransportSettings::setCurrent(settings);
+        m_hosts.setValueForKey(site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
+    }
+
+    const std::shared_ptr<TwitterUniquingTables>& tables() const { return m_tables; }
+
+    QString username() const override { return QStringLiteral("me"); }
+    QString password() const override { return QStringLiteral("pw"); }
+    std::shared_ptr<TwitterStatusesOperations> authenticatedRequest(KRCallback<TwitterStatusList> callback) override
+    {
+        return TwitterAPI::authenticatedRequest(m_hosts, *this, std::move(callback));
+    }
+    std::shared_ptr<TwitterDirectMessagesOperations> authenticatedRequest(
+        KRCallback<TwitterDirectMessageList> callback) override
+    {
+        return TwitterAPI::authenticatedRequest(m_hosts, *this, std::move(callback));
+    }
+    bool isAuthorOfStatus(const TwitterStatus& status) const override
+    {
+        return status.fromUser() && status.fromUser()->username() == username();
+    }
+    bool isAuthorOfDirectMessage(const TwitterDirectMessage& message) const override
+    {
+        return message.sender() && message.sender()->username() == username();
+    }
+    TwitterStatusPtr cachedStatusWithID(const QString& statusID) const override
+    {
+        return m_tables->cachedStatusWithID(statusID);
+    }
+    void requestStatusWithID(const QString& statusID, KRCallback<TwitterStatusPtr> callback) override
+    {
+        TwitterAPI::authenticatedRequest(m_hosts, *this, std::move(callback))->statusWithID(statusID);
+    }
+
+private:
+    TwitterServiceHosts m_hosts;
+    std::shared_ptr<TwitterUniquingTables> m_tables = std::make_shared<TwitterUniquingTables>();
+};
+
+/// A real status.
+inline TwitterStatusPtr KRTestStatus(
+    int id, const QString& text = QStringLiteral("text"), const QString& inReplyTo = {}, int minute = -1)
+{
+    const auto status = std::make_shared<TwitterStatus>();
+    status->setStatusID(QString::number(id));
+    status->setText(text);
+    status->setDate(QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL));
+    status->setInReplyToStatusID(inReplyTo);
+    const auto user = std::make_shared<TwitterUser>();
+    user->setUsername(id % 2 ? QStringLiteral("me") : QStringLiteral("you"));
+    status->setFromUser(user);
+    return status;
+}
+
+inline QString KRTestIDs(const TwitterStatusList& statuses)
+{
+    QStringList ids;
+    for (const TwitterStatusPtr& status : statuses)
+        ids.append(status->isNotADummyStatus() ? status->statusID() : QStringLiteral("-"));
+    return ids.join(u' ');
+}

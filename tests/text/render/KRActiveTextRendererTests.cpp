@@ -1,0 +1,249 @@
+#include "support/KRTestLog.h"
+#include "text/render/KRActiveTextRenderer.h"
+#include "text/render/KRActiveTextStyle.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <gmock/gmock.h>
+
+namespace {
+
+constexpr qreal Unbounded = KRActiveTextRenderer::UnboundedHeight;
+
+void setText(KRActiveTextRenderer& renderer, const QString& text, qreal width, qreal height = Unbounded)
+{
+    renderer.setContainerSize({ width, height });
+    const KRActiveTextRanges ranges(text);
+    renderer.setAttributedString(AttributedStringForStatus(text, ranges, KRStatusTextSize::Normal), ranges);
+}
+
+KRAttributedString styled(const QString& text)
+{
+    return AttributedStringForStatus(text, KRActiveTextRanges(text), KRStatusTextSize::Normal);
+}
+
+int heightOf(const QString& text, qreal width)
+{
+    return KRActiveTextRenderer::heightOfAttributedString(styled(text), width);
+}
+
+// The height at which the last drawn pixel lies.
+int drawnHeight(const KRActiveTextRenderer& renderer, const QRectF& clip = {})
+{
+    QImage canvas(400, 400, QImage::Format_RGB32);
+    canvas.fill(Qt::white);
+    QPainter painter(&canvas);
+    renderer.drawAtPoint(painter, { 0, 0 }, clip);
+    painter.end();
+    for (int y = canvas.height() - 1; y >= 0; --y) {
+        for (int x = 0; x < canvas.width(); ++x) {
+            if (canvas.pixelColor(x, y) != QColor(Qt::white))
+                return y + 1;
+        }
+    }
+    return 0;
+}
+
+TEST(KRActiveTextRendererTests, HeightsGrowByWholeLines)
+{
+    const int line = heightOf(QStringLiteral("x"), 200);
+    EXPECT_GT(line, 10);
+    struct {
+        QStringView text;
+        int lines;
+    } const cases[] = {
+        { u"a\nb", 2 },
+        { u"a\r\nb", 2 },
+        { u"a\rb\u2029c\u2028d", 4 },
+        { u"a\n\nb", 3 },
+        { u"", 1 },
+    };
+    for (const auto& [text, lines] : cases)
+        EXPECT_NEAR(heightOf(text.toString(), 200), lines * line, lines) << lines;
+    EXPECT_EQ(heightOf(QStringLiteral("some words to wrap"), 60.9),
+        heightOf(QStringLiteral("some words to wrap"), 60));
+    EXPECT_GT(heightOf(QString(100, u'w'), 200), 3 * line) << "a long word is broken";
+}
+
+TEST(KRActiveTextRendererTests, NoTextIsLogged)
+{
+    KRTestLog log;
+    EXPECT_EQ(KRActiveTextRenderer::heightOfAttributedString({}, 100), 0);
+    EXPECT_EQ(log.lines(),
+        QStringList(QStringLiteral("-heightOfAttributedString: passed nil - this is VERY bad")));
+    EXPECT_GT(KRActiveTextRenderer::heightOfAttributedString({ QString(), QFont() }, 100), 0);
+}
+
+TEST(KRActiveTextRendererTests, DrawsWhatFitsTheContainerAndTheClip)
+{
+    const QString text = QStringLiteral("one\ntwo\nthree\nfour");
+    const int line = heightOf(QStringLiteral("x"), 200);
+    KRActiveTextRenderer renderer;
+    setText(renderer, text, 200);
+    EXPECT_GT(drawnHeight(renderer), 3 * line);
+    EXPECT_LE(drawnHeight(renderer, { 0, 0, 200, line * 1.5 }), 2 * line + 1);
+    setText(renderer, text, 200, line * 2.5);
+    EXPECT_LE(drawnHeight(renderer), 2 * line + 1);
+    EXPECT_EQ(renderer.text(), text);
+    renderer.setContainerSize({ 200, line * 3.5 });
+    EXPECT_GT(drawnHeight(renderer), 2 * line + 1) << "a new size lays the text out again";
+    KRActiveTextRenderer empty;
+    EXPECT_EQ(drawnHeight(empty), 0);
+}
+
+TEST(KRActiveTextRendererTests, SpansAreDrawnInTheirColoursAndInPlace)
+{
+    const auto draw = [](const QString& text, const KRActiveTextColors& colors) {
+        KRActiveTextRenderer renderer;
+        renderer.setContainerSize({ 200, Unbounded });
+        const KRActiveTextRanges ranges(text);
+        renderer.setAttributedString(
+            AttributedStringForStatus(text, ranges, KRStatusTextSize::Normal, { 0, colors }),
+            ranges);
+        QImage canvas(200, 100, QImage::Format_RGB32);
+        canvas.fill(Qt::white);
+        QPainter painter(&canvas);
+        painter.setPen(Qt::black);
+        renderer.drawAtPoint(painter, { 0, 0 });
+        return canvas;
+    };
+    const KRColor black = KRColor::rgba(0, 0, 0, 1);
+    const KRColor red = KRColor::rgba(1, 0, 0, 1);
+    for (const QString& text :
+        { QStringLiteral("AV @ToTo, VA #tag fi $SYM and words http://example.org/ and"),
+            QStringLiteral("שלום @name וגם #תג או עוד מילים בשורה"),
+            QStringLiteral("@name") }) {
+        const QImage plain = draw(text, { black, black, black, black });
+        const QImage colored = draw(text, { red, red, red, red });
+        bool hasRed = false;
+        int differences = 0;
+        for (int y = 0; y < plain.height(); ++y) {
+            for (int x = 0; x < plain.width(); ++x) {
+                const QColor pixel = colored.pixelColor(x, y);
+                hasRed |= pixel.red() - pixel.green() > 100;
+                // The same coverage, whatever the colour.
+                differences += std::abs(pixel.green() - plain.pixelColor(x, y).green()) > 2;
+            }
+        }
+        EXPECT_TRUE(hasRed);
+        EXPECT_EQ(differences, 0) << text.toStdString();
+    }
+}
+
+TEST(KRActiveTextRendererTests, FindsTheSpanUnderAPointInEveryDirection)
+{
+    const QString texts[] = {
+        QStringLiteral("see http://example.org/#faq and @name or #tag"),
+        QStringLiteral("שלום @name וגם http://example.org/#faq או #tag"),
+        QStringLiteral("مرحبا #وسم من @name $SYM"),
+        QStringLiteral("🎉🎉 @name 🎉 a@example.org\n\n$SYM"),
+    };
+    for (const QString& text : texts) {
+        for (const qreal width : { 90.0, 300.0, 2000.0 }) {
+            KRActiveTextRenderer renderer;
+            setText(renderer, text, width);
+            const KRActiveTextRanges ranges(text);
+            ASSERT_FALSE(ranges.activeRanges().isEmpty());
+            for (const KRRange& range : ranges.activeRanges()) {
+                const QList<QRectF> rects = renderer.rectArrayForRange(range);
+                ASSERT_FALSE(rects.isEmpty());
+                for (const QRectF& rect : rects) {
+                    EXPECT_GT(rect.width(), 0);
+                    const KRRange found = renderer.activeRangeAtPoint(rect.center());
+                    ASSERT_NE(found.location, KRNotFound) << text.toStdString() << ' ' << width;
+                    EXPECT_LE(found.location, range.location);
+                    EXPECT_GE(found.end(), range.end()) << "a link wins over the hashtag in it";
+                    const qsizetype caret = renderer.characterIndexAtPoint(rect.center());
+                    EXPECT_TRUE(caret >= range.location && caret <= range.end());
+                }
+            }
+            EXPECT_EQ(renderer.activeRangeAtPoint({ -3, 3 }).location, KRNotFound);
+            EXPECT_EQ(renderer.activeRangeAtPoint({ 10, 5000 }).location, KRNotFound);
+            EXPECT_EQ(renderer.activeRangeAtPoint({ 10, -1 }).location, KRNotFound);
+        }
+    }
+}
+
+TEST(KRActiveTextRendererTests, ACaretGoesToTheNearestSideOfACharacter)
+{
+    KRActiveTextRenderer renderer;
+    setText(renderer, QStringLiteral("mmmm\nnn"), 200);
+    const QRectF second = renderer.rectArrayForRange({ 1, 1 }).first();
+    EXPECT_EQ(renderer.characterIndexAtPoint({ second.left() + second.width() * 0.2, 3 }), 1);
+    EXPECT_EQ(renderer.characterIndexAtPoint({ second.left() + second.width() * 0.8, 3 }), 2);
+    EXPECT_EQ(renderer.characterIndexAtPoint({ -50, -50 }), 0);
+    EXPECT_EQ(renderer.characterIndexAtPoint({ 5000, 5000 }), 7);
+    EXPECT_TRUE(renderer.rectArrayForRange({ 3, 0 }).isEmpty());
+    EXPECT_TRUE(renderer.rectArrayForRange({ 90, 4 }).isEmpty());
+    EXPECT_EQ(renderer.rectArrayForRange({ 2, 100 }).size(), 2);
+    EXPECT_EQ(KRActiveTextRenderer().characterIndexAtPoint({ 1, 1 }), 0);
+}
+
+TEST(KRActiveTextRendererTests, HandsTheSpansRectanglesToAView)
+{
+    struct View final : KRTrackingAreaView {
+        void addTrackingArea(const QRectF& rect) override { rects.append(rect); }
+        QList<QRectF> rects;
+    } view;
+    KRActiveTextRenderer renderer;
+    setText(renderer, QStringLiteral("http://example.org/a/long/address #tag"), 100);
+    renderer.addTrackingAreasForView(view, { 7, 9 });
+    QList<QRectF> expected;
+    for (const KRRange& range : renderer.activeTextRanges().activeRanges())
+        expected += renderer.rectArrayForRange(range);
+    ASSERT_GT(expected.size(), 2);
+    ASSERT_EQ(view.rects.size(), expected.size());
+    EXPECT_EQ(view.rects.first(), expected.first().translated(7, 9));
+}
+
+// A long text is laid out in pieces; nothing of that may show.
+TEST(KRActiveTextRendererTests, LongTextsWrapAsIfTheyWereShort)
+{
+    // Wide enough for one of these and too narrow for two.
+    const QString line = QStringLiteral("@nameisnineteen1234 ");
+    const QString text = line.repeated(1000);
+    KRActiveTextRenderer renderer;
+    const qreal width = heightOf(QStringLiteral("x"), 1) * 12;
+    setText(renderer, text, width);
+    const int lineHeight = heightOf(line, width);
+    ASSERT_LT(lineHeight, heightOf(line.repeated(2), width));
+    EXPECT_NEAR(heightOf(text, width), 1000 * lineHeight, 1000);
+    const KRRangeList names = renderer.activeTextRanges().usernames();
+    ASSERT_EQ(names.size(), 1000);
+    for (const KRRange& name : names) {
+        const QList<QRectF> rects = renderer.rectArrayForRange(name);
+        ASSERT_EQ(rects.size(), 1) << name.location;
+        EXPECT_EQ(rects.first().left(), 0);
+        EXPECT_EQ(renderer.activeRangeAtPoint(rects.first().center()), name);
+    }
+}
+
+// Each of these must come back at once; a layout that is quadratic in its text would not.
+TEST(KRActiveTextRendererTests, EnormousTextsDoNotHang)
+{
+    constexpr int Length = 100000;
+    const QString texts[] = {
+        QString(Length, u'x'),
+        QStringLiteral("word ").repeated(Length / 5),
+        QStringLiteral("#a ").repeated(Length / 3),
+        QStringLiteral("http://a.b/#c ").repeated(Length / 14),
+        QStringLiteral("http://example.org/") + QString(Length, u'x'),
+        QString(Length, QChar(0x301)),
+        QStringLiteral("שa").repeated(Length / 2),
+        QStringLiteral("👩‍👩‍👧").repeated(Length / 8),
+        QString(Length, u'\n'),
+        QString(Length, QChar(0x202E)),
+        QString(Length, QChar(0xD800)),
+    };
+    for (const QString& text : texts) {
+        SCOPED_TRACE(text.left(12).toStdString());
+        KRActiveTextRenderer renderer;
+        setText(renderer, text, 300);
+        EXPECT_LE(drawnHeight(renderer, { 0, 0, 400, 400 }), 400);
+        for (const KRRange& range : renderer.activeTextRanges().links())
+            EXPECT_FALSE(renderer.rectArrayForRange(range).isEmpty());
+    }
+}
+
+} // namespace

@@ -1,0 +1,513 @@
+#include "foundation/KRRunLoop.h"
+#include "support/KRManualClock.h"
+#include "support/KRTestLog.h"
+#include "toolkit/KRLiveResize.h"
+#include "toolkit/KRScroller.h"
+#include "toolkit/KRTableView.h"
+#include "toolkit/KRTableViewCell.h"
+#include "toolkit/KRTableViewDelegate.h"
+#include "toolkit/KRTableViewDocumentView.h"
+
+#include <QAccessible>
+#include <QLineEdit>
+#include <QTest>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+
+#include <gmock/gmock.h>
+#include <limits>
+#include <map>
+
+namespace {
+
+using testing::ElementsAre;
+
+class RowCell final : public KRTableViewCell {
+public:
+    using KRTableViewCell::KRTableViewCell;
+    void selectedStateDidChange() override { ++selectionChanges; }
+    int selectionChanges = 0;
+};
+
+class Rows final : public KRTableViewDelegate {
+public:
+    explicit Rows(std::vector<int> rowHeights)
+        : heights(std::move(rowHeights))
+    {
+    }
+
+    int numberOfRowsInTableView(KRTableView& /*tableView*/) override
+    {
+        ++reloads;
+        return int(heights.size());
+    }
+    int tableViewHeightForRow(KRTableView& /*tableView*/, qint64 row) override
+    {
+        ++heightQuestions;
+        return heights.at(size_t(row));
+    }
+    KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override
+    {
+        if (duringCellForRow)
+            duringCellForRow();
+        const QString identifier = identifiers.contains(row) ? identifiers[row] : QStringLiteral("row");
+        KRTableViewCell* cell = tableView.dequeueReusableCellWithIdentifier(identifier);
+        if (!cell) {
+            cell = new RowCell(identifier);
+            made.push_back(cell);
+        }
+        return cell;
+    }
+    void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row) override
+    {
+        selections.push_back(row);
+        if (duringSelection)
+            duringSelection();
+    }
+
+    std::vector<int> heights;
+    std::map<qint64, QString> identifiers;
+    std::vector<QPointer<KRTableViewCell>> made;
+    std::vector<qint64> selections;
+    std::function<void()> duringCellForRow;
+    std::function<void()> duringSelection;
+    int reloads = 0;
+    int heightQuestions = 0;
+};
+
+std::vector<int> equalRows(int count, int height)
+{
+    return std::vector<int>(size_t(count), height);
+}
+
+class KRTableViewTest : public testing::Test {
+protected:
+    void show(std::vector<int> heights, int height = 100)
+    {
+        rows = std::make_unique<Rows>(std::move(heights));
+        table.setDelegate(rows.get());
+        table.setFrame({ 0, 0, 215, height });
+        table.reloadData();
+        table.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&table));
+    }
+
+    std::vector<KRTableViewCell*> visibleCells() const
+    {
+        std::vector<KRTableViewCell*> cells;
+        for (KRTableViewCell* cell : table.documentView()->findChildren<KRTableViewCell*>()) {
+            if (cell->isVisible())
+                cells.push_back(cell);
+        }
+        return cells;
+    }
+
+    QWidget* firstResponder() const { return table.window()->focusWidget(); }
+    int scrollPosition() const { return table.documentVisibleRect().y(); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(firstResponder() ? firstResponder() : &table, key, modifiers);
+    }
+
+    std::unique_ptr<Rows> rows;
+    KRTableView table;
+};
+
+TEST_F(KRTableViewTest, LaysRowsOutFromTopToBottom)
+{
+    show({ 10, 20, 30 });
+    EXPECT_EQ(table.width(), 200);
+    EXPECT_EQ(table.totalHeight(), 60);
+    EXPECT_EQ(table.documentView()->documentFrame(), QRect(0, 0, 200, 60));
+    EXPECT_EQ(table.rectForRow(0), QRect(0, 0, 200, 10));
+    EXPECT_EQ(table.rectForRow(1), QRect(0, 10, 200, 20));
+    EXPECT_EQ(table.rectForRow(2), QRect(0, 30, 200, 30));
+    EXPECT_EQ(table.visibleRange(), (KRRange { 0, 3 }));
+    for (qint64 row = 0; row < 3; ++row)
+        EXPECT_EQ(table.cellForRow(row)->geometry(), table.rectForRow(row));
+}
+
+TEST_F(KRTableViewTest, AnEmptyTableIgnoresEverything)
+{
+    show({});
+    EXPECT_EQ(table.documentView()->documentFrame().height(), 0);
+    EXPECT_EQ(table.visibleRange(), (KRRange { 0, 0 }));
+    table.scrollToRow(3);
+    table.scrollToRow(3, 10);
+    table.selectRow(0);
+    for (const Qt::Key key : { Qt::Key_Up, Qt::Key_Down, Qt::Key_Space })
+        press(key);
+    EXPECT_EQ(table.selectedRow(), -1);
+    EXPECT_TRUE(rows->selections.empty());
+}
+
+TEST_F(KRTableViewTest, OnlyRowsThatShareAnAreaAreInRange)
+{
+    show({ 10, 0, 20, 30, 0 }, 200);
+    struct {
+        QRect rect;
+        KRRange range;
+    } const cases[] = {
+        { { 0, 0, 200, 10 }, { 0, 1 } },
+        { { 0, 10, 200, 20 }, { 2, 1 } },
+        { { 0, 9, 200, 2 }, { 0, 3 } },
+        { { 0, 29, 1, 2 }, { 2, 2 } },
+        { { 200, 0, 10, 10 }, { 0, 0 } },
+        { { 0, 60, 200, 10 }, { 0, 0 } },
+        { { 0, 0, 200, 0 }, { 0, 0 } },
+    };
+    for (const auto& [rect, range] : cases)
+        EXPECT_EQ(table.rangeForRect(rect), range) << rect.y() << ' ' << rect.height();
+}
+
+TEST_F(KRTableViewTest, CellsOfRowsThatScrollAwayAreUsedAgainLastFirst)
+{
+    show(equalRows(10000, 25));
+    ASSERT_EQ(visibleCells().size(), 4U);
+    KRTableViewCell* const first = table.cellForRow(0);
+    KRTableViewCell* const second = table.cellForRow(1);
+    table.scrollToPoint({ 0, 50 }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.currentRange(), (KRRange { 2, 4 }));
+    EXPECT_EQ(table.cellForRow(0), nullptr);
+    EXPECT_EQ(table.cellForRow(4), second);
+    EXPECT_EQ(table.cellForRow(5), first);
+    EXPECT_EQ(table.cellForRow(2)->geometry(), QRect(0, 0, 200, 25));
+    EXPECT_EQ(first->row(), 5);
+
+    for (int y = 0; y <= table.totalHeight(); y += 77)
+        table.scrollToPoint({ 0, y }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.currentRange(), (KRRange { 9996, 4 }));
+    EXPECT_EQ(visibleCells().size(), 4U);
+    EXPECT_LE(rows->made.size(), 6U);
+    EXPECT_EQ(rows->heightQuestions, 20000) << "scrolling asks for no heights";
+}
+
+TEST_F(KRTableViewTest, EveryIdentifierHasItsOwnPool)
+{
+    rows = std::make_unique<Rows>(equalRows(100, 25));
+    show(equalRows(100, 25));
+    rows->identifiers = { { 4, QStringLiteral("other") } };
+    table.scrollToPoint({ 0, 100 }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.cellForRow(4)->reusableIdentifier(), QStringLiteral("other"));
+    EXPECT_EQ(table.dequeueReusableCellWithIdentifier(QStringLiteral("other")), nullptr);
+    EXPECT_EQ(table.reusableCellsArrayForIdentifier(QStringLiteral("row")).size(), 1U);
+}
+
+TEST_F(KRTableViewTest, AHundredThousandTallRowsAreReachable)
+{
+    show(equalRows(100000, 1000), 3000);
+    table.scrollToRow(99999);
+    EXPECT_EQ(table.visibleRange(), (KRRange { 99997, 3 }));
+    EXPECT_EQ(table.cellForRow(99999)->geometry(), QRect(0, 2000, 200, 1000));
+    table.scrollToRow(50000);
+    EXPECT_EQ(table.cellForRow(50000)->y(), 0);
+}
+
+TEST_F(KRTableViewTest, OddHeightsBreakNothing)
+{
+    const int huge = std::numeric_limits<int>::max();
+    show({ 0, -5, huge, huge, 0, 40 });
+    EXPECT_EQ(table.totalHeight(), huge);
+    EXPECT_EQ(table.visibleRange(), (KRRange { 2, 1 }));
+    table.scrollToRow(5);
+    table.selectRow(5);
+    press(Qt::Key_Down);
+    EXPECT_EQ(table.selectedRow(), 3) << "row 5 has no room left; the first visible one is 2";
+}
+
+TEST_F(KRTableViewTest, ScrollsAndRemembersOffsets)
+{
+    show(equalRows(20, 40));
+    table.scrollToRow(5);
+    EXPECT_EQ(scrollPosition(), 140) << "the least amount that shows the row";
+    EXPECT_FALSE(table.isScrolledToTop());
+    table.scrollToRow(4);
+    EXPECT_EQ(scrollPosition(), 140);
+    table.scrollToRow(1);
+    EXPECT_EQ(scrollPosition(), 40);
+    table.scrollToRow(500);
+    EXPECT_EQ(scrollPosition(), 700);
+    table.scrollToRow(-7);
+    EXPECT_EQ(scrollPosition(), 0);
+
+    table.scrollToPoint({ 0, 130 }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.relativeVisibleOffsetForRow(3), -10);
+    const int offset = table.relativeVisibleOffsetForRow(4);
+    rows->heights.insert(rows->heights.begin(), { 33, 44 });
+    table.reloadData();
+    table.scrollToRow(6, offset);
+    EXPECT_EQ(scrollPosition(), 207);
+    EXPECT_EQ(table.relativeVisibleOffsetForRow(6), offset);
+
+    for (const auto& [y, isAtTop] : std::map<int, bool> { { 0, true }, { 2, true }, { 3, false } }) {
+        table.scrollToPoint({ 0, y }, KRScrollView::Animated::No);
+        EXPECT_EQ(table.isScrolledToTop(), isAtTop) << y;
+    }
+}
+
+TEST_F(KRTableViewTest, SelectionClampsAndAlwaysTellsTheDelegate)
+{
+    show(equalRows(20, 40));
+    table.selectRow(1);
+    auto* const cell = static_cast<RowCell*>(table.cellForRow(1));
+    EXPECT_TRUE(cell->selected());
+    EXPECT_EQ(cell->selectionChanges, 1);
+    EXPECT_EQ(firstResponder(), cell);
+    table.selectRow(1);
+    EXPECT_EQ(cell->selectionChanges, 3) << "as the old cell and as the new one";
+    table.selectRow(-1);
+    table.selectRow(-2);
+    EXPECT_FALSE(cell->selected());
+    table.selectRow(1000);
+    EXPECT_THAT(rows->selections, ElementsAre(1, 1, 0, 19));
+    EXPECT_EQ(table.selectedCell(), nullptr);
+    EXPECT_EQ(scrollPosition(), 0) << "selecting does not scroll";
+}
+
+TEST_F(KRTableViewTest, AClickSelectsTheRow)
+{
+    show(equalRows(20, 40));
+    QTest::mouseClick(table.cellForRow(2), Qt::LeftButton);
+    EXPECT_EQ(table.selectedRow(), 2);
+    QTest::mouseClick(table.cellForRow(0), Qt::RightButton);
+    EXPECT_EQ(table.selectedRow(), 2);
+}
+
+TEST_F(KRTableViewTest, KeysMoveTheSelection)
+{
+    struct Step {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        qint64 selected;
+    };
+    struct {
+        const char* what;
+        int viewHeight;
+        std::vector<Step> steps;
+    } const cases[] = {
+        { "arrows, from nothing selected and against both ends",
+            120,
+            { { Qt::Key_Down, {}, 1 },
+                { Qt::Key_Down, {}, 2 },
+                { Qt::Key_Up, {}, 1 },
+                { Qt::Key_Up, {}, 0 },
+                { Qt::Key_Up, {}, 0 } } },
+        { "three rows: a page down asks for row 4, the view then shows 2 to 4",
+            120,
+            { { Qt::Key_Space, {}, 4 }, { Qt::Key_Space, {}, 6 }, { Qt::Key_Space, Qt::ShiftModifier, 2 } } },
+        { "two rows: back from the first asks for -1, which is no row",
+            80,
+            { { Qt::Key_Down, {}, 1 }, { Qt::Key_Space, Qt::ShiftModifier, 1 } } },
+        { "four rows: back from the first asks for -2 and selects the first",
+            160,
+            { { Qt::Key_Down, {}, 1 }, { Qt::Key_Space, Qt::ShiftModifier, 0 } } },
+        { "past the last row",
+            160,
+            { { Qt::Key_Space, {}, 6 },
+                { Qt::Key_Space, {}, 9 },
+                { Qt::Key_Space, {}, 9 },
+                { Qt::Key_Down, {}, 9 } } },
+        { "keys without a meaning", 120, { { Qt::Key_A, {}, -1 }, { Qt::Key_Return, {}, -1 } } },
+    };
+    for (const auto& test : cases) {
+        KRTableView fresh;
+        Rows tenRows(equalRows(10, 40));
+        fresh.setDelegate(&tenRows);
+        fresh.setFrame({ 0, 0, 215, test.viewHeight });
+        fresh.show();
+        fresh.setFocus();
+        for (const Step& step : test.steps) {
+            QTest::keyClick(fresh.focusWidget(), step.key, step.modifiers);
+            EXPECT_EQ(fresh.selectedRow(), step.selected) << test.what;
+            EXPECT_TRUE(step.selected < 0 || fresh.visibleRange().contains(step.selected)) << test.what;
+        }
+    }
+}
+
+TEST_F(KRTableViewTest, KeysDoNotReachTheWindow)
+{
+    QWidget window;
+    auto* const inner = new KRTableView(&window);
+    window.show();
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    event.ignore();
+    QCoreApplication::sendEvent(inner, &event);
+    EXPECT_TRUE(event.isAccepted());
+}
+
+TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
+{
+    QWidget window;
+    auto* const before = new QLineEdit(&window);
+    auto* const inner = new KRTableView(&window);
+    Rows tenRows(equalRows(50, 40));
+    inner->setDelegate(&tenRows);
+    inner->setFrame({ 0, 30, 215, 120 });
+    window.show();
+    inner->selectRow(1);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
+    inner->scrollToRow(30);
+    EXPECT_EQ(window.focusWidget(), inner);
+    inner->scrollToRow(0);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(1)) << "the selected row came back";
+    inner->reloadData();
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
+    before->setFocus();
+    inner->scrollToRow(30);
+    EXPECT_EQ(window.focusWidget(), before);
+}
+
+TEST_F(KRTableViewTest, AReloadWaitsForTheScroller)
+{
+    show(equalRows(50, 40));
+    const int reloads = rows->reloads;
+    KRScroller* const scroller = table.verticalScroller();
+    QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
+    EXPECT_TRUE(scroller->isScrolling());
+    rows->heights.push_back(40);
+    table.reloadData();
+    table.reloadData();
+    QTest::mouseMove(scroller, QPoint(7, 40));
+    EXPECT_EQ(rows->reloads, reloads);
+    EXPECT_EQ(table.numberOfRows(), 50);
+    QTest::mouseRelease(scroller, Qt::LeftButton, {}, QPoint(7, 40));
+    EXPECT_FALSE(scroller->isScrolling());
+    EXPECT_EQ(rows->reloads, reloads + 1);
+    EXPECT_EQ(table.numberOfRows(), 51);
+    QTest::mouseClick(scroller, Qt::LeftButton, {}, QPoint(7, 90));
+    EXPECT_EQ(rows->reloads, reloads + 1) << "the callback was for one time only";
+
+    KRTestLog log;
+    QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
+    table.doneScrollingShouldReload({});
+    EXPECT_THAT(log.lines(),
+        ElementsAre(QStringLiteral(
+            "ERROR: done scrolling, but scroll view says it's still scrolling, this should never happen")));
+    EXPECT_EQ(rows->reloads, reloads + 1);
+    scroller->hide();
+    EXPECT_FALSE(scroller->isScrolling()) << "nothing will release the mouse any more";
+}
+
+TEST_F(KRTableViewTest, TheWheelScrolls)
+{
+    show(equalRows(50, 40));
+    const QPoint centre(50, 50);
+    QWheelEvent event(centre,
+        table.viewport()->mapToGlobal(centre),
+        QPoint(),
+        QPoint(0, -120),
+        Qt::NoButton,
+        Qt::NoModifier,
+        Qt::NoScrollPhase,
+        false);
+    QCoreApplication::sendEvent(table.viewport(), &event);
+    EXPECT_GT(scrollPosition(), 20);
+    EXPECT_EQ(table.currentRange(), table.visibleRange());
+}
+
+TEST_F(KRTableViewTest, ADragOfTheWindowKeepsWidthAndHeightsUntilItEnds)
+{
+    show(equalRows(50, 40));
+    table.scrollToRow(10, -5);
+    const int questions = rows->heightQuestions;
+    table.viewWillStartLiveResize();
+    table.setFrame({ 0, 0, 315, 200 });
+    EXPECT_EQ(table.width(), 200);
+    EXPECT_EQ(rows->heightQuestions, questions);
+    EXPECT_EQ(table.currentRange(), (KRRange { 10, 6 })) << "a taller view shows more rows at once";
+    rows->heights = equalRows(50, 20);
+    table.viewDidEndLiveResize();
+    EXPECT_EQ(table.width(), 300);
+    EXPECT_EQ(rows->heightQuestions, questions + 50);
+    EXPECT_EQ(table.relativeVisibleOffsetForRow(10), -5) << "the row at the top stays";
+
+    table.setFrame({ 0, 0, 115, 200 });
+    EXPECT_EQ(table.width(), 100);
+    EXPECT_EQ(table.cellForRow(10)->width(), 100) << "a resize that is not a drag is laid out at once";
+    EXPECT_EQ(rows->heightQuestions, questions + 100);
+    table.setFrame({ 0, 0, 115, 300 });
+    EXPECT_EQ(rows->heightQuestions, questions + 100);
+    for (const int width : { 0, 5, 15, 16, 100000 })
+        table.setFrame({ 0, 0, width, 200 });
+    EXPECT_EQ(table.width(), 99985);
+}
+
+TEST_F(KRTableViewTest, SizesFromTheWindowSystemAreADrag)
+{
+    KRManualClock clock;
+    QWidget window;
+    auto* const layout = new QVBoxLayout(&window);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* const inner = new KRTableView;
+    layout->addWidget(inner);
+    new KRLiveResize(window);
+    window.resize(215, 100);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    EXPECT_EQ(inner->width(), 200);
+
+    // The window system's path: the native window is given a size the widget did not ask for.
+    window.windowHandle()->resize(315, 100);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.width() == 315; }, 20000));
+    EXPECT_TRUE(inner->inLiveResize());
+    EXPECT_EQ(inner->width(), 200);
+    clock.advance(KRLiveResize::EndDelay);
+    EXPECT_FALSE(inner->inLiveResize());
+    EXPECT_EQ(inner->width(), 300);
+
+    window.resize(415, 100);
+    EXPECT_FALSE(inner->inLiveResize());
+    EXPECT_EQ(inner->width(), 400);
+}
+
+TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfItems)
+{
+    show(equalRows(5, 20));
+    table.selectRow(1);
+    table.cellForRow(1)->setAccessibleName(QStringLiteral("second"));
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&table)->role(), QAccessible::List);
+    QAccessibleInterface* const item = QAccessible::queryAccessibleInterface(table.cellForRow(1));
+    EXPECT_EQ(item->role(), QAccessible::ListItem);
+    EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("second"));
+    EXPECT_TRUE(item->state().selected);
+    EXPECT_FALSE(QAccessible::queryAccessibleInterface(table.cellForRow(2))->state().selected);
+}
+
+TEST_F(KRTableViewTest, ACellMayGoAtAnyTime)
+{
+    show(equalRows(50, 40));
+    KRTestLog log;
+    rows->duringSelection = [this] { delete table.cellForRow(1); };
+    QTest::mousePress(table.cellForRow(1), Qt::LeftButton);
+    EXPECT_EQ(table.selectedRow(), 1);
+    table.scrollToRow(40);
+    EXPECT_EQ(log.lines(), QStringList(QStringLiteral("THIS IS BAD")));
+    table.scrollToRow(0);
+    EXPECT_NE(table.cellForRow(1), nullptr);
+
+    rows->duringSelection = nullptr;
+    delete rows->made.back();
+    table.scrollToRow(40);
+    EXPECT_EQ(visibleCells().size(), size_t(table.visibleRange().length));
+}
+
+TEST_F(KRTableViewTest, ADelegateMayReloadAndScrollWhileItIsAsked)
+{
+    KRManualClock clock;
+    show(equalRows(50, 40));
+    rows->duringCellForRow = [this] {
+        table.scrollToRow(30);
+        rows->heights = equalRows(45, 40);
+        table.reloadData();
+    };
+    table.scrollToRow(20);
+    rows->duringCellForRow = nullptr;
+    EXPECT_EQ(table.currentRange(), table.visibleRange());
+    clock.advance(KRRunLoop::Duration(0));
+    EXPECT_EQ(table.numberOfRows(), 45);
+    for (KRTableViewCell* cell : visibleCells())
+        EXPECT_EQ(cell->y(), table.rectForRow(cell->row()).y() - scrollPosition());
+    EXPECT_EQ(visibleCells().size(), size_t(table.visibleRange().length));
+}
+
+} // namespace

@@ -1,0 +1,29 @@
+#include <QApplication>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#ifdef __SANITIZE_ADDRESS__
+// The font library keeps its patterns until the process ends and is not to blame for it.
+extern "C" const char* __lsan_default_suppressions()
+{
+    return "leak:libfontconfig";
+}
+#endif
+
+// As the other test programs, in directories of its own, with an application object for widgets.
+int main(int argc, char** argv)
+{
+    QTemporaryDir home;
+    if (!home.isValid())
+        return 2;
+    const QByteArray path = home.path().toUtf8();
+    qputenv("HOME", path);
+    qputenv("XDG_CONFIG_HOME", path + "/config");
+    qputenv("XDG_CACHE_HOME", path + "/cache");
+    qputenv("XDG_DATA_HOME", path + "/data");
+    qputenv("LC_ALL", "C.UTF-8");
+    testing::InitGoogleTest(&argc, argv);
+    QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
