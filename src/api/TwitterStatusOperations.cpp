@@ -118,7 +118,7 @@ void TwitterStatusOperations::destroyStatus(const QString& statusID)
 void TwitterStatusOperations::createFavorite(const QString& statusID)
 {
     _requireAuthentication("favoriteStatusID:");
-    _POST(u"favorites/create/%1.xml"_s.arg(URLEncodedString(statusID)),
+    POST(u"favorites/create/%1.xml"_s.arg(URLEncodedString(statusID)),
         QByteArray(),
         _handler(&TwitterStatusOperations::_statusResponse));
 }
@@ -126,7 +126,7 @@ void TwitterStatusOperations::createFavorite(const QString& statusID)
 void TwitterStatusOperations::destroyFavorite(const QString& statusID)
 {
     _requireAuthentication("unfavoriteStatusID:");
-    _POST(u"favorites/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
+    POST(u"favorites/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
         QByteArray(),
         _handler(&TwitterStatusOperations::_statusResponse));
 }
