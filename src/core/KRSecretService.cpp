@@ -26,6 +26,13 @@ struct GObjectDeleter {
 template <class T>
 using GRef = std::unique_ptr<T, GObjectDeleter>;
 
+/// Ends every call that is under way when the program does.
+GCancellable* cancellable()
+{
+    static GCancellable* shared = g_cancellable_new();
+    return shared;
+}
+
 struct GErrorHolder {
     GError* error = nullptr;
     GErrorHolder() = default;
@@ -59,7 +66,7 @@ Answer failure(const GErrorHolder& holder)
 
 GRef<SecretService> service(GErrorHolder& error)
 {
-    return GRef<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, &error.error));
+    return GRef<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable(), &error.error));
 }
 
 GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& error)
@@ -67,7 +74,7 @@ GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& erro
     return GRef<SecretCollection>(secret_collection_for_alias_sync(secrets,
         SECRET_COLLECTION_DEFAULT,
         SECRET_COLLECTION_NONE,
-        nullptr,
+        cancellable(),
         &error.error));
 }
 
@@ -78,7 +85,7 @@ GRef<SecretItem> firstItem(SecretService* secrets, const Attributes& attributes,
         nullptr,
         makeAttributes(attributes).get(),
         SECRET_SEARCH_NONE,
-        nullptr,
+        cancellable(),
         &error.error);
     GRef<SecretItem> first(items ? SECRET_ITEM(g_object_ref(items->data)) : nullptr);
     g_list_free_full(items, g_object_unref);
@@ -99,7 +106,7 @@ Answer lookUpNow(const Attributes& attributes)
     const QString path = QString::fromUtf8(g_dbus_proxy_get_object_path(G_DBUS_PROXY(item.get())));
     if (secret_item_get_locked(item.get()))
         return { Status::Locked, {}, path, QStringLiteral("the keyring is locked") };
-    if (!secret_item_load_secret_sync(item.get(), nullptr, &error.error))
+    if (!secret_item_load_secret_sync(item.get(), cancellable(), &error.error))
         return failure(error);
     SecretValue* value = secret_item_get_secret(item.get());
     gsize length = 0;
@@ -129,7 +136,7 @@ Answer storeNow(const Attributes& attributes, const QString& label, const QStrin
         SECRET_COLLECTION_DEFAULT,
         label.toUtf8().constData(),
         value,
-        nullptr,
+        cancellable(),
         &error.error);
     secret_value_unref(value);
     return isStored ? Answer { Status::Done, password, {}, {} } : failure(error);
@@ -146,7 +153,7 @@ Answer changeItem(const QString& path, Change change)
     const GRef<SecretItem> item(secret_item_new_for_dbus_path_sync(secrets.get(),
         path.toUtf8().constData(),
         SECRET_ITEM_NONE,
-        nullptr,
+        cancellable(),
         &error.error));
     if (!item || error.error)
         return failure(error);
@@ -163,7 +170,7 @@ Answer changeAttribute(const QString& path, const QString& name, const QString& 
             g_strdup(name.toUtf8().constData()),
             g_strdup(value.toUtf8().constData()));
         // No schema of libsecret's own: it would refuse names it does not know.
-        return secret_item_set_attributes_sync(item, nullptr, attributes.get(), nullptr, error);
+        return secret_item_set_attributes_sync(item, nullptr, attributes.get(), cancellable(), error);
     });
 }
 
@@ -176,7 +183,7 @@ Answer removeNow(const Attributes& attributes)
     const bool isRemoved = secret_service_clear_sync(secrets.get(),
         nullptr,
         makeAttributes(attributes).get(),
-        nullptr,
+        cancellable(),
         &error.error);
     if (error.error)
         return failure(error);
@@ -195,8 +202,8 @@ Answer setLocked(bool isLocked)
         return failure(error);
     GList* objects = g_list_append(nullptr, keyring.get());
     const gint count = isLocked
-        ? secret_service_lock_sync(secrets.get(), objects, nullptr, nullptr, &error.error)
-        : secret_service_unlock_sync(secrets.get(), objects, nullptr, nullptr, &error.error);
+        ? secret_service_lock_sync(secrets.get(), objects, cancellable(), nullptr, &error.error)
+        : secret_service_unlock_sync(secrets.get(), objects, cancellable(), nullptr, &error.error);
     g_list_free(objects);
     return count > 0 ? Answer { Status::Done, {}, {}, {} } : failure(error);
 }
@@ -243,10 +250,16 @@ public:
         return { Status::Unavailable, {}, {}, QStringLiteral("the Secret Service did not answer in time") };
     }
 
+    void stop()
+    {
+        _append({});
+        m_thread.join();
+    }
+
 private:
     Worker()
+        : m_thread([this] { _run(); })
     {
-        std::thread([this] { _run(); }).detach();
     }
 
     void _append(std::function<void()> call)
@@ -264,6 +277,8 @@ private:
             const std::function<void()> call = std::move(m_calls.front());
             m_calls.pop_front();
             guard.unlock();
+            if (!call)
+                return;
             call();
         }
     }
@@ -272,7 +287,22 @@ private:
     std::condition_variable m_wakeUp;
     std::deque<std::function<void()>> m_calls;
     std::atomic<bool> m_isStuck = false;
+    std::thread m_thread;
 };
+
+/// Who waits for the keyring to be unlocked. Main thread.
+std::vector<std::function<void(bool)>>& unlockWaiters()
+{
+    static std::vector<std::function<void(bool)>> waiters;
+    return waiters;
+}
+
+/// What waits for the user's answer to a prompt. Main thread.
+std::thread& unlockThread()
+{
+    static std::thread thread;
+    return thread;
+}
 
 } // namespace
 
@@ -294,7 +324,7 @@ Answer setPassword(const QString& item, const QString& password)
         return changeItem(item, [&](SecretItem* target, GError** error) {
             const QByteArray bytes = password.toUtf8();
             SecretValue* value = secret_value_new(bytes.constData(), bytes.size(), "text/plain");
-            const bool isSet = secret_item_set_secret_sync(target, value, nullptr, error);
+            const bool isSet = secret_item_set_secret_sync(target, value, cancellable(), error);
             secret_value_unref(value);
             return isSet;
         });
@@ -310,7 +340,7 @@ Answer setLabel(const QString& item, const QString& label)
 {
     return Worker::shared().ask([=] {
         return changeItem(item, [&](SecretItem* target, GError** error) {
-            return secret_item_set_label_sync(target, label.toUtf8().constData(), nullptr, error) != FALSE;
+            return secret_item_set_label_sync(target, label.toUtf8().constData(), cancellable(), error) != FALSE;
         });
     });
 }
@@ -327,21 +357,30 @@ Answer lock()
 
 void unlockInBackground(std::function<void(bool isUnlocked)> finished)
 {
-    // Main thread only, so no lock.
-    static std::vector<std::function<void(bool)>> waiting;
+    std::vector<std::function<void(bool)>>& waiting = unlockWaiters();
     waiting.push_back(std::move(finished));
     if (waiting.size() > 1)
         return;
     // A thread apart from the worker: the prompt may stay open for hours, and look-ups go on meanwhile.
-    std::thread([] {
+    if (unlockThread().joinable())
+        unlockThread().join();
+    unlockThread() = std::thread([] {
         const bool isUnlocked = setLocked(false).status == Status::Done;
         KRRunLoop::main().post([isUnlocked] {
             std::vector<std::function<void(bool)>> told;
-            told.swap(waiting);
+            told.swap(unlockWaiters());
             for (const auto& tell : told)
                 tell(isUnlocked);
         });
-    }).detach();
+    });
+}
+
+void stop()
+{
+    g_cancellable_cancel(cancellable());
+    Worker::shared().stop();
+    if (unlockThread().joinable())
+        unlockThread().join();
 }
 
 } // namespace KRSecretService
