@@ -16,7 +16,7 @@ std::atomic<const KRClock*> s_sharedClock = nullptr;
 
 const KRClock& KRClock::system()
 {
-    // Never destroyed: other threads read it until the process is gone.
+    // Never destroyed: other threads may still read the time while static objects are being destroyed.
     static const auto* clock = new SystemClock;
     return *clock;
 }
