@@ -2,8 +2,12 @@
 #include "model/records/TwitterStatus.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <libxml/parser.h>
+#include <yajl/yajl_parse.h>
 
 namespace {
 
@@ -37,5 +41,61 @@ void statusesOfAPageOf200(benchmark::State& state)
         [&] { bareSAXPass(page); });
 }
 BENCHMARK(statusesOfAPageOf200)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+// A page of 100 results in the classic form, made of a real site's, each with an ID of its own.
+QByteArray pageOf100Results()
+{
+    QFile file(QStringLiteral(PELINOR_TEST_DATA "/gnu-social/search_classic.word.body.json"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    QJsonObject answer = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonArray results = answer[QStringLiteral("results")].toArray();
+    QJsonArray page;
+    for (int i = 0; i < 100; ++i) {
+        QJsonObject result = results[i % results.size()].toObject();
+        result[QStringLiteral("id")] = QString::number(1000 - i);
+        page.append(result);
+    }
+    answer[QStringLiteral("results")] = page;
+    return QJsonDocument(answer).toJson(QJsonDocument::Compact);
+}
+
+// yajl alone: the hooks are there and do nothing.
+void bareTokenizerPass(const QByteArray& page)
+{
+    static constexpr auto nothing = [](void*) { return 1; };
+    static constexpr auto text = [](void*, const unsigned char*, size_t) { return 1; };
+    static constexpr yajl_callbacks callbacks { nothing,
+        [](void*, int) { return 1; },
+        nullptr,
+        nullptr,
+        [](void*, const char*, size_t) { return 1; },
+        text,
+        nothing,
+        text,
+        nothing,
+        nothing,
+        nothing };
+    const yajl_handle handle = yajl_alloc(&callbacks, nullptr, nullptr);
+    benchmark::DoNotOptimize(yajl_parse(handle,
+        reinterpret_cast<const unsigned char*>(page.constData()),
+        static_cast<size_t>(page.size())));
+    yajl_free(handle);
+}
+
+void statusesOf100SearchResults(benchmark::State& state)
+{
+    const QByteArray page = pageOf100Results();
+    const auto statuses = TwitterStatus::statusesWithSearchJSON(page);
+    if (statuses.isError() || statuses.value().size() != 100) {
+        state.SkipWithError("the results cannot be read");
+        return;
+    }
+    KRRunBesideYardstick(
+        state,
+        [&] { benchmark::DoNotOptimize(TwitterStatus::statusesWithSearchJSON(page)); },
+        [&] { bareTokenizerPass(page); });
+}
+BENCHMARK(statusesOf100SearchResults)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
