@@ -4,7 +4,7 @@
 
 #include <QUtf8StringView>
 
-#include <cstring>
+#include <functional>
 #include <memory>
 #include <type_traits>
 #include <yajl/yajl_parse.h>
@@ -115,6 +115,7 @@ KRResult<void> KRJSONParser::_parseData(const QByteArray& data, const Handler& c
     std::string_view text(data.constData(), qstrnlen(data.constData(), static_cast<size_t>(data.size())));
     if (text.substr(0, byteOrderMark.size()) == byteOrderMark)
         text.remove_prefix(byteOrderMark.size());
+    m_document = text;
 
     const Handle handle(yajl_alloc(&Hooks::table, nullptr, this));
     if (!handle)
@@ -182,10 +183,18 @@ QString KRJSONParser::stringValue() const
     if (m_type != Type::String)
         return {};
     const QUtf8StringView text(m_value.data(), static_cast<qsizetype>(m_value.size()));
-    // yajl turns the escape of a lone surrogate into bytes that are not UTF-8.
-    if (!text.isValidUtf8())
+    // What yajl points to in the document has been looked at with it; what it has made of escapes has not,
+    // and of a lone surrogate it makes bytes that are not UTF-8.
+    if (!_isInDocument(m_value) && !text.isValidUtf8())
         return {};
     return text.isEmpty() ? QString(""_L1) : text.toString();
+}
+
+bool KRJSONParser::_isInDocument(std::string_view text) const
+{
+    const std::less_equal<const char*> isNotAfter;
+    return isNotAfter(m_document.data(), text.data())
+        && isNotAfter(text.data() + text.size(), m_document.data() + m_document.size());
 }
 
 std::optional<bool> KRJSONParser::booleanValue() const

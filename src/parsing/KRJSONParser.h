@@ -88,11 +88,13 @@ private:
     void _setKey(std::string_view key);
     void _startContainer(Type type);
     void _endContainer();
+    [[nodiscard]] bool _isInDocument(std::string_view text) const;
 
     // A deque, because a handler may push while it runs and must not be moved by that.
     std::deque<StackEntry> m_callbacks;
     std::string m_key;
     std::string_view m_value;
+    std::string_view m_document;
     Type m_type = Type::Null;
     bool m_hasKey = false;
     bool m_boolean = false;

@@ -2,7 +2,6 @@
 
 #include "foundation/KRKeyedArchiver.h"
 #include "model/records/TwitterRecordReading.h"
-#include "text/KRArrayAdditions.h"
 #include "text/KRDateAdditions.h"
 #include "text/KRStringAdditions.h"
 
@@ -24,12 +23,6 @@ constexpr std::array<std::string_view, 6> ignoredElements { "status",
     "in_reply_to_user_id",
     "favorited",
     "in_reply_to_screen_name" };
-
-// Without an ID a status cannot be made definitive, without an author it cannot be shown.
-bool isComplete(const TwitterStatusPtr& status)
-{
-    return !status->statusID().isNull() && status->fromUser() && !status->fromUser()->username().isNull();
-}
 
 } // namespace
 
@@ -70,89 +63,6 @@ void TwitterStatus::parseStatusXML(KRXMLParser& parser)
             m_inReplyToStatusID = parser.characters();
     } else if (std::find(ignoredElements.begin(), ignoredElements.end(), element) == ignoredElements.end()) {
         TwitterRecordReading::skipElement(parser);
-    }
-}
-
-KRResult<TwitterStatusList> TwitterStatus::statusesWithSearchJSON(const QByteArray& data)
-{
-    using Type = KRJSONParser::Type;
-    TwitterStatusList statuses;
-    const auto resultsHandler = KRJSONParser::Handler::withFunction(
-        [&statuses](KRJSONParser& parser) { parseSearchStatusesJSON(parser, statuses); });
-    bool isFirstEvent = true;
-    const auto handler = KRJSONParser::Handler::withFunction([&](KRJSONParser& parser) {
-        // Some sites send the array of results with nothing around it.
-        const bool isDocument = std::exchange(isFirstEvent, false);
-        if (parser.type() == Type::ArrayStart && (isDocument || parser.hasKey("results")))
-            parser.pushCallback(resultsHandler, KRJSONParser::RepeatElement::No);
-    });
-    const KRResult<void> parsed = KRJSONParser::parseData(data, handler);
-    if (parsed.isError())
-        return parsed.error();
-    return KRAdditions::filter(statuses, isComplete);
-}
-
-void TwitterStatus::parseSearchStatusesJSON(KRJSONParser& parser, TwitterStatusList& statuses)
-{
-    if (parser.type() != KRJSONParser::Type::ObjectStart)
-        return;
-    statuses.append(std::make_shared<TwitterStatus>());
-    statuses.last()->m_isPartialStatus = true;
-    parser.pushCallback(Callback(statuses.last(), &TwitterStatus::parseStatusSearchJSON),
-        KRJSONParser::RepeatElement::No);
-}
-
-void TwitterStatus::parseStatusSearchJSON(KRJSONParser& parser)
-{
-    if (parser.type() == KRJSONParser::Type::ObjectStart && parser.hasKey("user")) {
-        // The full form: nothing is missing that the XML interface would send.
-        m_isPartialStatus = false;
-        m_fromUser = std::make_shared<TwitterUser>();
-        parser.pushCallback(Callback(m_fromUser, &TwitterUser::parseUserJSON),
-            KRJSONParser::RepeatElement::No);
-        return;
-    }
-    if (TwitterRecordReading::skipContainer(parser) || parser.type() != KRJSONParser::Type::String)
-        return;
-    const std::string_view key = parser.key().value_or(std::string_view());
-    if (key == "id") {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            m_statusID = text;
-    } else if (key == "text") {
-        if (const QString text = parser.stringValue(); !text.isNull())
-            setText(KRAdditions::stringByUnescapingXMLEntities(text));
-    } else if (key == "created_at") {
-        _takeSearchDate(parser.stringValue());
-    } else if (key == "in_reply_to_status_id") {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            m_inReplyToStatusID = text;
-    } else if (m_isPartialStatus && key == "from_user") {
-        if (const QString text = parser.stringValue(); !text.isEmpty()) {
-            _partialFromUser()->setUsername(text);
-            _partialFromUser()->setFullName(text);
-        }
-    } else if (m_isPartialStatus && key == "profile_image_url") {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            _partialFromUser()->setProfileImageURL(TwitterUser::urlWithText(text));
-    }
-}
-
-const TwitterUserPtr& TwitterStatus::_partialFromUser()
-{
-    if (!m_fromUser) {
-        m_fromUser = std::make_shared<TwitterUser>();
-        m_fromUser->setIsPartialUser(true);
-    }
-    return m_fromUser;
-}
-
-void TwitterStatus::_takeSearchDate(const QString& text)
-{
-    if (const QDateTime date = KRAdditions::dateValueFromJSONTwitterDate(text); date.isValid()) {
-        m_date = date;
-    } else if (const QDateTime fullDate = KRAdditions::dateValueFromHTTPLikeDate(text); fullDate.isValid()) {
-        m_date = fullDate;
-        m_originalDateString = text;
     }
 }
 

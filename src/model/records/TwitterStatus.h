@@ -11,7 +11,6 @@
 #include <compare>
 #include <memory>
 
-class KRJSONParser;
 class KRKeyedArchiver;
 class KRKeyedUnarchiver;
 class KRXMLParser;
@@ -97,15 +96,8 @@ public:
     /// Fills this record from the content of a "status" element.
     void parseStatusXML(KRXMLParser& parser);
     static void parseStatusesXML(KRXMLParser& parser, TwitterStatusList& statuses);
-    /// Fills this record from the members of a search result. What is null or of another type than it should
-    /// be leaves its field as it was.
-    void parseStatusSearchJSON(KRJSONParser& parser);
-    static void parseSearchStatusesJSON(KRJSONParser& parser, TwitterStatusList& statuses);
 
 private:
-    const TwitterUserPtr& _partialFromUser();
-    void _takeSearchDate(const QString& text);
-
     QString m_statusID;
     QString m_text = QLatin1String("");
     KRActiveTextRanges m_activeTextRanges;
