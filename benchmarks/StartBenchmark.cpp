@@ -193,6 +193,10 @@ public:
             _path("password") };
     }
     [[nodiscard]] Process emptyWindow() const { return { { PELINOR_EMPTY_WINDOW }, _path("password") }; }
+    [[nodiscard]] Process textWindow() const
+    {
+        return { { PELINOR_EMPTY_WINDOW, "Hello" }, _path("password") };
+    }
     [[nodiscard]] const Site& site() const { return m_site; }
 
 private:
@@ -218,17 +222,21 @@ void startToFirstPainting(benchmark::State& state)
     bool works = setting.emptyWindow().secondsToFirstPainting() > 0
         && setting.program().secondsToFirstPainting() > 0;
     double emptyTime = 0;
+    double textTime = 0;
     double programTime = 0;
     for ([[maybe_unused]] auto iteration : state) {
         const double empty = setting.emptyWindow().secondsToFirstPainting();
+        const double text = setting.textWindow().secondsToFirstPainting();
         const double program = setting.program().secondsToFirstPainting();
-        works = works && empty > 0 && program > 0;
+        works = works && empty > 0 && text > 0 && program > 0;
         emptyTime += empty;
+        textTime += text;
         programTime += program;
         state.SetIterationTime(program);
     }
     state.counters["yardstick"] = benchmark::Counter(emptyTime, benchmark::Counter::kAvgIterations);
     state.counters["ratio"] = programTime / emptyTime;
+    state.counters["ratio_to_text"] = programTime / textTime;
     if (!works)
         state.SkipWithError("a program did not paint its window");
 }
