@@ -34,7 +34,7 @@ void TwitterCheckOperations::userIDFollowsUserID(const QString& userID, const QS
 
 void TwitterCheckOperations::_friendshipExists(const QString& nameOrID, const QString& other)
 {
-    _GET(u"friendships/exists.xml"_s,
+    GET(u"friendships/exists.xml"_s,
         KRParameters().add("user_a"_L1, nameOrID).add("user_b"_L1, other),
         _handler(&TwitterCheckOperations::_friendshipExistsResponse));
 }
@@ -46,7 +46,7 @@ void TwitterCheckOperations::_friendshipExistsResponse(KRHTTPRequest& request)
 
 void TwitterCheckOperations::verifyCredentials()
 {
-    _GET(u"account/verify_credentials.xml"_s, _handler(&TwitterCheckOperations::_verifyCredentialsResponse));
+    GET(u"account/verify_credentials.xml"_s, _handler(&TwitterCheckOperations::_verifyCredentialsResponse));
 }
 
 void TwitterCheckOperations::_verifyCredentialsResponse(KRHTTPRequest& request)
@@ -59,7 +59,7 @@ void TwitterCheckOperations::_verifyCredentialsResponse(KRHTTPRequest& request)
 
 void TwitterTextOperations::rateLimitStatus()
 {
-    _GET(u"account/rate_limit_status.xml"_s, _handler(&TwitterTextOperations::_rateLimitResponse));
+    GET(u"account/rate_limit_status.xml"_s, _handler(&TwitterTextOperations::_rateLimitResponse));
 }
 
 void TwitterTextOperations::_rateLimitResponse(KRHTTPRequest& request)

@@ -12,7 +12,7 @@ TwitterCommandOperations::TwitterCommandOperations(TwitterRequestContext context
 void TwitterCommandOperations::favoriteStatusID(const QString& statusID)
 {
     _requireAuthentication("favoriteStatusID:");
-    _POST(u"favorites/create/%1.xml"_s.arg(statusID),
+    POST(u"favorites/create/%1.xml"_s.arg(statusID),
         QByteArray(),
         _handler(&TwitterCommandOperations::_ignoreResponse));
 }
@@ -20,7 +20,7 @@ void TwitterCommandOperations::favoriteStatusID(const QString& statusID)
 void TwitterCommandOperations::unfavoriteStatusID(const QString& statusID)
 {
     _requireAuthentication("unfavoriteStatusID:");
-    _POST(u"favorites/destroy/%1.xml"_s.arg(statusID),
+    POST(u"favorites/destroy/%1.xml"_s.arg(statusID),
         QByteArray(),
         _handler(&TwitterCommandOperations::_ignoreResponse));
 }

@@ -18,7 +18,7 @@ void TwitterDirectMessagesOperations::directMessagesSinceID(const QString& since
     std::optional<int> page)
 {
     _requireAuthentication("directMessagesSinceID:maxID:page:");
-    _GET(u"direct_messages.xml"_s,
+    GET(u"direct_messages.xml"_s,
         pageParameters(sinceID, maxID, page),
         _handler(&TwitterDirectMessagesOperations::_directMessagesResponse));
 }
@@ -28,7 +28,7 @@ void TwitterDirectMessagesOperations::sentDirectMessagesSinceID(const QString& s
     std::optional<int> page)
 {
     _requireAuthentication("sentDirectMessagesSinceID:maxID:page:");
-    _GET(u"direct_messages/sent.xml"_s,
+    GET(u"direct_messages/sent.xml"_s,
         pageParameters(sinceID, maxID, page),
         _handler(&TwitterDirectMessagesOperations::_directMessagesResponse));
 }
@@ -52,7 +52,7 @@ void TwitterDirectMessageOperations::sendToUserID(const QString& text, const QSt
 
 void TwitterDirectMessageOperations::_send(const QString& text, const QString& recipient)
 {
-    _POST(u"direct_messages/new.xml"_s,
+    POST(u"direct_messages/new.xml"_s,
         KRParameters().add("user"_L1, recipient).add("text"_L1, text),
         _handler(&TwitterDirectMessageOperations::_directMessageResponse));
 }

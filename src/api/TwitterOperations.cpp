@@ -25,24 +25,24 @@ void TwitterOperations::_requireAuthentication(const char* selector) const
         KRLog(u"Critical Error: %1 requires authentication"_s.arg(QLatin1String(selector)));
 }
 
-void TwitterOperations::_GET(const QString& path, ResponseHandler handler)
+void TwitterOperations::GET(const QString& path, ResponseHandler handler)
 {
     _request(path, QString::fromUtf16(KRHTTPMethodGET), {}, std::move(handler));
 }
 
-void TwitterOperations::_GET(const QString& path, const KRParameters& query, ResponseHandler handler)
+void TwitterOperations::GET(const QString& path, const KRParameters& query, ResponseHandler handler)
 {
-    _GET(u"%1?%2"_s.arg(path, KRAdditions::URLParameterString(query)), std::move(handler));
+    GET(u"%1?%2"_s.arg(path, KRAdditions::URLParameterString(query)), std::move(handler));
 }
 
-void TwitterOperations::_POST(const QString& path, const QByteArray& body, ResponseHandler handler)
+void TwitterOperations::POST(const QString& path, const QByteArray& body, ResponseHandler handler)
 {
     _request(path, QString::fromUtf16(KRHTTPMethodPOST), body, std::move(handler));
 }
 
-void TwitterOperations::_POST(const QString& path, const KRParameters& form, ResponseHandler handler)
+void TwitterOperations::POST(const QString& path, const KRParameters& form, ResponseHandler handler)
 {
-    _POST(path, KRAdditions::URLParameterString(form).toUtf8(), std::move(handler));
+    POST(path, KRAdditions::URLParameterString(form).toUtf8(), std::move(handler));
 }
 
 void TwitterOperations::_request(const QString& path,
@@ -74,7 +74,7 @@ void TwitterOperations::_request(const QString& path,
     request->startRequest();
 }
 
-void TwitterOperations::_requestResponse(KRHTTPRequest& request, ResponseHandler handler)
+void TwitterOperations::_requestResponse(KRHTTPRequest& request, const ResponseHandler& handler)
 {
     TwitterAnswers::improveError(request);
     handler.invoke(request);

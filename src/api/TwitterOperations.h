@@ -55,10 +55,10 @@ protected:
     void _requireAuthentication(const char* selector) const;
 
     /// The path is sent as it is and may carry a query.
-    void _GET(const QString& path, ResponseHandler handler);
-    void _GET(const QString& path, const KRParameters& query, ResponseHandler handler);
-    void _POST(const QString& path, const QByteArray& body, ResponseHandler handler);
-    void _POST(const QString& path, const KRParameters& form, ResponseHandler handler);
+    void GET(const QString& path, ResponseHandler handler);
+    void GET(const QString& path, const KRParameters& query, ResponseHandler handler);
+    void POST(const QString& path, const QByteArray& body, ResponseHandler handler);
+    void POST(const QString& path, const KRParameters& form, ResponseHandler handler);
 
     /// Ends an operation for which no request could be made. On the shared background thread.
     virtual void _deliverError(const KRError& error) = 0;
@@ -66,7 +66,7 @@ protected:
 private:
     void
     _request(const QString& path, const QString& method, const QByteArray& body, ResponseHandler handler);
-    void _requestResponse(KRHTTPRequest& request, ResponseHandler handler);
+    void _requestResponse(KRHTTPRequest& request, const ResponseHandler& handler);
 
     TwitterRequestContext m_context;
 };

@@ -31,7 +31,7 @@ void TwitterStatusesOperations::friendsTimelineSinceID(const QString& sinceID,
     std::optional<int> page)
 {
     _requireAuthentication("friendsTimelineSinceID:maxID:count:page:");
-    _GET(u"statuses/home_timeline.xml"_s,
+    GET(u"statuses/home_timeline.xml"_s,
         timelineParameters({}, sinceID, maxID, count, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
 }
@@ -41,7 +41,7 @@ void TwitterStatusesOperations::repliesSinceID(const QString& sinceID,
     std::optional<int> page)
 {
     _requireAuthentication("repliesSinceID:maxID:page:");
-    _GET(u"statuses/replies.xml"_s,
+    GET(u"statuses/replies.xml"_s,
         timelineParameters({}, sinceID, maxID, std::nullopt, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
 }
@@ -52,7 +52,7 @@ void TwitterStatusesOperations::userTimelineForUsername(const QString& username,
     std::optional<int> count,
     std::optional<int> page)
 {
-    _GET(u"statuses/user_timeline.xml"_s,
+    GET(u"statuses/user_timeline.xml"_s,
         timelineParameters(KRParameters().add("screen_name"_L1, username), sinceID, maxID, count, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
 }
@@ -63,19 +63,19 @@ void TwitterStatusesOperations::userTimelineForUserID(const QString& userID,
     std::optional<int> count,
     std::optional<int> page)
 {
-    _GET(u"statuses/user_timeline.xml"_s,
+    GET(u"statuses/user_timeline.xml"_s,
         timelineParameters(KRParameters().add("user_id"_L1, userID), sinceID, maxID, count, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
 }
 
 void TwitterStatusesOperations::publicTimeline()
 {
-    _GET(u"statuses/public_timeline.xml"_s, _handler(&TwitterStatusesOperations::_statusesResponse));
+    GET(u"statuses/public_timeline.xml"_s, _handler(&TwitterStatusesOperations::_statusesResponse));
 }
 
 void TwitterStatusesOperations::favoritesForUsername(const QString& username, std::optional<int> page)
 {
-    _GET(u"favorites/%1.xml"_s.arg(URLEncodedString(username)),
+    GET(u"favorites/%1.xml"_s.arg(URLEncodedString(username)),
         KRParameters().add("page"_L1, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
 }
@@ -92,14 +92,14 @@ void TwitterStatusesOperations::_statusesResponse(KRHTTPRequest& request)
 
 void TwitterStatusOperations::statusWithID(const QString& statusID)
 {
-    _GET(u"statuses/show/%1.xml"_s.arg(URLEncodedString(statusID)),
+    GET(u"statuses/show/%1.xml"_s.arg(URLEncodedString(statusID)),
         _handler(&TwitterStatusOperations::_statusResponse));
 }
 
 void TwitterStatusOperations::update(const QString& text, const QString& inReplyToStatusID)
 {
     _requireAuthentication("update:inReplyToStatusID:");
-    _POST(u"statuses/update.xml"_s,
+    POST(u"statuses/update.xml"_s,
         KRParameters()
             .add("status"_L1, text)
             .add("in_reply_to_status_id"_L1, inReplyToStatusID)
@@ -110,7 +110,7 @@ void TwitterStatusOperations::update(const QString& text, const QString& inReply
 void TwitterStatusOperations::destroyStatus(const QString& statusID)
 {
     _requireAuthentication("destroyStatus:");
-    _POST(u"statuses/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
+    POST(u"statuses/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
         QByteArray(),
         _handler(&TwitterStatusOperations::_statusResponse));
 }
@@ -118,7 +118,7 @@ void TwitterStatusOperations::destroyStatus(const QString& statusID)
 void TwitterStatusOperations::createFavorite(const QString& statusID)
 {
     _requireAuthentication("favoriteStatusID:");
-    _POST(u"favorites/create/%1.xml"_s.arg(URLEncodedString(statusID)),
+    POST(u"favorites/create/%1.xml"_s.arg(URLEncodedString(statusID)),
         QByteArray(),
         _handler(&TwitterStatusOperations::_statusResponse));
 }
@@ -126,7 +126,7 @@ void TwitterStatusOperations::createFavorite(const QString& statusID)
 void TwitterStatusOperations::destroyFavorite(const QString& statusID)
 {
     _requireAuthentication("unfavoriteStatusID:");
-    _POST(u"favorites/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
+    POST(u"favorites/destroy/%1.xml"_s.arg(URLEncodedString(statusID)),
         QByteArray(),
         _handler(&TwitterStatusOperations::_statusResponse));
 }

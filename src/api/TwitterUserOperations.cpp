@@ -7,28 +7,28 @@ using namespace Qt::StringLiterals;
 
 void TwitterUsersOperations::friendsForUsername(const QString& username, std::optional<int> page)
 {
-    _GET(u"statuses/friends.xml"_s,
+    GET(u"statuses/friends.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
 }
 
 void TwitterUsersOperations::friendsForUserID(const QString& userID, std::optional<int> page)
 {
-    _GET(u"statuses/friends.xml"_s,
+    GET(u"statuses/friends.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
 }
 
 void TwitterUsersOperations::followersForUsername(const QString& username, std::optional<int> page)
 {
-    _GET(u"statuses/followers.xml"_s,
+    GET(u"statuses/followers.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
 }
 
 void TwitterUsersOperations::followersForUserID(const QString& userID, std::optional<int> page)
 {
-    _GET(u"statuses/followers.xml"_s,
+    GET(u"statuses/followers.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
 }
@@ -40,14 +40,14 @@ void TwitterUsersOperations::_usersResponse(KRHTTPRequest& request)
 
 void TwitterUserOperations::userWithUsername(const QString& username)
 {
-    _GET(u"users/show.xml"_s,
+    GET(u"users/show.xml"_s,
         KRParameters().add("screen_name"_L1, username),
         _handler(&TwitterUserOperations::_userResponse));
 }
 
 void TwitterUserOperations::userWithID(const QString& userID)
 {
-    _GET(u"users/show.xml"_s,
+    GET(u"users/show.xml"_s,
         KRParameters().add("user_id"_L1, userID),
         _handler(&TwitterUserOperations::_userResponse));
 }
@@ -66,7 +66,7 @@ void TwitterUserOperations::followUserID(const QString& userID)
 
 void TwitterUserOperations::_follow(const KRParameters& query)
 {
-    _POST(u"friendships/create.xml?%1"_s.arg(KRAdditions::URLParameterString(query)),
+    POST(u"friendships/create.xml?%1"_s.arg(KRAdditions::URLParameterString(query)),
         QByteArray(),
         _handler(&TwitterUserOperations::_userResponse));
 }
@@ -85,7 +85,7 @@ void TwitterUserOperations::unfollowUserID(const QString& userID)
 
 void TwitterUserOperations::_unfollow(const QString& nameOrID)
 {
-    _POST(u"friendships/destroy/%1.xml"_s.arg(nameOrID),
+    POST(u"friendships/destroy/%1.xml"_s.arg(nameOrID),
         QByteArray(),
         _handler(&TwitterUserOperations::_userResponse));
 }

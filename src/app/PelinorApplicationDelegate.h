@@ -6,7 +6,10 @@
 #include "core/Twitter.h"
 #include "text/render/KRTextHeightCache.h"
 
+#include <atomic>
+#include <functional>
 #include <memory>
+#include <vector>
 
 /// A main window's account.
 class PelinorTwitterAccount final : public PelinorListAccount {
@@ -17,15 +20,19 @@ public:
     }
 
     QString username() const override { return m_account->username(); }
-    bool isAuthorOfStatus(const TwitterStatus& status) const override { return m_account->isAuthorOfStatus(status); }
-    std::shared_ptr<TwitterConcreteStatusesStream> timelineStream() override { return m_account->timelineStream(); }
+    bool isAuthorOfStatus(const TwitterStatus& status) const override
+    {
+        return m_account->isAuthorOfStatus(status);
+    }
+    std::shared_ptr<TwitterStream> timelineStream() override { return m_account->timelineStream(); }
     void noteFreshTweets() override { m_account->noteFreshTweets(); }
 
 private:
     TwitterAccountPtr m_account;
 };
 
-/// Puts the program together: owns what lives as long as it, opens the window, and saves at the end. Main thread.
+/// Puts the program together: owns what lives as long as it, opens the window, and saves at the end. Main
+/// thread.
 class PelinorApplicationDelegate {
 public:
     /// The root object outlives the delegate.
@@ -34,15 +41,15 @@ public:
     PelinorApplicationDelegate& operator=(const PelinorApplicationDelegate&) = delete;
     ~PelinorApplicationDelegate();
 
-    /// Opens the window of the account. With a picture file, the window is saved there once its list and avatars have
-    /// come; `finished` is called then.
-    void applicationDidFinishLaunching(const TwitterAccountPtr& account);
-    void takeScreenshot(const QString& file, std::function<void(bool isWritten)> finished);
+    /// Opens the account's window.
+    void openMainWindow(const TwitterAccountPtr& account);
+    /// Saves a picture of the window once its posts and their avatars have come, or after a while without
+    /// them; `finished` is told whether the posts are in it.
+    void takeScreenshot(const QString& file, std::function<void(bool isFilled)> finished);
     void applicationWillTerminate();
 
 private:
-    [[nodiscard]] bool _isFilled() const;
-    void _saveScreenshot();
+    void _tryScreenshot();
 
     Twitter& m_twitter;
     KRUserDefaults& m_defaults;
@@ -50,9 +57,14 @@ private:
     KRTextHeightCache m_heights;
     std::unique_ptr<PelinorTwitterAccount> m_account;
     std::unique_ptr<PelinorMainWindow> m_window;
+    KRObservation m_keychainObservation;
+
     QString m_screenshotFile;
     std::function<void(bool)> m_screenshotFinished;
     KRTimer m_screenshotTimer;
-    KRObservation m_networkObservation;
-    KRObservation m_keychainObservation;
+    int m_screenshotTries = 0;
+    int m_quietTries = 0;
+    // Set on the threads that requests start and end on.
+    std::atomic<bool> m_isNetworkActive = false;
+    std::vector<KRObservation> m_networkObservations;
 };

@@ -1,4 +1,5 @@
 #include "cli/CommandRunner.h"
+#include "core/KRSecretService.h"
 #include "foundation/KRBlockingRunLoopDriver.h"
 #include "foundation/KRUserDefaults.h"
 #include "transport/KRBackgroundThread.h"
@@ -40,6 +41,7 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
     KRBlockingRunLoopDriver driver;
     runner->start(password);
     driver.runUntil([&runner] { return runner->isFinished(); });
+    KRSecretService::stop();
     KRBackgroundThread::stopShared();
     return runner->exitCode();
 }

@@ -1,4 +1,5 @@
-// Items by their path on the bus are behind this macro; the functions have not changed since libsecret's first release.
+// Items by their path on the bus are behind this macro; the functions have not changed since libsecret's
+// first release.
 #define SECRET_API_SUBJECT_TO_CHANGE 1
 // libsecret's headers use "signals" as a name, so they come before Qt's.
 #include "core/KRSecretService.h"
@@ -26,6 +27,13 @@ struct GObjectDeleter {
 template <class T>
 using GRef = std::unique_ptr<T, GObjectDeleter>;
 
+/// Ends every call that is under way when the program does.
+GCancellable* cancellable()
+{
+    static GCancellable* shared = g_cancellable_new();
+    return shared;
+}
+
 struct GErrorHolder {
     GError* error = nullptr;
     GErrorHolder() = default;
@@ -48,6 +56,8 @@ GAttributes makeAttributes(const Attributes& attributes)
 
 Answer failure(const GErrorHolder& holder)
 {
+    // libsecret goes on asking the daemon it once met, by an address that a restarted one does not have.
+    secret_service_disconnect();
     const GError* error = holder.error;
     const QString text = error ? QString::fromUtf8(error->message) : QString();
     if (error && error->domain == SECRET_ERROR && error->code == SECRET_ERROR_IS_LOCKED)
@@ -59,7 +69,8 @@ Answer failure(const GErrorHolder& holder)
 
 GRef<SecretService> service(GErrorHolder& error)
 {
-    return GRef<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, nullptr, &error.error));
+    return GRef<SecretService>(
+        secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable(), &error.error));
 }
 
 GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& error)
@@ -67,7 +78,7 @@ GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& erro
     return GRef<SecretCollection>(secret_collection_for_alias_sync(secrets,
         SECRET_COLLECTION_DEFAULT,
         SECRET_COLLECTION_NONE,
-        nullptr,
+        cancellable(),
         &error.error));
 }
 
@@ -78,7 +89,7 @@ GRef<SecretItem> firstItem(SecretService* secrets, const Attributes& attributes,
         nullptr,
         makeAttributes(attributes).get(),
         SECRET_SEARCH_NONE,
-        nullptr,
+        cancellable(),
         &error.error);
     GRef<SecretItem> first(items ? SECRET_ITEM(g_object_ref(items->data)) : nullptr);
     g_list_free_full(items, g_object_unref);
@@ -99,7 +110,7 @@ Answer lookUpNow(const Attributes& attributes)
     const QString path = QString::fromUtf8(g_dbus_proxy_get_object_path(G_DBUS_PROXY(item.get())));
     if (secret_item_get_locked(item.get()))
         return { Status::Locked, {}, path, QStringLiteral("the keyring is locked") };
-    if (!secret_item_load_secret_sync(item.get(), nullptr, &error.error))
+    if (!secret_item_load_secret_sync(item.get(), cancellable(), &error.error))
         return failure(error);
     SecretValue* value = secret_item_get_secret(item.get());
     gsize length = 0;
@@ -129,7 +140,7 @@ Answer storeNow(const Attributes& attributes, const QString& label, const QStrin
         SECRET_COLLECTION_DEFAULT,
         label.toUtf8().constData(),
         value,
-        nullptr,
+        cancellable(),
         &error.error);
     secret_value_unref(value);
     return isStored ? Answer { Status::Done, password, {}, {} } : failure(error);
@@ -146,7 +157,7 @@ Answer changeItem(const QString& path, Change change)
     const GRef<SecretItem> item(secret_item_new_for_dbus_path_sync(secrets.get(),
         path.toUtf8().constData(),
         SECRET_ITEM_NONE,
-        nullptr,
+        cancellable(),
         &error.error));
     if (!item || error.error)
         return failure(error);
@@ -163,7 +174,7 @@ Answer changeAttribute(const QString& path, const QString& name, const QString& 
             g_strdup(name.toUtf8().constData()),
             g_strdup(value.toUtf8().constData()));
         // No schema of libsecret's own: it would refuse names it does not know.
-        return secret_item_set_attributes_sync(item, nullptr, attributes.get(), nullptr, error);
+        return secret_item_set_attributes_sync(item, nullptr, attributes.get(), cancellable(), error);
     });
 }
 
@@ -176,15 +187,27 @@ Answer removeNow(const Attributes& attributes)
     const bool isRemoved = secret_service_clear_sync(secrets.get(),
         nullptr,
         makeAttributes(attributes).get(),
-        nullptr,
+        cancellable(),
         &error.error);
     if (error.error)
         return failure(error);
     return { isRemoved ? Status::Done : Status::NotFound, {}, {}, {} };
 }
 
+Answer askWhetherOpen()
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
+    if (!keyring)
+        return failure(error);
+    return { secret_collection_get_locked(keyring.get()) ? Status::Locked : Status::Done, {}, {}, {} };
+}
+
 /// Locks or unlocks the default keyring; unlocking waits for the user.
-Answer setLocked(bool isLocked)
+Answer setLocked(bool isLocked, GCancellable* cancellable)
 {
     GErrorHolder error;
     const GRef<SecretService> secrets = service(error);
@@ -195,8 +218,8 @@ Answer setLocked(bool isLocked)
         return failure(error);
     GList* objects = g_list_append(nullptr, keyring.get());
     const gint count = isLocked
-        ? secret_service_lock_sync(secrets.get(), objects, nullptr, nullptr, &error.error)
-        : secret_service_unlock_sync(secrets.get(), objects, nullptr, nullptr, &error.error);
+        ? secret_service_lock_sync(secrets.get(), objects, cancellable, nullptr, &error.error)
+        : secret_service_unlock_sync(secrets.get(), objects, cancellable, nullptr, &error.error);
     g_list_free(objects);
     return count > 0 ? Answer { Status::Done, {}, {}, {} } : failure(error);
 }
@@ -224,11 +247,10 @@ public:
         const auto pending = std::make_shared<Pending>();
         _append([this, pending, call = std::move(call)] {
             Answer answer = call();
-            if (answer.status == Status::Failed) {
-                // A daemon that was restarted does not know the session any more.
-                secret_service_disconnect();
+            const bool mayHaveBeenRestarted
+                = answer.status == Status::Failed || answer.status == Status::Unavailable;
+            if (mayHaveBeenRestarted && !m_isStuck)
                 answer = call();
-            }
             m_isStuck = false;
             std::scoped_lock guard(pending->lock);
             pending->answer = std::move(answer);
@@ -243,10 +265,16 @@ public:
         return { Status::Unavailable, {}, {}, QStringLiteral("the Secret Service did not answer in time") };
     }
 
+    void stop()
+    {
+        _append({});
+        m_thread.join();
+    }
+
 private:
     Worker()
+        : m_thread([this] { _run(); })
     {
-        std::thread([this] { _run(); }).detach();
     }
 
     void _append(std::function<void()> call)
@@ -264,6 +292,8 @@ private:
             const std::function<void()> call = std::move(m_calls.front());
             m_calls.pop_front();
             guard.unlock();
+            if (!call)
+                return;
             call();
         }
     }
@@ -272,6 +302,66 @@ private:
     std::condition_variable m_wakeUp;
     std::deque<std::function<void()>> m_calls;
     std::atomic<bool> m_isStuck = false;
+    std::thread m_thread;
+};
+
+/// One prompt at a time, and who waits for its end. Main thread; the prompt itself is waited for on a thread
+/// apart from the worker, since it may stay open for hours while look-ups go on.
+class Unlocking {
+public:
+    static Unlocking& shared()
+    {
+        static auto* unlocking = new Unlocking;
+        return *unlocking;
+    }
+
+    void join(std::function<void(bool isUnlocked)> finished)
+    {
+        m_waiting.push_back(std::move(finished));
+        if (m_waiting.size() == 1)
+            _ask();
+        else if (Worker::shared().ask(askWhetherOpen).status == Status::Done)
+            // Opened in another way, while a prompt that nobody answers is still up.
+            _end(true);
+    }
+
+    void stop()
+    {
+        if (m_prompt)
+            g_cancellable_cancel(m_prompt);
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+private:
+    void _ask()
+    {
+        stop();
+        m_prompt = g_cancellable_new();
+        m_thread = std::thread([this, prompt = m_prompt] {
+            const bool isUnlocked = setLocked(false, prompt).status == Status::Done;
+            KRRunLoop::main().post([this, prompt, isUnlocked] {
+                if (prompt == m_prompt)
+                    _end(isUnlocked);
+                g_object_unref(prompt);
+            });
+        });
+    }
+
+    void _end(bool isUnlocked)
+    {
+        g_cancellable_cancel(m_prompt);
+        m_prompt = nullptr;
+        std::vector<std::function<void(bool)>> told;
+        told.swap(m_waiting);
+        for (const auto& tell : told)
+            tell(isUnlocked);
+    }
+
+    std::vector<std::function<void(bool)>> m_waiting;
+    // Released by the call that ends its thread's work.
+    GCancellable* m_prompt = nullptr;
+    std::thread m_thread;
 };
 
 } // namespace
@@ -294,7 +384,7 @@ Answer setPassword(const QString& item, const QString& password)
         return changeItem(item, [&](SecretItem* target, GError** error) {
             const QByteArray bytes = password.toUtf8();
             SecretValue* value = secret_value_new(bytes.constData(), bytes.size(), "text/plain");
-            const bool isSet = secret_item_set_secret_sync(target, value, nullptr, error);
+            const bool isSet = secret_item_set_secret_sync(target, value, cancellable(), error);
             secret_value_unref(value);
             return isSet;
         });
@@ -310,7 +400,8 @@ Answer setLabel(const QString& item, const QString& label)
 {
     return Worker::shared().ask([=] {
         return changeItem(item, [&](SecretItem* target, GError** error) {
-            return secret_item_set_label_sync(target, label.toUtf8().constData(), nullptr, error) != FALSE;
+            return secret_item_set_label_sync(target, label.toUtf8().constData(), cancellable(), error)
+                != FALSE;
         });
     });
 }
@@ -322,26 +413,19 @@ Answer remove(const Attributes& attributes)
 
 Answer lock()
 {
-    return Worker::shared().ask([] { return setLocked(true); });
+    return Worker::shared().ask([] { return setLocked(true, cancellable()); });
 }
 
 void unlockInBackground(std::function<void(bool isUnlocked)> finished)
 {
-    // Main thread only, so no lock.
-    static std::vector<std::function<void(bool)>> waiting;
-    waiting.push_back(std::move(finished));
-    if (waiting.size() > 1)
-        return;
-    // A thread apart from the worker: the prompt may stay open for hours, and look-ups go on meanwhile.
-    std::thread([] {
-        const bool isUnlocked = setLocked(false).status == Status::Done;
-        KRRunLoop::main().post([isUnlocked] {
-            std::vector<std::function<void(bool)>> told;
-            told.swap(waiting);
-            for (const auto& tell : told)
-                tell(isUnlocked);
-        });
-    }).detach();
+    Unlocking::shared().join(std::move(finished));
+}
+
+void stop()
+{
+    g_cancellable_cancel(cancellable());
+    Worker::shared().stop();
+    Unlocking::shared().stop();
 }
 
 } // namespace KRSecretService

@@ -53,5 +53,7 @@ Answer lock();
 /// the main thread when that has ended, with whether it is unlocked now. A request while one is under way
 /// joins it.
 void unlockInBackground(std::function<void(bool isUnlocked)> finished);
+/// Ends what is under way, prompts included, before the process ends. Nothing may be asked afterwards.
+void stop();
 
 } // namespace KRSecretService

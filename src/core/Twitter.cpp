@@ -122,7 +122,9 @@ void Twitter::reorderAccountFromIndex(qsizetype from, qsizetype to)
 
 void Twitter::markAllAsRead()
 {
-    for (const TwitterAccountPtr& account : std::as_const(m_accounts))
+    // A copy: whoever hears of it may change the list.
+    const QList<TwitterAccountPtr> accounts = m_accounts;
+    for (const TwitterAccountPtr& account : accounts)
         account->markAllAsRead();
 }
 

@@ -16,8 +16,9 @@ std::atomic<const KRClock*> s_sharedClock = nullptr;
 
 const KRClock& KRClock::system()
 {
-    static const SystemClock clock;
-    return clock;
+    // Never destroyed: other threads may still read the time while static objects are being destroyed.
+    static const auto* clock = new SystemClock;
+    return *clock;
 }
 
 const KRClock& KRClock::shared()

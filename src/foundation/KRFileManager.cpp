@@ -67,6 +67,12 @@ QString KRFileManager::multipartPOSTDataDirectory()
     return subCacheDirectory(QStringLiteral("com.kestrin.http-request.multipart-data"));
 }
 
+QString KRFileManager::applicationSupportFolder()
+{
+    return directoryForSearchPath(QStandardPaths::GenericDataLocation) + u'/'
+        + QFile::decodeName(::program_invocation_short_name);
+}
+
 QString KRFileManager::createDirectoryIfNonExistent(const QString& path)
 {
     if (::mkdir(QFile::encodeName(path).constData(), S_IRWXU) != 0 && errno != EEXIST)

@@ -24,6 +24,8 @@ public:
     static QString miscCacheDirectory();
     static QString pelinorProfileImageCacheDirectory();
     static QString multipartPOSTDataDirectory();
+    /// The user's folder for data of programs, joined with the process's name; not created.
+    static QString applicationSupportFolder();
 
     /// Makes one directory, readable by its owner only, where nothing exists at the path. Answers the path.
     static QString createDirectoryIfNonExistent(const QString& path);

@@ -10,16 +10,17 @@
 
 namespace {
 
+// Never destroyed, as other threads may still log while static objects are being destroyed.
 std::mutex& logLock()
 {
-    static std::mutex lock;
-    return lock;
+    static auto* lock = new std::mutex;
+    return *lock;
 }
 
 KRLogSink& logSink()
 {
-    static KRLogSink sink;
-    return sink;
+    static auto* sink = new KRLogSink;
+    return *sink;
 }
 
 } // namespace

@@ -17,6 +17,12 @@ constexpr bool isAllowed(char32_t character)
         || (character >= 0x10000 && character <= 0x10FFFF);
 }
 
+// Most of a page: characters that are allowed and begin nothing that must be looked at.
+constexpr bool isPlain(char byte)
+{
+    return byte >= 0x20 && byte < 0x7F && byte != '<' && byte != '&' && byte != ']';
+}
+
 // What a step reads: a character's value (forbidden for bytes that are none) and how many bytes it takes.
 struct Step {
     char32_t character;
@@ -107,10 +113,18 @@ std::optional<QByteArray> KRXMLByReplacingForbiddenCharacters(const QByteArray& 
     const bool isUTF8 = !declaresOtherEncoding(rest);
     const std::string_view replacement = isUTF8 ? replacementBytes : replacementReference;
 
+    const std::string_view text = rest;
     QByteArray repaired;
-    bool didReplace = false;
+    // How much of the text is in there already.
+    size_t done = 0;
+    size_t position = 0;
     bool isInSection = false;
-    while (!rest.empty()) {
+    while (position < text.size()) {
+        if (isPlain(text[position])) {
+            ++position;
+            continue;
+        }
+        rest = text.substr(position);
         if (!isInSection && startsWith(rest, sectionStart))
             isInSection = true;
         else if (isInSection && startsWith(rest, sectionEnd))
@@ -121,15 +135,15 @@ std::optional<QByteArray> KRXMLByReplacingForbiddenCharacters(const QByteArray& 
             step = stepReference(rest);
         if (step.length == 0)
             step = isUTF8 ? stepUTF8(rest) : Step { static_cast<unsigned char>(rest.front()), 1 };
-        if (isAllowed(step.character)) {
-            repaired.append(rest.data(), static_cast<qsizetype>(step.length));
-        } else {
+        if (!isAllowed(step.character)) {
+            repaired.append(text.data() + done, static_cast<qsizetype>(position - done));
             repaired.append(replacement.data(), static_cast<qsizetype>(replacement.size()));
-            didReplace = true;
+            done = position + step.length;
         }
-        rest.remove_prefix(step.length);
+        position += step.length;
     }
-    if (!didReplace)
+    if (done == 0)
         return std::nullopt;
+    repaired.append(text.data() + done, static_cast<qsizetype>(text.size() - done));
     return repaired;
 }

@@ -72,7 +72,7 @@ struct KRXMLParser::Hooks {
 
     __attribute__((format(printf, 2, 3))) static void warningOrError(void* context, const char* format, ...)
     {
-        std::array<char, 1024> message;
+        std::array<char, 1024> message {};
         std::va_list arguments;
         va_start(arguments, format);
         const int length = std::vsnprintf(message.data(), message.size(), format, arguments);

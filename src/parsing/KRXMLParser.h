@@ -66,7 +66,7 @@ private:
     // The handler serves as many open elements as its depth says.
     struct StackEntry {
         Handler callback;
-        size_t depth;
+        size_t depth = 1;
     };
 
     KRXMLParser() = default;

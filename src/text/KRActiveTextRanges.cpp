@@ -13,20 +13,30 @@
 // behind them, and neither part depends on what the other matched; so the part behind is matched first, once.
 namespace {
 
-constexpr std::u16string_view linkPattern = KRLinkRegex;
 constexpr std::u16string_view schemeEnd = u"://";
 constexpr std::u16string_view webPrefix = u"www.";
-constexpr std::u16string_view webPrefixPattern = u"(?:www\\.))";
+
+// Where the piece stands in the pattern, which must hold it. std::u16string_view::find() is no constant
+// expression for g++ under UndefinedBehaviorSanitizer.
+constexpr size_t offsetOf(std::u16string_view piece, std::u16string_view pattern)
+{
+    size_t offset = 0;
+    while (pattern.substr(offset, piece.size()) != piece)
+        ++offset;
+    return offset;
+}
 
 // What follows "://" or "www.".
+constexpr std::u16string_view endOfPrefixPattern = u"(?:www\\.))";
 constexpr std::u16string_view linkBodyPattern
-    = linkPattern.substr(linkPattern.find(webPrefixPattern) + webPrefixPattern.size());
+    = std::u16string_view(KRLinkRegex)
+          .substr(offsetOf(endOfPrefixPattern, KRLinkRegex) + endOfPrefixPattern.size());
 // Where a scheme or "www." may begin.
 constexpr std::u16string_view letterAtWordBoundaryPattern = u"\\b[A-Za-z]";
 
-constexpr std::u16string_view emailPattern = KREmailRegex;
 // What follows the local part, from the "@" on.
-constexpr std::u16string_view emailDomainPattern = emailPattern.substr(emailPattern.find(u'@'));
+constexpr std::u16string_view emailDomainPattern
+    = std::u16string_view(KREmailRegex).substr(offsetOf(u"@", KREmailRegex));
 
 constexpr bool isASCIILetterOrDigit(char16_t unit)
 {

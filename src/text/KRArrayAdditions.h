@@ -4,6 +4,7 @@
 #include <QList>
 
 #include <algorithm>
+#include <compare>
 #include <concepts>
 #include <functional>
 #include <type_traits>
@@ -24,7 +25,7 @@ template <class Element>
 concept PointsToComparable = requires(const Element& a, const Element& b)
 {
     {
-        a->compare(*b) < 0
+        std::is_lt(a->compare(*b))
         } -> std::convertible_to<bool>;
 };
 
@@ -101,7 +102,7 @@ template <class Element>
 {
     std::stable_sort(list.begin(), list.end(), [](const Element& a, const Element& b) {
         if constexpr (ArrayDetails::PointsToComparable<Element>)
-            return a->compare(*b) < 0;
+            return std::is_lt(a->compare(*b));
         else
             return a < b;
     });

@@ -166,12 +166,12 @@ QDateTime dateValueFromJSONTwitterDate(QStringView text)
 
 bool isAfter(const QDateTime& date, const QDateTime& other)
 {
-    return compareDates(date, other) > 0;
+    return std::is_gt(compareDates(date, other));
 }
 
 bool isBefore(const QDateTime& date, const QDateTime& other)
 {
-    return compareDates(date, other) < 0;
+    return std::is_lt(compareDates(date, other));
 }
 
 std::weak_ordering compareDates(const QDateTime& date, const QDateTime& other)

@@ -59,7 +59,7 @@ QString stringByUnescapingXMLEntities(const QString& text)
     if (!text.contains(u'&') || !text.contains(u';'))
         return text;
     QString unescaped = text;
-    unescaped.replace("&quot;"_L1, "\""_L1);
+    unescaped.replace("&quot;"_L1, R"(")"_L1);
     unescaped.replace("&amp;"_L1, "&"_L1);
     unescaped.replace("&apos;"_L1, "'"_L1);
     unescaped.replace("&lt;"_L1, "<"_L1);

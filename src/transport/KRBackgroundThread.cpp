@@ -16,8 +16,13 @@ std::atomic<KRBackgroundThread*> s_sharedThread = nullptr;
 KRBackgroundThread::KRBackgroundThread()
     : m_transfers(std::make_unique<KRTransferEngine>())
 {
-    m_runLoop.setWakeHook([this] { m_transfers->wakeUp(); });
+    // The thread itself looks for new work before each wait, so it need not be woken by its own.
+    m_runLoop.setWakeHook([this] {
+        if (!isCurrentThread())
+            m_transfers->wakeUp();
+    });
     m_thread = std::thread([this] { _run(); });
+    m_threadID = m_thread.get_id();
 }
 
 KRBackgroundThread::~KRBackgroundThread()
@@ -50,7 +55,7 @@ void KRBackgroundThread::stopShared()
 bool KRBackgroundThread::isCurrentThread()
 {
     const KRBackgroundThread* thread = s_sharedThread.load(std::memory_order_acquire);
-    return thread && thread->m_thread.get_id() == std::this_thread::get_id();
+    return thread && thread->m_threadID == std::this_thread::get_id();
 }
 
 void KRBackgroundThread::_run()
@@ -63,9 +68,14 @@ void KRBackgroundThread::_run()
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-    while (!m_stopping) {
+    for (;;) {
         m_runLoop.runPending();
-        m_transfers->runOnce(m_runLoop.timeUntilNextWork());
+        // What asked for the end has used up its wake-up: waiting once more would wait for the next event.
+        if (m_stopping)
+            break;
+        // How long to wait is asked after moving on, which may have brought work of its own.
+        if (!m_transfers->moveOn())
+            m_transfers->wait(m_runLoop.timeUntilNextWork());
     }
     m_transfers->cancelAll();
 }

@@ -35,6 +35,8 @@ private:
     std::unique_ptr<KRTransferEngine> m_transfers;
     bool m_stopping = false;
     std::thread m_thread;
+    // The thread's own, which forgets it when it is joined.
+    std::thread::id m_threadID;
 };
 
 /// Schedules the call on the shared background thread, after those scheduled before; does not wait.

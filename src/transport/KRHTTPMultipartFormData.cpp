@@ -29,6 +29,12 @@ KRHTTPMultipartFormData::KRHTTPMultipartFormData(const KRKeyedUnarchiver& coder)
             part.decodeString("Content-Type"_L1),
             part.decodeString("filename"_L1) });
     }
+    // The length is not archived: the file knows it. One that has gone meanwhile, with the caches or after an
+    // attempt to send it, is built again.
+    if (QFile::exists(m_dataFile))
+        m_dataLength = QFile(m_dataFile).size();
+    else
+        m_dataFile = QString();
 }
 
 void KRHTTPMultipartFormData::encodeWithCoder(KRKeyedArchiver& coder) const

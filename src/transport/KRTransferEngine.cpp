@@ -45,15 +45,17 @@ void KRTransferEngine::start(CURL* handle, std::shared_ptr<KRTransfer> transfer)
     curl_multi_add_handle(m_multi, handle);
 }
 
-void KRTransferEngine::runOnce(std::optional<KRRunLoop::Duration> wait)
+bool KRTransferEngine::moveOn()
 {
     int running = 0;
     curl_multi_perform(m_multi, &running);
-    // What just ended has usually posted something: the loop looks before anybody waits.
-    if (_tellEnded())
-        return;
+    return _tellEnded();
+}
+
+void KRTransferEngine::wait(std::optional<KRRunLoop::Duration> limit)
+{
     const int milliseconds
-        = wait ? static_cast<int>(std::min<qint64>(wait->count(), longestWait)) : longestWait;
+        = limit ? static_cast<int>(std::min<qint64>(limit->count(), longestWait)) : longestWait;
     curl_multi_poll(m_multi, nullptr, 0, milliseconds, nullptr);
 }
 

@@ -36,9 +36,11 @@ public:
     /// Starts a handle; the engine keeps the transfer until it has ended.
     void start(CURL* handle, std::shared_ptr<KRTransfer> transfer);
 
-    /// Moves every transfer on, tells those that ended, and waits for the next event, at most the given time
-    /// (without one, until there is an event or a wake-up).
-    void runOnce(std::optional<KRRunLoop::Duration> wait);
+    /// Moves every transfer on and tells those that ended. Answers whether any did: that has usually brought
+    /// new work, so the caller looks before it waits.
+    bool moveOn();
+    /// Waits for the next event, at most the given time (without one, until there is an event or a wake-up).
+    void wait(std::optional<KRRunLoop::Duration> limit);
     /// Ends a wait that is under way, or the next one. Any thread.
     void wakeUp();
     /// Drops all transfers without telling them.

@@ -107,6 +107,8 @@ TEST(KRFileManager, MakesPrivateDirectoriesInTheRightPlaces)
         EXPECT_TRUE(path.startsWith(KRFileManager::documentsDirectory() + u"/com.kestrin.pelinor."_s));
         EXPECT_TRUE(QDir(path).exists());
     }
+    EXPECT_EQ(KRFileManager::applicationSupportFolder(),
+        qEnvironmentVariable("XDG_DATA_HOME") + u"/pelinor_foundation_tests"_s);
     EXPECT_FALSE(
         QFile::permissions(KRFileManager::miscCacheDirectory()) & (QFile::ReadGroup | QFile::ReadOther));
 

@@ -5,6 +5,7 @@
 #include <QStringList>
 
 #include <mutex>
+#include <vector>
 
 /// Collects the log's lines for as long as it lives.
 class KRTestLog {
@@ -13,7 +14,7 @@ public:
     {
         KRSetLogSink([this](const QString& line) {
             std::scoped_lock guard(m_lock);
-            m_lines.append(line);
+            m_lines.push_back(line);
         });
     }
     KRTestLog(const KRTestLog&) = delete;
@@ -23,11 +24,12 @@ public:
     QStringList lines() const
     {
         std::scoped_lock guard(m_lock);
-        return m_lines;
+        return { m_lines.begin(), m_lines.end() };
     }
     bool contains(const QString& text) const { return !lines().filter(text).isEmpty(); }
 
 private:
     mutable std::mutex m_lock;
-    QStringList m_lines;
+    // Not a list that callers could come to share: one thread would let go of it while another appends.
+    std::vector<QString> m_lines;
 };

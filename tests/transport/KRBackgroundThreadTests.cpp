@@ -5,8 +5,25 @@
 #include <gtest/gtest.h>
 #include <set>
 
+namespace {
+
+/// The thread, idle by then, ends when it is told to and not at its next event.
+class StopsAtTheEnd : public testing::Environment {
+    void TearDown() override
+    {
+        const auto start = std::chrono::steady_clock::now();
+        KRBackgroundThread::stopShared();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+    }
+};
+
+const auto* stopsAtTheEnd = testing::AddGlobalTestEnvironment(new StopsAtTheEnd);
+
+} // namespace
+
 TEST(KRBackgroundThread, IsOneForEverybodyAndRunsCallsInOrder)
 {
+    ASSERT_TRUE(stopsAtTheEnd);
     std::mutex lock;
     std::set<const KRBackgroundThread*> seen;
     std::vector<std::thread> threads;

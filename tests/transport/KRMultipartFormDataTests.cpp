@@ -107,7 +107,18 @@ TEST(KRHTTPMultipartFormData, SurvivesArchivingWithinItsRequest)
     EXPECT_EQ(restored->url(), request->url());
     EXPECT_EQ(restored->method(), u"POST"_s);
     EXPECT_EQ(restored->maxRetries(), 2);
+    const auto length = [](const KRHTTPRequest& one) {
+        return one.headers().objectsForKey(u"Content-Length"_s)->value(0).toLongLong();
+    };
     ASSERT_TRUE(restored->bodyStream());
-    EXPECT_TRUE(readAll(*restored->bodyStream()).contains("later"));
+    const QByteArray body = readAll(*restored->bodyStream());
+    EXPECT_TRUE(body.contains("later"));
+    EXPECT_EQ(length(*restored), body.size());
+
+    // An attempt that failed in the run before has deleted the file.
     form->cleanup();
+    const auto rebuilt = KRHTTPRequest::requestWithCoder(*coder.value().decodeObject("request"_L1));
+    EXPECT_EQ(readAll(*rebuilt->bodyStream()), body);
+    EXPECT_EQ(length(*rebuilt), body.size());
+    rebuilt->multipartFormData()->cleanup();
 }

@@ -58,7 +58,7 @@ TwitterUserPtr TwitterUniquingTables::definitiveUser(const TwitterUserPtr& user)
         KRLog(u"nil user"_s);
         return nullptr;
     }
-    const TwitterUserPtr record = _recordOf(*user);
+    TwitterUserPtr record = _recordOf(*user);
     if (record == user)
         return user;
     if (!record) {
@@ -75,9 +75,9 @@ TwitterUserPtr TwitterUniquingTables::definitiveUser(const TwitterUserPtr& user)
 
 TwitterUserPtr TwitterUniquingTables::_recordOf(const TwitterUser& user) const
 {
-    if (const TwitterUserPtr record = cachedUserWithID(user.userID()))
+    if (TwitterUserPtr record = cachedUserWithID(user.userID()))
         return record;
-    const TwitterUserPtr record = cachedUserWithUsername(user.username());
+    TwitterUserPtr record = cachedUserWithUsername(user.username());
     if (!record || user.userID().isNull() || record->userID().isNull() || haveSameName(*record, user))
         return record;
     // A former name of somebody else.

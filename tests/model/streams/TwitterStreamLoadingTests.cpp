@@ -1,5 +1,4 @@
 #include "KRTestStreamAccount.h"
-
 #include "foundation/KRMainThreadObject.h"
 #include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterDummyStatus.h"
@@ -8,6 +7,7 @@
 #include "transport/KRBackgroundThread.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +19,21 @@ QByteArray page(int first, int last)
     for (int id = last; id >= first; --id)
         elements.append(KRTestSite::status(id, "you", "text"));
     return KRTestSite::statuses(elements);
+}
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// Sanitizers keep shadows of the memory, and freed memory for a while.
+constexpr qint64 memoryAllowed = 4LL * 1024 * 1024 * 1024;
+#else
+constexpr qint64 memoryAllowed = 400LL * 1024 * 1024;
+#endif
+
+/// Bytes of memory that the process has ever held at once.
+qint64 residentPeak()
+{
+    rusage usage {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss * 1024LL;
 }
 
 class StreamLoading : public testing::Test {
@@ -75,7 +90,10 @@ TEST_F(StreamLoading, AsksForWhatIsNewerAndOlder)
     const auto favorites = makeStream<TwitterUserFavoritesStream>();
     favorites->setUser(user);
     for (const std::shared_ptr<TwitterConcreteStatusesStream>& stream :
-        QList<std::shared_ptr<TwitterConcreteStatusesStream>> { timeline, replies, userTimeline, favorites }) {
+        QList<std::shared_ptr<TwitterConcreteStatusesStream>> { timeline,
+            replies,
+            userTimeline,
+            favorites }) {
         ASSERT_TRUE(waitForNewer(*stream));
         EXPECT_EQ(stream->storedStatuses().size(), 20);
         ASSERT_TRUE(waitForNewer(*stream));
@@ -146,14 +164,16 @@ TEST_F(StreamLoading, AFailedNewerLoadIsReportedAndTheNextOneWorks)
 {
     std::mutex lock;
     QList<KRError> errors;
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
-        [&](const TwitterStreamErrorNotification& notification) {
-            std::scoped_lock guard(lock);
-            errors.append(notification.error);
-        });
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+            [&](const TwitterStreamErrorNotification& notification) {
+                std::scoped_lock guard(lock);
+                errors.append(notification.error);
+            });
     const auto stream = makeStream<TwitterTimelineStream>();
-    for (const QByteArray& bad :
-        { QByteArray(), QByteArray("<statuses><status>"), QByteArray("<!DOCTYPE html><html><body><p>Hi</body></html>") }) {
+    for (const QByteArray& bad : { QByteArray(),
+             QByteArray("<statuses><status>"),
+             QByteArray("<!DOCTYPE html><html><body><p>Hi</body></html>") }) {
         m_site.answer("/statuses/home_timeline.xml", bad);
         ASSERT_TRUE(waitForNewer(*stream));
     }
@@ -167,6 +187,65 @@ TEST_F(StreamLoading, AFailedNewerLoadIsReportedAndTheNextOneWorks)
     m_site.answer("/statuses/home_timeline.xml", page(1, 2));
     ASSERT_TRUE(waitForNewer(*stream));
     EXPECT_EQ(stream->storedStatuses().size(), 2);
+}
+
+TEST_F(StreamLoading, HostilePagesAreOneErrorEachAndBoundInMemory)
+{
+    QByteArray bomb = "<!DOCTYPE statuses [<!ENTITY e0 'lol'>";
+    for (int i = 1; i < 12; ++i) {
+        const QByteArray reference = "&e" + QByteArray::number(i - 1) + ";";
+        bomb += "<!ENTITY e" + QByteArray::number(i) + " '" + reference.repeated(10) + "'>";
+    }
+    bomb += "]>" + KRTestSite::statuses({ KRTestSite::status(1, "you", "&e11;") }).mid(38);
+    struct Case {
+        const char* name;
+        QByteArray body;
+        int status;
+        const char* text;
+    };
+    const Case cases[] = {
+        { "50 MB of text",
+            "<statuses><status><text>" + QByteArray(50'000'000, 'x') + "</text></status></statuses>",
+            200,
+            "too long" },
+        { "100,000 nested elements", "<statuses>" + QByteArray("<status>").repeated(100'000), 200, "depth" },
+        { "an entity bomb", bomb, 200, "e11" },
+        { "50 MB of an error's text",
+            "<hash><error>" + QByteArray(50'000'000, 'x') + "</error></hash>",
+            500,
+            "Internal server error" },
+        { "an empty error", {}, 500, "Internal server error" },
+        { "a web page as an error",
+            "<html><body>" + QByteArray("<p>Sorry</p>").repeated(10'000),
+            502,
+            "the server answered with a web page" },
+    };
+    std::mutex lock;
+    QStringList errors;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+            [&](const TwitterStreamErrorNotification& notification) {
+                std::scoped_lock guard(lock);
+                errors.append(notification.error.description);
+            });
+    const auto stream = makeStream<TwitterTimelineStream>();
+    const qint64 memoryBefore = residentPeak();
+    for (const Case& test : cases) {
+        SCOPED_TRACE(test.name);
+        m_site.answer("/statuses/home_timeline.xml", test.body, test.status);
+        errors.clear();
+        ASSERT_TRUE(waitForNewer(*stream));
+        ASSERT_EQ(errors.size(), 1);
+        EXPECT_TRUE(errors.first().contains(QLatin1String(test.text))) << errors.first().toStdString();
+        EXPECT_LE(errors.first().size(), 5000);
+        EXPECT_TRUE(stream->storedStatuses().isEmpty());
+        m_site.answer("/statuses/home_timeline.xml", page(1, 2));
+        const auto next = makeStream<TwitterTimelineStream>();
+        ASSERT_TRUE(waitForNewer(*next));
+        EXPECT_EQ(next->storedStatuses().size(), 2);
+    }
+    // The page itself is held a few times over, here and in the server; what it stands for is not.
+    EXPECT_LE(residentPeak() - memoryBefore, memoryAllowed);
 }
 
 TEST_F(StreamLoading, OutlivesNobodyNeededAnyMore)

@@ -1,0 +1,60 @@
+#include "app/PelinorApplicationDelegate.h"
+#include "app/PelinorLaunchOptions.h"
+#include "core/KRSecretService.h"
+#include "foundation/KRUserDefaults.h"
+#include "platform/KRQtRunLoopDriver.h"
+#include "transport/KRBackgroundThread.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+namespace {
+
+int complain(const QString& text)
+{
+    std::fprintf(stderr, "pelinor: %s\n", text.toLocal8Bit().constData());
+    return 1;
+}
+
+int run(const PelinorLaunchOptions& options)
+{
+    const KRResult<TwitterServiceHosts> hosts = options.prepareServices();
+    if (hosts.isError())
+        return complain(hosts.error().description);
+    KRQtRunLoopDriver driver;
+    KRUserDefaults& defaults = KRUserDefaults::standardUserDefaults();
+    Twitter::setSharedEnvironment({ &defaults, hosts.value(), true });
+    Twitter& twitter = Twitter::sharedTwitter();
+    const TwitterAccountPtr account = options.chooseAccount(twitter);
+    if (!account)
+        return complain(
+            QStringLiteral("there is no such account; sign in with --account NAME --password-stdin"));
+
+    PelinorApplicationDelegate delegate(twitter, defaults);
+    delegate.openMainWindow(account);
+    if (!options.screenshotFile.isEmpty()) {
+        delegate.takeScreenshot(options.screenshotFile, [&options](bool isFilled) {
+            if (options.quitsAfterScreenshot)
+                QCoreApplication::exit(isFilled ? 0 : 1);
+        });
+    }
+    const int exitCode = QApplication::exec();
+    delegate.applicationWillTerminate();
+    KRSecretService::stop();
+    KRBackgroundThread::stopShared();
+    KRRunLoop::main().runPending();
+    return exitCode;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("pelinor"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Pelinor"));
+    QApplication::setApplicationVersion(QStringLiteral("1.2.6"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("com.kestrin.Pelinor"));
+    return run(PelinorLaunchOptions::parse(QApplication::arguments()));
+}
