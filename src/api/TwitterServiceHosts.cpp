@@ -44,19 +44,34 @@ KRResult<TwitterServiceHosts> TwitterServiceHosts::hostsWithDefaults(const KRUse
 
 KRResult<QUrl> TwitterServiceHosts::RESTURLForPath(const QString& path) const
 {
-    QString host = RESTHost();
+    return _URLForPath(path, RESTHostKey, "https"_L1);
+}
+
+KRResult<QUrl> TwitterServiceHosts::searchURLForPath(const QString& path) const
+{
+    const bool isSecure = searchHost().startsWith("https://"_L1, Qt::CaseInsensitive);
+    return _URLForPath(path, searchHostKey, isSecure ? "https"_L1 : "http"_L1);
+}
+
+// The host may be written with this scheme, and with no other.
+KRResult<QUrl>
+TwitterServiceHosts::_URLForPath(const QString& path, const char* key, QLatin1String scheme) const
+{
+    const QString value = valueForKey(QLatin1String(key));
+    QString host = value;
     if (host.isEmpty()) {
-        return serviceError(u"No service is set up: %1 has no value in %2"_s.arg(QLatin1String(RESTHostKey),
-            QLatin1String(group)));
+        return serviceError(
+            u"No service is set up: %1 has no value in %2"_s.arg(QLatin1String(key), QLatin1String(group)));
     }
-    if (host.startsWith("https://"_L1, Qt::CaseInsensitive))
-        host.remove(0, 8);
+    const QString prefix = scheme + "://"_L1;
+    if (host.startsWith(prefix, Qt::CaseInsensitive))
+        host.remove(0, prefix.size());
     while (host.endsWith(u'/'))
         host.chop(1);
-    const QUrl base(u"https://"_s + host, QUrl::StrictMode);
+    const QUrl base(prefix + host, QUrl::StrictMode);
     // Another scheme in front ends up as a host without a port number, and so is refused here too.
     if (!base.isValid() || base.host().isEmpty() || host.contains("://"_L1) || !base.userInfo().isEmpty()
         || base.hasQuery() || base.hasFragment())
-        return serviceError(u"%1 is no host of a service"_s.arg(RESTHost()));
-    return QUrl(u"https://%1/"_s.arg(host) + path, QUrl::TolerantMode);
+        return serviceError(u"%1 is no host of a service"_s.arg(value));
+    return QUrl(u"%1%2/"_s.arg(prefix, host) + path, QUrl::TolerantMode);
 }

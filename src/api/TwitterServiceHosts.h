@@ -43,7 +43,12 @@ public:
     /// The address of a path of the XML interface, which may carry a query and is not encoded again. Always
     /// https; an error, for the user to read, when no host is set or what is set is none.
     KRResult<QUrl> RESTURLForPath(const QString& path) const;
+    /// The same for the search interface: https when the host is written with that scheme, else http, as the
+    /// interface is public.
+    KRResult<QUrl> searchURLForPath(const QString& path) const;
 
 private:
+    KRResult<QUrl> _URLForPath(const QString& path, const char* key, QLatin1String scheme) const;
+
     QHash<QString, QString> m_values;
 };

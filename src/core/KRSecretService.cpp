@@ -1,4 +1,5 @@
-// Items by their path on the bus are behind this macro; the functions have not changed since libsecret's first release.
+// Items by their path on the bus are behind this macro; the functions have not changed since libsecret's
+// first release.
 #define SECRET_API_SUBJECT_TO_CHANGE 1
 // libsecret's headers use "signals" as a name, so they come before Qt's.
 #include "core/KRSecretService.h"
@@ -55,6 +56,8 @@ GAttributes makeAttributes(const Attributes& attributes)
 
 Answer failure(const GErrorHolder& holder)
 {
+    // libsecret goes on asking the daemon it once met, by an address that a restarted one does not have.
+    secret_service_disconnect();
     const GError* error = holder.error;
     const QString text = error ? QString::fromUtf8(error->message) : QString();
     if (error && error->domain == SECRET_ERROR && error->code == SECRET_ERROR_IS_LOCKED)
@@ -66,7 +69,8 @@ Answer failure(const GErrorHolder& holder)
 
 GRef<SecretService> service(GErrorHolder& error)
 {
-    return GRef<SecretService>(secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable(), &error.error));
+    return GRef<SecretService>(
+        secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable(), &error.error));
 }
 
 GRef<SecretCollection> defaultKeyring(SecretService* secrets, GErrorHolder& error)
@@ -190,8 +194,20 @@ Answer removeNow(const Attributes& attributes)
     return { isRemoved ? Status::Done : Status::NotFound, {}, {}, {} };
 }
 
+Answer askWhetherOpen()
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
+    if (!keyring)
+        return failure(error);
+    return { secret_collection_get_locked(keyring.get()) ? Status::Locked : Status::Done, {}, {}, {} };
+}
+
 /// Locks or unlocks the default keyring; unlocking waits for the user.
-Answer setLocked(bool isLocked)
+Answer setLocked(bool isLocked, GCancellable* cancellable)
 {
     GErrorHolder error;
     const GRef<SecretService> secrets = service(error);
@@ -202,8 +218,8 @@ Answer setLocked(bool isLocked)
         return failure(error);
     GList* objects = g_list_append(nullptr, keyring.get());
     const gint count = isLocked
-        ? secret_service_lock_sync(secrets.get(), objects, cancellable(), nullptr, &error.error)
-        : secret_service_unlock_sync(secrets.get(), objects, cancellable(), nullptr, &error.error);
+        ? secret_service_lock_sync(secrets.get(), objects, cancellable, nullptr, &error.error)
+        : secret_service_unlock_sync(secrets.get(), objects, cancellable, nullptr, &error.error);
     g_list_free(objects);
     return count > 0 ? Answer { Status::Done, {}, {}, {} } : failure(error);
 }
@@ -231,11 +247,10 @@ public:
         const auto pending = std::make_shared<Pending>();
         _append([this, pending, call = std::move(call)] {
             Answer answer = call();
-            if (answer.status == Status::Failed) {
-                // A daemon that was restarted does not know the session any more.
-                secret_service_disconnect();
+            const bool mayHaveBeenRestarted
+                = answer.status == Status::Failed || answer.status == Status::Unavailable;
+            if (mayHaveBeenRestarted && !m_isStuck)
                 answer = call();
-            }
             m_isStuck = false;
             std::scoped_lock guard(pending->lock);
             pending->answer = std::move(answer);
@@ -290,19 +305,64 @@ private:
     std::thread m_thread;
 };
 
-/// Who waits for the keyring to be unlocked. Main thread.
-std::vector<std::function<void(bool)>>& unlockWaiters()
-{
-    static std::vector<std::function<void(bool)>> waiters;
-    return waiters;
-}
+/// One prompt at a time, and who waits for its end. Main thread; the prompt itself is waited for on a thread
+/// apart from the worker, since it may stay open for hours while look-ups go on.
+class Unlocking {
+public:
+    static Unlocking& shared()
+    {
+        static auto* unlocking = new Unlocking;
+        return *unlocking;
+    }
 
-/// What waits for the user's answer to a prompt. Main thread.
-std::thread& unlockThread()
-{
-    static std::thread thread;
-    return thread;
-}
+    void join(std::function<void(bool isUnlocked)> finished)
+    {
+        m_waiting.push_back(std::move(finished));
+        if (m_waiting.size() == 1)
+            _ask();
+        else if (Worker::shared().ask(askWhetherOpen).status == Status::Done)
+            // Opened in another way, while a prompt that nobody answers is still up.
+            _end(true);
+    }
+
+    void stop()
+    {
+        if (m_prompt)
+            g_cancellable_cancel(m_prompt);
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+private:
+    void _ask()
+    {
+        stop();
+        m_prompt = g_cancellable_new();
+        m_thread = std::thread([this, prompt = m_prompt] {
+            const bool isUnlocked = setLocked(false, prompt).status == Status::Done;
+            KRRunLoop::main().post([this, prompt, isUnlocked] {
+                if (prompt == m_prompt)
+                    _end(isUnlocked);
+                g_object_unref(prompt);
+            });
+        });
+    }
+
+    void _end(bool isUnlocked)
+    {
+        g_cancellable_cancel(m_prompt);
+        m_prompt = nullptr;
+        std::vector<std::function<void(bool)>> told;
+        told.swap(m_waiting);
+        for (const auto& tell : told)
+            tell(isUnlocked);
+    }
+
+    std::vector<std::function<void(bool)>> m_waiting;
+    // Released by the call that ends its thread's work.
+    GCancellable* m_prompt = nullptr;
+    std::thread m_thread;
+};
 
 } // namespace
 
@@ -340,7 +400,8 @@ Answer setLabel(const QString& item, const QString& label)
 {
     return Worker::shared().ask([=] {
         return changeItem(item, [&](SecretItem* target, GError** error) {
-            return secret_item_set_label_sync(target, label.toUtf8().constData(), cancellable(), error) != FALSE;
+            return secret_item_set_label_sync(target, label.toUtf8().constData(), cancellable(), error)
+                != FALSE;
         });
     });
 }
@@ -352,35 +413,19 @@ Answer remove(const Attributes& attributes)
 
 Answer lock()
 {
-    return Worker::shared().ask([] { return setLocked(true); });
+    return Worker::shared().ask([] { return setLocked(true, cancellable()); });
 }
 
 void unlockInBackground(std::function<void(bool isUnlocked)> finished)
 {
-    std::vector<std::function<void(bool)>>& waiting = unlockWaiters();
-    waiting.push_back(std::move(finished));
-    if (waiting.size() > 1)
-        return;
-    // A thread apart from the worker: the prompt may stay open for hours, and look-ups go on meanwhile.
-    if (unlockThread().joinable())
-        unlockThread().join();
-    unlockThread() = std::thread([] {
-        const bool isUnlocked = setLocked(false).status == Status::Done;
-        KRRunLoop::main().post([isUnlocked] {
-            std::vector<std::function<void(bool)>> told;
-            told.swap(unlockWaiters());
-            for (const auto& tell : told)
-                tell(isUnlocked);
-        });
-    });
+    Unlocking::shared().join(std::move(finished));
 }
 
 void stop()
 {
     g_cancellable_cancel(cancellable());
     Worker::shared().stop();
-    if (unlockThread().joinable())
-        unlockThread().join();
+    Unlocking::shared().stop();
 }
 
 } // namespace KRSecretService

@@ -1,5 +1,6 @@
 #include "core/Twitter.h"
 
+#include "api/TwitterSearchAPI.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
@@ -39,13 +40,16 @@ Twitter::Twitter(TwitterEnvironment environment)
         = loop.scheduleTimer(firstHeartbeatDelay, KRRunLoop::Repeats::No, [this] { heartbeat(); });
 }
 
-Twitter::~Twitter() = default;
+Twitter::~Twitter()
+{
+    dissociateWeakProxy(this);
+}
 
 Twitter& Twitter::sharedTwitter()
 {
     // Never released: whatever still runs when the process ends may ask for a record.
-    static auto* shared = new Twitter(sharedEnvironment());
-    return *shared;
+    static auto* shared = new std::shared_ptr<Twitter>(std::make_shared<Twitter>(sharedEnvironment()));
+    return **shared;
 }
 
 void Twitter::setSharedEnvironment(TwitterEnvironment environment)
@@ -216,4 +220,31 @@ TwitterUserList Twitter::cachedUsers() const
 TwitterUserList Twitter::usersStartingWith(const QString& prefix) const
 {
     return m_tables->usersStartingWith(prefix);
+}
+
+QStringList Twitter::trends()
+{
+    if (!m_trends)
+        updateTrends();
+    return m_trends.value_or(QStringList());
+}
+
+void Twitter::updateTrends()
+{
+    if (m_loadingTrends)
+        return;
+    m_loadingTrends = true;
+    // Weak: the root object does not outlive its owner for the sake of trends.
+    TwitterSearchAPI::request(*m_environment.hosts,
+        Callback(weakMainThreadProxy(shared_from_this()), &Twitter::trendsResponse))
+        ->trends();
+}
+
+void Twitter::trendsResponse(const KRResult<QStringList>& response)
+{
+    m_loadingTrends = false;
+    if (response.isError())
+        return;
+    m_trends = response.value();
+    KRNotificationCenter::defaultCenter().post(TwitterTrendsDidUpdateNotification { this });
 }

@@ -6,6 +6,7 @@
 #include <QList>
 
 class KRUserDefaults;
+class Twitter;
 
 /// After every heartbeat's refresh.
 struct TwitterHeartbeatNotification {
@@ -14,6 +15,12 @@ struct TwitterHeartbeatNotification {
 /// After every save of the account list.
 struct TwitterAccountsDidChangeNotification {
     static constexpr char name[] = "TwitterAccountsDidChangeNotification";
+};
+
+/// New trends are there.
+struct TwitterTrendsDidUpdateNotification {
+    static constexpr char name[] = "TwitterTrendsDidUpdateNotification";
+    const Twitter* object;
 };
 
 /// What the root object works with.
@@ -25,7 +32,8 @@ struct TwitterEnvironment {
     bool runsHeartbeat = true;
 };
 
-/// The root of the model: the accounts, the one record of each thing, and the heartbeat. Main thread only.
+/// The root of the model: the accounts, the one record of each thing, the heartbeat and the trends. Main
+/// thread only; owned by a std::shared_ptr.
 class Twitter : public std::enable_shared_from_this<Twitter> {
 public:
     static constexpr KRClock::Duration heartbeatInterval = std::chrono::seconds(360);
@@ -77,16 +85,25 @@ public:
     [[nodiscard]] TwitterUserList cachedUsers() const;
     [[nodiscard]] TwitterUserList usersStartingWith(const QString& prefix) const;
 
+    /// What many write about, as last loaded. While nothing was, each call starts loading.
+    QStringList trends();
+    /// Starts loading, unless that is under way. TwitterTrendsDidUpdateNotification tells of new trends; a
+    /// failure leaves the old ones.
+    void updateTrends();
+
     /// What accounts are made with.
     [[nodiscard]] TwitterAccountContext accountContext() const;
 
 private:
     void _loadAccounts();
     void _saveAccounts();
+    void trendsResponse(const KRResult<QStringList>& response);
 
     TwitterEnvironment m_environment;
     std::shared_ptr<TwitterUniquingTables> m_tables;
     QList<TwitterAccountPtr> m_accounts;
+    std::optional<QStringList> m_trends;
+    bool m_loadingTrends = false;
     KRTimer m_heartbeatTimer;
     KRTimer m_firstHeartbeat;
 };

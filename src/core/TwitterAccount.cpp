@@ -10,6 +10,7 @@
 #include "text/KRStringAdditions.h"
 #include "text/TwitterAdditions.h"
 
+#include <algorithm>
 #include <typeinfo>
 
 using namespace Qt::StringLiterals;
@@ -32,10 +33,9 @@ QDateTime dateOf(const TwitterStatusPtr& status)
 }
 
 /// Nothing is fresh without a mark to compare with.
-bool isFresh(const QDateTime& mark, const TwitterStatusPtr& newest)
+bool isFresh(const QDateTime& mark, const QDateTime& newest)
 {
-    const QDateTime date = dateOf(newest);
-    return mark.isValid() && date.isValid() && KRAdditions::isBefore(mark, date);
+    return mark.isValid() && newest.isValid() && KRAdditions::isBefore(mark, newest);
 }
 
 bool isSameName(const TwitterUserPtr& user, const QString& username)
@@ -78,6 +78,9 @@ TwitterAccountPtr TwitterAccount::accountWithCoder(const KRKeyedUnarchiver& code
     account->m_freshMentions = dateOr(coder.decodeDate("freshMentions"_L1), account->m_freshMentions);
     account->m_freshMessages = dateOr(coder.decodeDate("freshMessages"_L1), account->m_freshMessages);
     account->m_freshSearches = dateOr(coder.decodeDate("freshSearches"_L1), account->m_freshSearches);
+    const TwitterAccountContext& shared = account->m_context;
+    for (const KRKeyedUnarchiver& search : coder.decodeObjects("savedSearches"_L1))
+        account->addSavedSearch(TwitterSearch::searchWithCoder(search, shared.tables, shared.hosts));
     const auto options = static_cast<quint32>(coder.decodeInteger("notificationOptions"_L1).value_or(0));
     account->m_notificationOptions = options ? options : TwitterAccountDefaultNotificationOptions;
     account->_loadPassword();
@@ -95,6 +98,7 @@ void TwitterAccount::encodeWithCoder(KRKeyedArchiver& coder) const
     coder.encodeDate("freshMentions"_L1, m_freshMentions);
     coder.encodeDate("freshMessages"_L1, m_freshMessages);
     coder.encodeDate("freshSearches"_L1, m_freshSearches);
+    coder.encodeObjects("savedSearches"_L1, m_savedSearches);
     coder.encodeInteger("notificationOptions"_L1, m_notificationOptions);
 }
 
@@ -175,10 +179,72 @@ const std::shared_ptr<TwitterRepliesStream>& TwitterAccount::repliesStream()
     return m_repliesStream;
 }
 
+const std::shared_ptr<TwitterDirectMessagesConversationManager>& TwitterAccount::directMessagesManager()
+{
+    if (!m_directMessagesManager) {
+        m_directMessagesManager
+            = KRMakeMainThreadObject<TwitterDirectMessagesConversationManager>(m_context.tables,
+                shared_from_this());
+        m_messagesObservation = KRNotificationCenter::defaultCenter()
+                                    .observe<TwitterDirectMessageConversationManagerDidUpdateNotification>(
+                                        [this](const auto&) { somethingDidUpdate(); },
+                                        m_directMessagesManager.get());
+    }
+    return m_directMessagesManager;
+}
+
 void TwitterAccount::refresh()
 {
     timelineStream()->loadNewer();
     repliesStream()->loadNewer();
+    directMessagesManager()->refresh();
+    KRClock::Duration delay = firstSearchDelay;
+    for (const TwitterSearchPtr& search : std::as_const(m_savedSearches)) {
+        KRRunLoop::main().performAfterDelay(delay, [stream = search->stream()] { stream->loadNewer(); });
+        delay += searchStep;
+    }
+}
+
+// --- Saved searches
+
+bool TwitterAccount::containsSavedSearch(const TwitterSearch& search) const
+{
+    return std::any_of(m_savedSearches.begin(),
+        m_savedSearches.end(),
+        [&search](const TwitterSearchPtr& one) { return one->isEqual(search); });
+}
+
+void TwitterAccount::addSavedSearch(const TwitterSearchPtr& search)
+{
+    if (containsSavedSearch(*search))
+        return;
+    if (search->hasStream()) {
+        const TwitterSearchStream* stream = search->stream().get();
+        m_searchObservations[stream]
+            = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+                [this](const auto&) { somethingDidUpdate(); },
+                stream);
+    } else {
+        KRLog(u"Error: saving search with no stream attached"_s);
+    }
+    m_savedSearches.append(search);
+}
+
+void TwitterAccount::removeSavedSearch(const TwitterSearchPtr& search)
+{
+    // Kept: the argument may be an element of the list.
+    const TwitterSearchPtr removed = search;
+    if (!containsSavedSearch(*removed))
+        return;
+    if (!removed->hasStream())
+        KRLog(u"Error: remove saved search with no stream attached"_s);
+    m_savedSearches.removeIf([this, &removed](const TwitterSearchPtr& one) {
+        const bool isRemoved = one->isEqual(*removed);
+        // The one in the list is observed, which need not be the one that was given.
+        if (isRemoved && one->hasStream())
+            m_searchObservations.erase(one->stream().get());
+        return isRemoved;
+    });
 }
 
 // --- What is unread
@@ -205,32 +271,63 @@ void TwitterAccount::noteFreshMentions()
     _postDidUpdate();
 }
 
+void TwitterAccount::noteFreshMessages()
+{
+    m_freshMessages
+        = m_directMessagesManager ? m_directMessagesManager->newestMessageDateNotFromMe() : QDateTime();
+    _postDidUpdate();
+}
+
+void TwitterAccount::noteFreshSearches()
+{
+    _postDidUpdate();
+}
+
 void TwitterAccount::markAllAsRead()
 {
     noteFreshTweets();
     noteFreshMentions();
+    noteFreshMessages();
+    for (const TwitterSearchPtr& search : std::as_const(m_savedSearches))
+        search->stream()->noteFreshStatuses();
+    noteFreshSearches();
 }
 
 bool TwitterAccount::hasFreshTweets() const
 {
-    return m_timelineStream && isFresh(m_freshTweets, m_timelineStream->newestStatusThatIsNotMine());
+    return m_timelineStream && isFresh(m_freshTweets, dateOf(m_timelineStream->newestStatusThatIsNotMine()));
 }
 
 bool TwitterAccount::hasFreshMentions() const
 {
-    return m_repliesStream && isFresh(m_freshMentions, m_repliesStream->newestStatusThatIsNotMine());
+    return m_repliesStream && isFresh(m_freshMentions, dateOf(m_repliesStream->newestStatusThatIsNotMine()));
+}
+
+bool TwitterAccount::hasFreshMessages() const
+{
+    return m_directMessagesManager
+        && isFresh(m_freshMessages, m_directMessagesManager->newestMessageDateNotFromMe());
+}
+
+bool TwitterAccount::hasFreshSearches() const
+{
+    return std::any_of(m_savedSearches.begin(), m_savedSearches.end(), [](const TwitterSearchPtr& search) {
+        return search->stream()->hasFreshStatuses();
+    });
 }
 
 bool TwitterAccount::hasFreshAnythingApplicableToStatusItem() const
 {
     return (_has(TwitterAccountTimelineStatusItem) && hasFreshTweets())
-        || (_has(TwitterAccountMentionsStatusItem) && hasFreshMentions());
+        || (_has(TwitterAccountMentionsStatusItem) && hasFreshMentions())
+        || (_has(TwitterAccountMessagesStatusItem) && hasFreshMessages());
 }
 
 bool TwitterAccount::hasFreshAnythingApplicableToDockBadge() const
 {
     return (_has(TwitterAccountTimelineDockBadge) && hasFreshTweets())
-        || (_has(TwitterAccountMentionsDockBadge) && hasFreshMentions());
+        || (_has(TwitterAccountMentionsDockBadge) && hasFreshMentions())
+        || (_has(TwitterAccountMessagesDockBadge) && hasFreshMessages());
 }
 
 void TwitterAccount::_postDidUpdate()
@@ -251,6 +348,20 @@ TwitterStatusList TwitterAccount::unNotifiedStatuses(const TwitterStatusList& st
     return chosen;
 }
 
+TwitterDirectMessageList TwitterAccount::_unNotifiedMessages()
+{
+    TwitterDirectMessageList chosen;
+    for (const TwitterDirectMessageConversationPtr& conversation : directMessagesManager()->conversations()) {
+        for (const TwitterDirectMessagePtr& message : conversation->messages()) {
+            if (message->didGlobalNotification() || isAuthorOfDirectMessage(*message))
+                continue;
+            message->setDidGlobalNotification(true);
+            chosen.append(message);
+        }
+    }
+    return chosen;
+}
+
 void TwitterAccount::somethingDidUpdate()
 {
     KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
@@ -262,6 +373,10 @@ void TwitterAccount::somethingDidUpdate()
     if (_has(TwitterAccountMentionsGrowl)) {
         const TwitterStatusList statuses = unNotifiedStatuses(repliesStream()->storedStatuses());
         center.post(TwitterAccountGrowlForNewMentionStatuses { &statuses, this });
+    }
+    if (_has(TwitterAccountMessagesGrowl)) {
+        const TwitterDirectMessageList messages = _unNotifiedMessages();
+        center.post(TwitterAccountGrowlForNewMessages { &messages, this });
     }
 }
 

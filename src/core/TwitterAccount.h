@@ -6,8 +6,12 @@
 #include "foundation/KRNotificationCenter.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterAccountStream.h"
+#include "model/streams/TwitterDirectMessagesConversationManager.h"
+#include "model/streams/TwitterSearch.h"
 
 #include <QSet>
+
+#include <map>
 
 class KRKeyedArchiver;
 class KRKeyedUnarchiver;
@@ -69,7 +73,18 @@ public:
     /// Made on first demand.
     const std::shared_ptr<TwitterTimelineStream>& timelineStream();
     const std::shared_ptr<TwitterRepliesStream>& repliesStream();
+    const std::shared_ptr<TwitterDirectMessagesConversationManager>& directMessagesManager();
 
+    [[nodiscard]] const QList<TwitterSearchPtr>& savedSearches() const { return m_savedSearches; }
+    [[nodiscard]] bool containsSavedSearch(const TwitterSearch& search) const;
+    /// Adding what is there and removing what is not does nothing. The account hears of what a search's
+    /// stream brings if the stream has been made by then. Neither saves the account list.
+    void addSavedSearch(const TwitterSearchPtr& search);
+    void removeSavedSearch(const TwitterSearchPtr& search);
+
+    /// So long after the rest the first saved search is loaded, and each further one a step later.
+    static constexpr KRClock::Duration firstSearchDelay = std::chrono::seconds(3);
+    static constexpr KRClock::Duration searchStep = std::chrono::seconds(1);
     void refresh();
 
     [[nodiscard]] quint32 notificationOptions() const { return m_notificationOptions; }
@@ -78,9 +93,14 @@ public:
     /// Mark what has come so far as seen.
     void noteFreshTweets();
     void noteFreshMentions();
+    void noteFreshMessages();
+    /// Each search's stream keeps its own mark; this only announces that they may have moved.
+    void noteFreshSearches();
     void markAllAsRead();
     [[nodiscard]] bool hasFreshTweets() const;
     [[nodiscard]] bool hasFreshMentions() const;
+    [[nodiscard]] bool hasFreshMessages() const;
+    [[nodiscard]] bool hasFreshSearches() const;
     [[nodiscard]] bool hasFreshAnythingApplicableToStatusItem() const;
     [[nodiscard]] bool hasFreshAnythingApplicableToDockBadge() const;
 
@@ -110,6 +130,11 @@ public:
     /// Posts. The timeline loads what is new when that worked. The callback is invoked on the background
     /// thread.
     void update(const QString& text, const QString& inReplyToStatusID, KRCallback<TwitterStatusPtr> callback);
+    /// Sends a message. Both lists load what is new when that worked. The callback is invoked on the
+    /// background thread.
+    void sendDirectMessage(const QString& text,
+        const TwitterUser& user,
+        KRCallback<TwitterDirectMessagePtr> callback);
     void follow(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
     void stopFollowing(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
     void checkIfUserFollows(const TwitterUser& user, const TwitterUser& other, KRCallback<bool> callback);
@@ -147,10 +172,13 @@ private:
 
     void somethingDidUpdate();
     [[nodiscard]] static TwitterStatusList unNotifiedStatuses(const TwitterStatusList& statuses);
+    [[nodiscard]] TwitterDirectMessageList _unNotifiedMessages();
     void _postDidUpdate();
     [[nodiscard]] bool _has(TwitterAccountNotificationOption option) const;
 
     void didUpdate(const KRResult<TwitterStatusPtr>& response, const KRCallback<TwitterStatusPtr>& callback);
+    void didMessage(const KRResult<TwitterDirectMessagePtr>& response,
+        const KRCallback<TwitterDirectMessagePtr>& callback);
     void followingStatus(const KRResult<bool>& response, const KRCallback<bool>& callback);
     void myUserResponse(const KRResult<TwitterUserPtr>& response);
     void myUserDidUpdate();
@@ -166,6 +194,7 @@ private:
     void _finishLookup(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
     void _finishLookup(const KRResult<TwitterStatusPtr>& response, const StatusLookup& lookup);
     void _loadNewerTimeline();
+    void _refreshMessages();
 
     TwitterAccountContext m_context;
     QString m_username;
@@ -175,6 +204,8 @@ private:
     bool m_loadingUser = false;
     std::shared_ptr<TwitterTimelineStream> m_timelineStream;
     std::shared_ptr<TwitterRepliesStream> m_repliesStream;
+    std::shared_ptr<TwitterDirectMessagesConversationManager> m_directMessagesManager;
+    QList<TwitterSearchPtr> m_savedSearches;
     // Status IDs; the records themselves are kept by the uniquing tables.
     QSet<QString> m_favoritesSet;
     quint32 m_notificationOptions = TwitterAccountDefaultNotificationOptions;
@@ -185,6 +216,8 @@ private:
 
     KRObservation m_timelineObservation;
     KRObservation m_repliesObservation;
+    KRObservation m_messagesObservation;
+    std::map<const TwitterSearchStream*, KRObservation> m_searchObservations;
     KRObservation m_userObservation;
     KRObservation m_keychainObservation;
 };

@@ -42,6 +42,33 @@ void TwitterAccount::_loadNewerTimeline()
     timelineStream()->loadNewer();
 }
 
+void TwitterAccount::sendDirectMessage(const QString& text,
+    const TwitterUser& user,
+    KRCallback<TwitterDirectMessagePtr> callback)
+{
+    const auto request
+        = accountRequest(Callback(shared_from_this(), &TwitterAccount::didMessage, std::move(callback)));
+    // Somebody known from search results alone has no ID yet.
+    if (user.userID().isNull())
+        request->sendToUsername(text, user.username());
+    else
+        request->sendToUserID(text, user.userID());
+}
+
+void TwitterAccount::didMessage(const KRResult<TwitterDirectMessagePtr>& response,
+    const KRCallback<TwitterDirectMessagePtr>& callback)
+{
+    // On the background thread, as after a post.
+    if (!response.isError())
+        mainThreadProxy(shared_from_this()).perform(&TwitterAccount::_refreshMessages);
+    callback.invoke(response);
+}
+
+void TwitterAccount::_refreshMessages()
+{
+    directMessagesManager()->refresh();
+}
+
 void TwitterAccount::follow(const TwitterUser& user, KRCallback<TwitterUserPtr> callback)
 {
     accountRequest(std::move(callback))->followUserID(user.userID());

@@ -55,8 +55,8 @@ QString URLEncodedString(qint64 number)
 
 QString stringByUnescapingXMLEntities(const QString& text)
 {
-    // Most texts hold no entity, and a replacement costs a pass.
-    if (!text.contains(u'&'))
+    // Most texts hold no entity, at most an address with an "&" in it, and a replacement costs a pass.
+    if (!text.contains(u'&') || !text.contains(u';'))
         return text;
     QString unescaped = text;
     unescaped.replace("&quot;"_L1, R"(")"_L1);

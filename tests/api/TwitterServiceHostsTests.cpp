@@ -84,4 +84,31 @@ TEST_F(ServiceHosts, AddressesAreAlwaysHTTPS)
     }
 }
 
+TEST_F(ServiceHosts, SearchIsPlainUnlessItsHostSaysOtherwise)
+{
+    const struct {
+        QString host;
+        QByteArray url;
+    } cases[] = {
+        { u"search.example.org"_s, "http://search.example.org/search.json?q=%26" },
+        { u"127.0.0.1:8480/api/"_s, "http://127.0.0.1:8480/api/search.json?q=%26" },
+        { u"http://example.org"_s, "http://example.org/search.json?q=%26" },
+        { u"https://example.org/api"_s, "https://example.org/api/search.json?q=%26" },
+        { u"HTTPS://example.org"_s, "https://example.org/search.json?q=%26" },
+        { u""_s, {} },
+        { u"ftp://example.org"_s, {} },
+        { u"https://http://example.org"_s, {} },
+        { u"user@example.org"_s, {} },
+    };
+    for (const auto& test : cases) {
+        TwitterServiceHosts hosts;
+        hosts.setValueForKey(test.host, u"SearchHost"_s);
+        const auto url = hosts.searchURLForPath(u"search.json?q=%26"_s);
+        ASSERT_EQ(url.isError(), test.url.isNull()) << qPrintable(test.host);
+        if (!url.isError()) {
+            EXPECT_EQ(url.value().toEncoded(), test.url);
+        }
+    }
+}
+
 } // namespace

@@ -104,6 +104,7 @@ TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
     }
     ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
     KRTestLog log;
+    EMKeychainProxy::sharedProxy().setLogsErrors(true);
     QElapsedTimer timer;
     timer.start();
     const auto twitter = makeTwitter(defaults);
@@ -124,5 +125,5 @@ TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
         // The prompt that nobody could answer may still be ending; whoever asks again then succeeds.
         EMKeychainProxy::sharedProxy().unlockKeychain();
         return account->password() == u"locked in";
-    }));
+    })) << log.lines().join(u'\n').toStdString();
 }

@@ -28,7 +28,8 @@ protected:
         m_account = TwitterAccount::accountWithUsername(u"Alice"_s, u"pw"_s, m_context);
     }
 
-    TwitterStatusPtr status(const QString& id, const QString& author, const QDateTime& date, const QString& text = u"x"_s)
+    TwitterStatusPtr
+    status(const QString& id, const QString& author, const QDateTime& date, const QString& text = u"x"_s)
     {
         const auto status = std::make_shared<TwitterStatus>();
         status->setStatusID(id);
@@ -102,8 +103,10 @@ TEST_F(TwitterAccountTest, KnowsWhatIsFresh)
     EXPECT_TRUE(account->hasFreshAnythingApplicableToDockBadge());
 
     int updates = 0;
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-        [&](const auto&) { ++updates; }, account.get());
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
+            [&](const auto&) { ++updates; },
+            account.get());
     account->noteFreshTweets();
     EXPECT_EQ(updates, 1);
     EXPECT_FALSE(account->hasFreshTweets());
@@ -129,8 +132,10 @@ TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
                 announced.append(u'[' + ids.join(u' ') + u']');
             });
     const QDateTime now = KRNow();
-    m_account->timelineStream()->addStatuses({ status(u"1"_s, u"bob"_s, now), status(u"2"_s, u"alice"_s, now.addSecs(1)) });
-    m_account->timelineStream()->addStatuses({ status(u"1"_s, u"bob"_s, now), status(u"3"_s, u"bob"_s, now.addSecs(2)) });
+    m_account->timelineStream()->addStatuses(
+        { status(u"1"_s, u"bob"_s, now), status(u"2"_s, u"alice"_s, now.addSecs(1)) });
+    m_account->timelineStream()->addStatuses(
+        { status(u"1"_s, u"bob"_s, now), status(u"3"_s, u"bob"_s, now.addSecs(2)) });
     m_account->repliesStream()->addStatuses({});
     EXPECT_EQ(announced.join(u""_s), u"[2 1][3][]"_s);
 }
@@ -138,24 +143,32 @@ TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
 TEST_F(TwitterAccountTest, RefreshesWithItsCredentials)
 {
     m_site.answer("/statuses/home_timeline.xml",
-        KRTestSite::statuses({ KRTestSite::status(7, "bob", "hello"), KRTestSite::status(5, "carol", "hi @alice") }));
-    m_site.answer("/statuses/replies.xml", KRTestSite::statuses({ KRTestSite::status(5, "carol", "hi @alice") }));
+        KRTestSite::statuses(
+            { KRTestSite::status(7, "bob", "hello"), KRTestSite::status(5, "carol", "hi @alice") }));
+    m_site.answer("/statuses/replies.xml",
+        KRTestSite::statuses({ KRTestSite::status(5, "carol", "hi @alice") }));
+    m_site.answer("/direct_messages.xml", "<direct-messages/>");
+    m_site.answer("/direct_messages/sent.xml", "<direct-messages/>");
     m_account->refresh();
     ASSERT_TRUE(KRWaitUntil([&] {
         return m_account->timelineStream()->storedStatuses().size() == 2
             && m_account->repliesStream()->storedStatuses().size() == 1;
     }));
-    EXPECT_EQ(m_account->timelineStream()->storedStatuses().at(1), m_account->repliesStream()->storedStatuses().at(0))
+    EXPECT_EQ(m_account->timelineStream()->storedStatuses().at(1),
+        m_account->repliesStream()->storedStatuses().at(0))
         << "one status is one record";
     EXPECT_TRUE(m_account->isMentionedInStatus(*m_account->repliesStream()->newestStatus()));
-    EXPECT_EQ(m_site.requests().value(0).value("authorization"), "Basic " + QByteArray("Alice:pw").toBase64());
+    ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 4; }));
+    for (const KRTestServer::Request& request : m_site.requests())
+        EXPECT_EQ(request.value("authorization"), "Basic " + QByteArray("Alice:pw").toBase64());
     EXPECT_TRUE(m_site.targets().contains("/statuses/home_timeline.xml?count=200"));
 }
 
 TEST_F(TwitterAccountTest, APostLoadsTheTimeline)
 {
     m_site.answer("/statuses/update.xml", KRTestSite::status(9, "alice", "posted"));
-    m_site.answer("/statuses/home_timeline.xml", KRTestSite::statuses({ KRTestSite::status(9, "alice", "posted") }));
+    m_site.answer("/statuses/home_timeline.xml",
+        KRTestSite::statuses({ KRTestSite::status(9, "alice", "posted") }));
     const auto receiver = std::make_shared<Receiver<TwitterStatusPtr>>();
     m_account->update(u"posted & <sent>"_s, u"4"_s, Callback(receiver, &Receiver<TwitterStatusPtr>::took));
     ASSERT_TRUE(KRWaitUntil([&] { return m_account->timelineStream()->newestStatusID() == u"9"; }));
@@ -177,7 +190,8 @@ TEST_F(TwitterAccountTest, LooksUpWithoutCredentialsFirst)
     std::atomic<bool> isPublic = true;
     m_site.answer("/users/show.xml", [&](const KRTestServer::Request& request) {
         const bool mayRead = isPublic || !request.value("authorization").isEmpty();
-        return mayRead ? KRTestSite::Answer { 200, KRTestSite::user(3, "bob") } : KRTestSite::Answer { 401, {} };
+        return mayRead ? KRTestSite::Answer { 200, KRTestSite::user(3, "bob") }
+                       : KRTestSite::Answer { 401, {} };
     });
     for (const bool open : { true, false }) {
         isPublic = open;
@@ -203,8 +217,10 @@ TEST_F(TwitterAccountTest, LoadsItsOwnUserOnDemandAndAgainAfterAFailure)
 {
     m_site.answer("/users/show.xml", "nothing", 503);
     int updates = 0;
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-        [&](const auto&) { ++updates; }, m_account.get());
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
+            [&](const auto&) { ++updates; },
+            m_account.get());
     EXPECT_EQ(m_account->user(), nullptr);
     EXPECT_EQ(m_account->user(), nullptr);
     ASSERT_TRUE(KRWaitUntil([&] { return m_log.contains(u"Error loading user for account Alice"_s); }));

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "parsing/KRJSONParser.h"
 #include "parsing/KRXMLParser.h"
 
 #include <QList>
 
 #include <memory>
 
-/// What the record classes share in reading an XML answer. Any thread; the records are nobody else's until
+/// What the record classes share in reading an answer. Any thread; the records are nobody else's until
 /// the result is handed on.
 namespace TwitterRecordReading {
 
@@ -53,6 +54,16 @@ KRResult<QList<std::shared_ptr<Record>>> recordsWithXML(const QByteArray& data,
 inline void skipElement(KRXMLParser& parser)
 {
     parser.pushCallback({}, KRXMLParser::RepeatElement::No);
+}
+
+/// For the handler of a record: an object or array goes to nobody. False at a scalar.
+inline bool skipContainer(KRJSONParser& parser)
+{
+    using Type = KRJSONParser::Type;
+    if (parser.type() != Type::ObjectStart && parser.type() != Type::ArrayStart)
+        return false;
+    parser.pushCallback({}, KRJSONParser::RepeatElement::No);
+    return true;
 }
 
 } // namespace TwitterRecordReading

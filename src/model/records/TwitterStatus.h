@@ -38,6 +38,9 @@ public:
     static KRResult<TwitterStatusPtr> statusWithXML(const QByteArray& data);
     /// The "status" elements of a document, in its order.
     static KRResult<TwitterStatusList> statusesWithXML(const QByteArray& data);
+    /// The results of a search, in the order of the answer: an object with "results", or an array of full
+    /// statuses. What is cut short gives those that came whole enough to be shown, with ID and author.
+    static KRResult<TwitterStatusList> statusesWithSearchJSON(const QByteArray& data);
 
     /// Archives the ID, which is all that outlives a run.
     void encodeWithCoder(KRKeyedArchiver& coder) const;
@@ -54,7 +57,7 @@ public:
     const KRActiveTextRanges& activeTextRanges() const { return m_activeTextRanges; }
     const QDateTime& date() const { return m_date; }
     void setDate(const QDateTime& date) { m_date = date; }
-    /// The date as the service wrote it; null for search results.
+    /// The date as the service wrote it; null for search results that are partial.
     const QString& originalDateString() const { return m_originalDateString; }
     void setOriginalDateString(const QString& string) { m_originalDateString = string; }
     const TwitterUserPtr& fromUser() const { return m_fromUser; }

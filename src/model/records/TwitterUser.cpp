@@ -33,16 +33,6 @@ constexpr std::array<std::string_view, 10> ignoredElements { "protected",
     "time_zone",
     "profile_background_image_url" };
 
-// Characters that cannot stand in an address are percent-escaped; escapes that are there stay.
-QUrl urlWithText(const QString& text)
-{
-    QUrl url(text, QUrl::TolerantMode);
-    if (url.isValid())
-        return url;
-    KRLog(u"problem %1"_s.arg(text));
-    return {};
-}
-
 // Leading digits, as far as 32 bits go.
 qint32 intValue(QStringView text)
 {
@@ -126,6 +116,58 @@ void TwitterUser::parseUserXML(KRXMLParser& parser)
     else if (element != "user"
         && std::find(ignoredElements.begin(), ignoredElements.end(), element) == ignoredElements.end())
         TwitterRecordReading::skipElement(parser);
+}
+
+void TwitterUser::parseUserJSON(KRJSONParser& parser)
+{
+    if (TwitterRecordReading::skipContainer(parser))
+        return;
+    const std::string_view key = parser.key().value_or(std::string_view());
+    const auto take = [&parser](QString& field) {
+        if (const QString text = parser.stringValue(); !text.isEmpty())
+            field = text;
+    };
+    const auto takeURL = [&parser](QUrl& field) {
+        if (const QString text = parser.stringValue(); !text.isEmpty())
+            field = urlWithText(text);
+    };
+    const auto takeNumber = [&parser](std::optional<qint32>& field) {
+        if (const QString text = parser.stringValue(); !text.isEmpty())
+            field = intValue(text);
+    };
+
+    if (key == "id")
+        take(m_userID);
+    else if (key == "name")
+        take(m_fullName);
+    else if (key == "screen_name")
+        take(m_username);
+    else if (key == "location")
+        take(m_location);
+    else if (key == "description")
+        take(m_bio);
+    else if (key == "profile_image_url")
+        takeURL(m_profileImageURL);
+    else if (key == "url")
+        takeURL(m_url);
+    else if (key == "followers_count")
+        takeNumber(m_numberOfFollowers);
+    else if (key == "friends_count")
+        takeNumber(m_numberOfFollowing);
+    else if (key == "favourites_count")
+        takeNumber(m_numberOfFavorites);
+    else if (key == "statuses_count")
+        takeNumber(m_numberOfStatuses);
+}
+
+QUrl TwitterUser::urlWithText(const QString& text)
+{
+    // Escapes that are there stay.
+    QUrl url(text, QUrl::TolerantMode);
+    if (url.isValid())
+        return url;
+    KRLog(u"problem %1"_s.arg(text));
+    return {};
 }
 
 QString TwitterUser::lowercaseUsername() const

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 
+class KRJSONParser;
 class KRXMLParser;
 class TwitterUser;
 
@@ -100,6 +101,12 @@ public:
     /// Fills this record from the content of a "user" element.
     void parseUserXML(KRXMLParser& parser);
     static void parseUsersXML(KRXMLParser& parser, TwitterUserList& users);
+    /// Fills this record from the members of a user of a search result. What is null or of another type than
+    /// it should be leaves its field as it was.
+    void parseUserJSON(KRJSONParser& parser);
+    /// The address that a service gave as text: characters that cannot stand in one are percent-escaped.
+    /// Empty, and a line in the log, when it is none.
+    static QUrl urlWithText(const QString& text);
 
 private:
     void _assimilateUser(const TwitterUser& other);

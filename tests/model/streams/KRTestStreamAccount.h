@@ -15,13 +15,17 @@ public:
         settings.extraCAFile = KRTestAuthorityFile();
         KRHTTPTransportSettings::setCurrent(settings);
         m_hosts.setValueForKey(site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
+        m_hosts.setValueForKey(QStringLiteral("https://") + site.host(),
+            QLatin1String(TwitterServiceHosts::searchHostKey));
     }
 
     const std::shared_ptr<TwitterUniquingTables>& tables() const { return m_tables; }
+    const TwitterServiceHosts& hosts() const { return m_hosts; }
 
     QString username() const override { return QStringLiteral("me"); }
     QString password() const override { return QStringLiteral("pw"); }
-    std::shared_ptr<TwitterStatusesOperations> authenticatedRequest(KRCallback<TwitterStatusList> callback) override
+    std::shared_ptr<TwitterStatusesOperations> authenticatedRequest(
+        KRCallback<TwitterStatusList> callback) override
     {
         return TwitterAPI::authenticatedRequest(m_hosts, *this, std::move(callback));
     }
@@ -53,13 +57,16 @@ private:
 };
 
 /// A real status.
-inline TwitterStatusPtr KRTestStatus(
-    int id, const QString& text = QStringLiteral("text"), const QString& inReplyTo = {}, int minute = -1)
+inline TwitterStatusPtr KRTestStatus(int id,
+    const QString& text = QStringLiteral("text"),
+    const QString& inReplyTo = {},
+    int minute = -1)
 {
     const auto status = std::make_shared<TwitterStatus>();
     status->setStatusID(QString::number(id));
     status->setText(text);
-    status->setDate(QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL));
+    status->setDate(
+        QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL));
     status->setInReplyToStatusID(inReplyTo);
     const auto user = std::make_shared<TwitterUser>();
     user->setUsername(id % 2 ? QStringLiteral("me") : QStringLiteral("you"));

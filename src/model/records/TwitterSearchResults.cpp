@@ -1,0 +1,137 @@
+#include "model/records/TwitterRecordReading.h"
+#include "model/records/TwitterStatus.h"
+#include "text/KRDateAdditions.h"
+#include "text/KRStringAdditions.h"
+
+#include <QHash>
+
+namespace {
+
+using Type = KRJSONParser::Type;
+using RepeatElement = KRJSONParser::RepeatElement;
+
+// Reads one answer. Its handlers serve every result in turn, as does what is remembered between them: in a
+// page of results the same people turn up again and again.
+class SearchReader {
+public:
+    KRResult<TwitterStatusList> read(const QByteArray& data)
+    {
+        const KRResult<void> parsed = KRJSONParser::parseData(data, _handler(&SearchReader::parseSearchJSON));
+        if (parsed.isError())
+            return parsed.error();
+        // Without an ID a status cannot be made definitive, without an author it cannot be shown.
+        m_statuses.removeIf([](const TwitterStatusPtr& status) {
+            return status->statusID().isNull() || !status->fromUser()
+                || status->fromUser()->username().isNull();
+        });
+        return std::move(m_statuses);
+    }
+
+private:
+    KRJSONParser::Handler _handler(void (SearchReader::*method)(KRJSONParser&))
+    {
+        return KRJSONParser::Handler::withFunction(
+            [this, method](KRJSONParser& parser) { (this->*method)(parser); });
+    }
+
+    void parseSearchJSON(KRJSONParser& parser)
+    {
+        // Some sites send the array of results with nothing around it.
+        const bool isDocument = std::exchange(m_isFirstEvent, false);
+        if (parser.type() == Type::ArrayStart && (isDocument || parser.hasKey("results")))
+            parser.pushCallback(m_resultsHandler, RepeatElement::No);
+    }
+
+    void parseSearchStatusesJSON(KRJSONParser& parser)
+    {
+        if (parser.type() != Type::ObjectStart)
+            return;
+        m_status = std::make_shared<TwitterStatus>();
+        m_status->setIsPartialStatus(true);
+        m_statuses.append(m_status);
+        parser.pushCallback(m_statusHandler, RepeatElement::No);
+    }
+
+    // What is null or of another type than it should be leaves its field as it was.
+    void parseStatusSearchJSON(KRJSONParser& parser)
+    {
+        if (parser.type() == Type::ObjectStart && parser.hasKey("user")) {
+            // The full form: nothing is missing that the XML interface would send.
+            m_status->setIsPartialStatus(false);
+            m_status->setFromUser(std::make_shared<TwitterUser>());
+            parser.pushCallback(m_userHandler, RepeatElement::No);
+        } else if (!TwitterRecordReading::skipContainer(parser) && parser.type() == Type::String) {
+            _takeMember(parser);
+        }
+    }
+
+    void parseUserJSON(KRJSONParser& parser) { m_status->fromUser()->parseUserJSON(parser); }
+
+    void _takeMember(const KRJSONParser& parser)
+    {
+        const std::string_view key = parser.key().value_or(std::string_view());
+        if (key == "id") {
+            if (const QString text = parser.stringValue(); !text.isEmpty())
+                m_status->setStatusID(text);
+        } else if (key == "text") {
+            if (const QString text = parser.stringValue(); !text.isNull())
+                m_status->setText(KRAdditions::stringByUnescapingXMLEntities(text));
+        } else if (key == "created_at") {
+            _takeDate(parser.stringValue());
+        } else if (key == "in_reply_to_status_id") {
+            if (const QString text = parser.stringValue(); !text.isEmpty())
+                m_status->setInReplyToStatusID(text);
+        } else if (m_status->isPartialStatus() && key == "from_user") {
+            if (const QString text = parser.stringValue(); !text.isEmpty()) {
+                _partialFromUser().setUsername(text);
+                _partialFromUser().setFullName(text);
+            }
+        } else if (m_status->isPartialStatus() && key == "profile_image_url") {
+            if (const QString text = parser.stringValue(); !text.isEmpty())
+                _partialFromUser().setProfileImageURL(_imageURL(text));
+        }
+    }
+
+    void _takeDate(const QString& text)
+    {
+        if (const QDateTime date = KRAdditions::dateValueFromJSONTwitterDate(text); date.isValid()) {
+            m_status->setDate(date);
+        } else if (const QDateTime fullDate = KRAdditions::dateValueFromHTTPLikeDate(text);
+                   fullDate.isValid()) {
+            m_status->setDate(fullDate);
+            m_status->setOriginalDateString(text);
+        }
+    }
+
+    TwitterUser& _partialFromUser()
+    {
+        if (!m_status->fromUser()) {
+            const auto user = std::make_shared<TwitterUser>();
+            user->setIsPartialUser(true);
+            m_status->setFromUser(user);
+        }
+        return *m_status->fromUser();
+    }
+
+    const QUrl& _imageURL(const QString& text)
+    {
+        const auto known = m_imageURLs.constFind(text);
+        return known != m_imageURLs.constEnd() ? *known
+                                               : *m_imageURLs.insert(text, TwitterUser::urlWithText(text));
+    }
+
+    KRJSONParser::Handler m_resultsHandler = _handler(&SearchReader::parseSearchStatusesJSON);
+    KRJSONParser::Handler m_statusHandler = _handler(&SearchReader::parseStatusSearchJSON);
+    KRJSONParser::Handler m_userHandler = _handler(&SearchReader::parseUserJSON);
+    TwitterStatusList m_statuses;
+    TwitterStatusPtr m_status;
+    QHash<QString, QUrl> m_imageURLs;
+    bool m_isFirstEvent = true;
+};
+
+} // namespace
+
+KRResult<TwitterStatusList> TwitterStatus::statusesWithSearchJSON(const QByteArray& data)
+{
+    return SearchReader().read(data);
+}

@@ -1,0 +1,173 @@
+#include "model/records/TwitterStatus.h"
+#include "support/KRTestLog.h"
+#include "text/KRArrayAdditions.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray answer(const QString& name)
+{
+    QFile file(QStringLiteral(PELINOR_TEST_DATA "/gnu-social/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
+    return file.readAll();
+}
+
+TwitterStatusList resultsOf(const QByteArray& body)
+{
+    auto results = TwitterStatus::statusesWithSearchJSON(body);
+    EXPECT_FALSE(results.isError()) << body.constData();
+    return results.isError() ? TwitterStatusList() : results.value();
+}
+
+// The one result made of these members beside an ID and an author.
+TwitterStatusPtr resultWith(const QByteArray& members)
+{
+    const TwitterStatusList results
+        = resultsOf(R"({"results":[{"id":"7","from_user":"Bob",)" + members + "}]}");
+    EXPECT_EQ(results.size(), 1) << members.constData();
+    return results.isEmpty() ? std::make_shared<TwitterStatus>() : results.first();
+}
+
+QString idsOf(const TwitterStatusList& statuses)
+{
+    return KRAdditions::mapFunction(statuses, [](const auto& status) {
+        return status->statusID();
+    }).join(u' ');
+}
+
+QDateTime november22(int hour, int minute, int second)
+{
+    return { QDate(2026, 11, 22), QTime(hour, minute, second), Qt::UTC };
+}
+
+TEST(SearchResults, BothFormsOfARealSiteGiveTheSameList)
+{
+    const TwitterStatusList classic = resultsOf(answer(u"search_classic.word.body.json"_s));
+    const TwitterStatusList full = resultsOf(answer(u"search.word.body.json"_s));
+    EXPECT_EQ(idsOf(classic), u"404 358 334 310 286 262 238 190 166 142 118 94"_s);
+    ASSERT_EQ(idsOf(full), idsOf(classic));
+    for (qsizetype i = 0; i < classic.size(); ++i) {
+        const TwitterStatus& a = *classic[i];
+        const TwitterStatus& b = *full[i];
+        EXPECT_FALSE(a.text().isEmpty());
+        EXPECT_EQ(a.text(), b.text());
+        EXPECT_TRUE(a.date().isValid());
+        EXPECT_EQ(a.date(), b.date());
+        EXPECT_EQ(a.fromUser()->username(), b.fromUser()->username());
+        EXPECT_EQ(a.fromUser()->profileImageURL(), b.fromUser()->profileImageURL());
+    }
+    EXPECT_EQ(classic[0]->text(), u"Note 263 & dragons <ok> \"q\""_s);
+    EXPECT_EQ(classic[0]->date(), november22(8, 24, 55));
+    EXPECT_TRUE(resultsOf(answer(u"search.none.body.json"_s)).isEmpty());
+    EXPECT_TRUE(resultsOf(answer(u"search_classic.none.body.json"_s)).isEmpty());
+}
+
+TEST(SearchResults, TheClassicFormIsPartial)
+{
+    const TwitterStatusPtr status = resultsOf(answer(u"search_classic.word.body.json"_s)).first();
+    EXPECT_TRUE(status->isPartialStatus());
+    EXPECT_TRUE(status->originalDateString().isNull());
+    EXPECT_TRUE(status->inReplyToStatusID().isNull());
+    EXPECT_TRUE(status->fromUser()->isPartialUser());
+    EXPECT_TRUE(status->fromUser()->userID().isNull()) << "the ID in these answers is another service's";
+    EXPECT_EQ(status->fromUser()->username(), u"alice"_s);
+    EXPECT_EQ(status->fromUser()->fullName(), u"alice"_s);
+}
+
+TEST(SearchResults, TheFullFormKnowsWhatTheXMLInterfaceKnows)
+{
+    const TwitterStatusPtr found = resultsOf(answer(u"search.word.body.json"_s)).first();
+    const auto timeline
+        = TwitterStatus::statusesWithXML(answer(u"home_timeline.count_200.body.xml"_s)).value();
+    const auto same = std::find_if(timeline.begin(), timeline.end(), [&](const auto& status) {
+        return status->isEqual(*found);
+    });
+    ASSERT_NE(same, timeline.end());
+    const TwitterStatus& expected = **same;
+    EXPECT_EQ(found->text(), expected.text());
+    EXPECT_EQ(found->date(), expected.date());
+    EXPECT_EQ(found->originalDateString(), expected.originalDateString());
+    EXPECT_EQ(found->isPartialStatus(), expected.isPartialStatus());
+    const TwitterUser& user = *found->fromUser();
+    const TwitterUser& expectedUser = *expected.fromUser();
+    EXPECT_EQ(user.userID(), expectedUser.userID());
+    EXPECT_EQ(user.fullName(), expectedUser.fullName());
+    EXPECT_EQ(user.location(), expectedUser.location());
+    EXPECT_EQ(user.bio(), expectedUser.bio());
+    EXPECT_EQ(user.url(), expectedUser.url());
+    EXPECT_EQ(user.numberOfFollowers(), expectedUser.numberOfFollowers());
+    EXPECT_EQ(user.numberOfFollowing(), expectedUser.numberOfFollowing());
+    EXPECT_EQ(user.numberOfStatuses(), expectedUser.numberOfStatuses());
+    EXPECT_EQ(user.numberOfFavorites(), expectedUser.numberOfFavorites());
+    EXPECT_FALSE(user.isPartialUser());
+
+    const TwitterStatusList reply = resultsOf(
+        R"([{"id":9,"in_reply_to_status_id":18446744073709551617,"user":{"screen_name":"bob","id":3}}])");
+    ASSERT_EQ(reply.size(), 1);
+    EXPECT_EQ(reply[0]->inReplyToStatusID(), u"18446744073709551617"_s);
+}
+
+TEST(SearchResults, NullsAndWrongTypesLeaveTheFieldAsItWas)
+{
+    for (const QByteArray wrong : { "null", "true", "{\"id\":1,\"text\":\"t\"}", "[\"x\",{\"id\":2}]" }) {
+        QByteArray members = R"("text":"t","created_at":"Sun, 22 Nov 2026 08:24:55 +0000")";
+        for (const char* key : { "id", "text", "created_at", "from_user", "profile_image_url", "metadata" })
+            members += ",\"" + QByteArray(key) + "\":" + wrong;
+        const TwitterStatusPtr status = resultWith(members);
+        EXPECT_EQ(status->statusID(), u"7"_s) << wrong.constData();
+        EXPECT_EQ(status->text(), u"t"_s) << wrong.constData();
+        EXPECT_EQ(status->date(), november22(8, 24, 55)) << wrong.constData();
+        EXPECT_EQ(status->fromUser()->username(), u"Bob"_s) << wrong.constData();
+        EXPECT_TRUE(status->fromUser()->profileImageURL().isEmpty());
+    }
+    EXPECT_EQ(resultWith(R"("created_at":"yesterday","text":"\udc00")")->text(), u""_s);
+    EXPECT_FALSE(resultWith(R"("created_at":"yesterday")")->date().isValid());
+    EXPECT_EQ(resultWith(R"("id":12345678901234,"text":"&amp;lt;b&gt; &quot;")")->statusID(),
+        u"12345678901234"_s);
+    EXPECT_EQ(resultWith(R"("text":"&amp;lt;b&gt; &quot;")")->text(), u"<b> \""_s);
+    KRTestLog log;
+    EXPECT_EQ(resultWith(R"("profile_image_url":"http://a b:c/")")->fromUser()->profileImageURL(), QUrl());
+    EXPECT_TRUE(log.contains(u"problem http://a b:c/"_s));
+
+    for (const QByteArray body : { "{\"results\":null}",
+             "{\"results\":{\"id\":1}}",
+             "{\"results\":[1,\"x\",null,[]]}",
+             "{\"error\":\"no\",\"list\":[{\"id\":\"1\",\"from_user\":\"bob\"}]}",
+             "[{}]",
+             "[{\"id\":1}]",
+             "5",
+             "",
+             "<html>" })
+        EXPECT_TRUE(resultsOf(body).isEmpty()) << body.constData();
+    const auto noText = TwitterStatus::statusesWithSearchJSON("{\"results\":[\"\xff\"]}");
+    ASSERT_TRUE(noText.isError());
+    EXPECT_EQ(noText.error().domain, u"com.kestrin.json-error"_s);
+}
+
+TEST(SearchResults, WhatCameBeforeTheCutCanBeShown)
+{
+    for (const QString& name : { u"search.word.body.json"_s, u"search_classic.word.body.json"_s }) {
+        // Three or more results of that site.
+        const QByteArray body = answer(name).first(4000);
+        const TwitterStatusList all = resultsOf(body);
+        EXPECT_GE(all.size(), 3);
+        qsizetype most = 0;
+        for (qsizetype length = 0; length < body.size(); ++length) {
+            const TwitterStatusList some = resultsOf(body.first(length));
+            ASSERT_GE(some.size(), most) << length;
+            most = some.size();
+            ASSERT_TRUE(
+                idsOf(all).startsWith(idsOf(some)) || idsOf(some).startsWith(idsOf(all.first(most - 1))));
+            for (const TwitterStatusPtr& status : some)
+                ASSERT_FALSE(status->fromUser()->username().isEmpty());
+        }
+        EXPECT_EQ(most, all.size());
+    }
+}
+
+} // namespace

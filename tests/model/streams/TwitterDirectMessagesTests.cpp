@@ -1,0 +1,225 @@
+#include "KRTestStreamAccount.h"
+#include "foundation/KRMainThreadObject.h"
+#include "model/streams/TwitterDirectMessagesConversationManager.h"
+#include "support/KRTestLog.h"
+#include "support/KRTestWait.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Manager = TwitterDirectMessagesConversationManager;
+
+TwitterUserPtr person(const QString& id, const QString& name)
+{
+    auto user = std::make_shared<TwitterUser>();
+    user->setUserID(id);
+    user->setUsername(name);
+    return user;
+}
+
+// "bob>me"; later messages have higher IDs.
+TwitterDirectMessagePtr message(int id, const QString& sender, const QString& recipient)
+{
+    auto message = std::make_shared<TwitterDirectMessage>();
+    message->setMessageID(QString::number(id));
+    message->setDate(QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs(id * 60LL));
+    message->setSender(person(u"id of "_s + sender, sender));
+    message->setRecipient(person(u"id of "_s + recipient, recipient));
+    return message;
+}
+
+QByteArray element(int id, const QByteArray& sender, const QByteArray& recipient)
+{
+    return "<direct_message><id>" + QByteArray::number(id) + "</id><text>t</text><created_at>Sun Nov 22 08:"
+        + QByteArray::number(10 + id) + ":00 +0000 2026</created_at><sender><id>" + sender
+        + "0</id><screen_name>" + sender + "</screen_name></sender><recipient><id>" + recipient
+        + "0</id><screen_name>" + recipient + "</screen_name></recipient></direct_message>";
+}
+
+QByteArray page(int first, int last, const QByteArray& sender, const QByteArray& recipient)
+{
+    QByteArray elements;
+    for (int id = last; id >= first; --id)
+        elements += element(id, sender, recipient);
+    return "<direct-messages type=\"array\">" + elements + "</direct-messages>";
+}
+
+QString idsOf(const TwitterDirectMessageList& messages)
+{
+    QStringList ids;
+    for (const TwitterDirectMessagePtr& one : messages)
+        ids.append(one->messageID());
+    return ids.join(u' ');
+}
+
+// "bob: 3 1, carol: 2"
+QString summaryOf(const Manager& manager)
+{
+    QStringList lines;
+    for (const TwitterDirectMessageConversationPtr& conversation : manager.conversations())
+        lines.append(conversation->correspondent()->username() + u": "_s + idsOf(conversation->messages()));
+    return lines.join(u", ");
+}
+
+class DirectMessages : public testing::Test {
+protected:
+    KRTestSite m_site;
+    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
+    std::shared_ptr<Manager> m_manager = KRMakeMainThreadObject<Manager>(m_account->tables(), m_account);
+};
+
+} // namespace
+
+TEST_F(DirectMessages, BothListsFoldIntoConversations)
+{
+    m_site.answer("/direct_messages.xml", page(1, 2, "bob", "me"));
+    m_site.answer("/direct_messages/sent.xml", page(3, 3, "me", "bob"));
+    m_manager->refresh();
+    ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"bob: 3 2 1"_s; }));
+    EXPECT_EQ(m_account->tables()->cachedDirectMessageWithID(u"3"_s),
+        m_manager->conversations().first()->mostRecentMessage());
+    EXPECT_EQ(m_manager->newestMessageDate().time(), QTime(8, 13));
+    EXPECT_EQ(m_manager->newestMessageDateNotFromMe().time(), QTime(8, 12)) << "one's own is passed over";
+
+    m_site.answer("/direct_messages.xml", page(4, 4, "carol", "me"));
+    m_manager->refresh();
+    ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"carol: 4, bob: 3 2 1"_s; }));
+    QList<QByteArray> targets = m_site.targets();
+    std::sort(targets.begin(), targets.end());
+    EXPECT_EQ(targets,
+        (QList<QByteArray> { "/direct_messages.xml?",
+            "/direct_messages.xml?since_id=2",
+            "/direct_messages/sent.xml?",
+            "/direct_messages/sent.xml?since_id=3" }));
+}
+
+TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
+{
+    const auto stream = m_manager->receivedStream();
+    const auto loadOlder = [&](const QByteArray& body, int status) {
+        m_site.answer("/direct_messages.xml", body, status);
+        stream->loadOlder();
+        stream->loadOlder();
+        return KRWaitUntil([&] { return !stream->isLoadingOlder(); });
+    };
+    ASSERT_TRUE(loadOlder(page(21, 39, "bob", "me"), 200));
+    EXPECT_FALSE(stream->isAtEnd()) << "19 messages";
+    ASSERT_TRUE(loadOlder(page(3, 20, "bob", "me"), 200));
+    EXPECT_TRUE(stream->isAtEnd()) << "18 messages";
+    ASSERT_TRUE(loadOlder(page(1, 3, "bob", "me"), 200));
+    ASSERT_TRUE(KRWaitUntil([&] { return stream->messages().size() == 39; }));
+    EXPECT_EQ(stream->newestMessageID(), u"39"_s);
+    EXPECT_EQ(stream->oldestMessageID(), u"1"_s);
+    EXPECT_EQ(m_site.targets(),
+        (QList<QByteArray> { "/direct_messages.xml?page=0",
+            "/direct_messages.xml?page=1",
+            "/direct_messages.xml?page=2" }));
+}
+
+TEST_F(DirectMessages, AFailedLoadIsReportedAndChangesNothing)
+{
+    KRTestLog log;
+    std::atomic<int> errors = 0;
+    std::atomic<int> lastCode = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+            [&](const TwitterStreamErrorNotification& notification) {
+                lastCode = notification.error.code;
+                ++errors;
+            },
+            m_manager->sentStream().get());
+    m_manager->sentStream()->addMessages({ message(1, u"me"_s, u"bob"_s) });
+    m_site.answer("/direct_messages/sent.xml", "", 503);
+    m_manager->sentStream()->loadNewer();
+    ASSERT_TRUE(KRWaitUntil([&] { return errors == 1; }));
+    EXPECT_FALSE(m_manager->sentStream()->isAtEnd());
+    m_manager->sentStream()->loadOlder();
+    ASSERT_TRUE(KRWaitUntil([&] { return errors == 2; }));
+    EXPECT_EQ(lastCode, 503);
+    EXPECT_TRUE(m_manager->sentStream()->isAtEnd());
+    EXPECT_TRUE(log.contains(u"messages response error Service unavailable"_s));
+    EXPECT_EQ(summaryOf(*m_manager), u"bob: 1"_s);
+
+    m_account.reset();
+    m_manager->sentStream()->loadNewer();
+    EXPECT_FALSE(m_manager->sentStream()->isLoadingNewer()) << "without an account a load ends at once";
+    EXPECT_EQ(errors, 3);
+}
+
+TEST_F(DirectMessages, FoldingTheSameListAgainOnlyTellsTheManagersObservers)
+{
+    QStringList updates;
+    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
+    const KRObservation conversations = center.observe<TwitterDirectMessageConversationDidUpdateNotification>(
+        [&](const auto& one) { updates.append(one.object->correspondent()->username()); });
+    const KRObservation managers
+        = center.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>([&](const auto& one) {
+              EXPECT_EQ(one.object, m_manager.get());
+              updates.append(u"*"_s);
+          });
+    const TwitterDirectMessageList received { message(5, u"carol"_s, u"me"_s),
+        message(1, u"bob"_s, u"me"_s) };
+    const TwitterDirectMessageList sent { message(7, u"me"_s, u"zoe"_s), message(3, u"me"_s, u"bob"_s) };
+    m_manager->addMessages(received, Manager::FromMe::No);
+    m_manager->addMessages(sent, Manager::FromMe::Yes);
+    EXPECT_EQ(summaryOf(*m_manager), u"zoe: 7, carol: 5, bob: 3 1"_s);
+    EXPECT_EQ(updates.join(u' '), u"carol bob * bob zoe *"_s);
+    updates.clear();
+    m_manager->addMessages(received, Manager::FromMe::No);
+    m_manager->addMessages({}, Manager::FromMe::Yes);
+    EXPECT_EQ(updates.join(u' '), u"* *"_s);
+    EXPECT_EQ(m_manager->newestMessageNotFromMe()->messageID(), u"5"_s);
+    EXPECT_EQ(m_manager->conversationWith(*person(u"id of bob"_s, {}))->messages().size(), 2);
+    EXPECT_EQ(m_manager->conversationWith(*person({}, u"Bob"_s)), nullptr);
+}
+
+TEST_F(DirectMessages, WithoutMessagesThereAreNoDates)
+{
+    EXPECT_FALSE(m_manager->newestMessageDate().isValid());
+    EXPECT_FALSE(m_manager->newestMessageDateNotFromMe().isValid());
+    m_manager->addMessages({ message(1, u"me"_s, u"bob"_s) }, Manager::FromMe::Yes);
+    EXPECT_TRUE(m_manager->newestMessageDate().isValid());
+    EXPECT_EQ(m_manager->newestMessageNotFromMe(), nullptr);
+
+    const auto nobodys = std::make_shared<TwitterDirectMessage>();
+    nobodys->setMessageID(u"2"_s);
+    m_manager->addMessages({ nobodys }, Manager::FromMe::No);
+    EXPECT_EQ(summaryOf(*m_manager), u"bob: 1"_s);
+}
+
+// The answer of a plain search: the first conversation whose correspondent is equal by ID or by exact name.
+TEST_F(DirectMessages, TheIndexFindsWhatASearchThroughTheListFinds)
+{
+    QList<std::pair<TwitterUserPtr, QStringList>> expected;
+    unsigned random = 7;
+    const auto next
+        = [&random](unsigned limit) { return (random = random * 1664525 + 1013904223) / 65536 % limit; };
+    TwitterDirectMessageList messages;
+    for (int id = 1; id <= 400; ++id) {
+        // Few IDs and names, in all combinations and some of them missing, so that they cross each other.
+        const QString userID = next(4) ? QString::number(next(12)) : QString();
+        const QString name = userID.isNull() || next(4) ? u"name%1"_s.arg(next(12)) : QString();
+        const TwitterUserPtr user = person(userID, name);
+        messages.append(message(id, u"x"_s, u"me"_s));
+        messages.last()->setSender(user);
+        const auto found = std::find_if(expected.begin(), expected.end(), [&](const auto& one) {
+            return one.first->isEqual(*user);
+        });
+        if (found == expected.end())
+            expected.append({ user, { QString::number(id) } });
+        else
+            found->second.prepend(QString::number(id));
+    }
+    m_manager->addMessages(messages, Manager::FromMe::No);
+    ASSERT_EQ(m_manager->conversations().size(), expected.size());
+    for (const TwitterDirectMessageConversationPtr& conversation : m_manager->conversations()) {
+        const auto found = std::find_if(expected.begin(), expected.end(), [&](const auto& one) {
+            return one.first == conversation->correspondent();
+        });
+        ASSERT_NE(found, expected.end());
+        EXPECT_EQ(idsOf(conversation->messages()), found->second.join(u' '));
+    }
+}
