@@ -44,13 +44,23 @@ constexpr CommandForm forms[] = {
     { "follow", 1, 0, "follow NAME                follow a person" },
     { "unfollow", 1, 0, "unfollow NAME              stop following" },
     { "follows", 2, 0, "follows A B                whether A follows B" },
+    { "messages", 0, SinceID | MaxID | Page, "messages                   direct messages to the account" },
+    { "sent", 0, SinceID | MaxID | Page, "sent                       direct messages by the account" },
+    { "conversations", 0, 0, "conversations              the newest of both, by person" },
+    { "send",
+        2,
+        0,
+        "send NAME TEXT             send a direct message; TEXT \"-\" is read from standard input" },
+    { "search", 1, Count | SinceID | Page, "search QUERY               posts that the service finds" },
+    { "trends", 0, 0, "trends                     what many write about" },
     { "rate-limit", 0, 0, "rate-limit                 how many requests are left, as the service says it" },
 };
 
 const CommandForm* formOf(const QString& command)
 {
-    const auto found = std::find_if(
-        std::begin(forms), std::end(forms), [&command](const CommandForm& form) { return command == QLatin1String(form.name); });
+    const auto found = std::find_if(std::begin(forms), std::end(forms), [&command](const CommandForm& form) {
+        return command == QLatin1String(form.name);
+    });
     return found == std::end(forms) ? nullptr : found;
 }
 
@@ -174,9 +184,9 @@ KRResult<CommandLine> CommandLine::parse(const QStringList& arguments)
 
 QString CommandLine::usage()
 {
-    QString text
-        = u"Usage: pelinor-cli [--services FILE] [--ca-file FILE] [--account NAME] [--password-stdin] [--json] COMMAND\n\n"
-          "Commands:\n"_s;
+    QString text = u"Usage: pelinor-cli [--services FILE] [--ca-file FILE] [--account NAME] "
+                   u"[--password-stdin] [--json] COMMAND\n\n"
+                   "Commands:\n"_s;
     for (const CommandForm& form : forms)
         text += u"  %1\n"_s.arg(QLatin1String(form.usage));
     return text
@@ -188,6 +198,7 @@ QString CommandLine::usage()
           "  --password-stdin  its password is the first line of standard input\n"
           "  --json            one object a record a line\n"
           "\n"
-          "Exit status: 0 when it worked; 1 with the error's domain, code and description on standard error;\n"
+          "Exit status: 0 when it worked; 1 with the error's domain, code and description on standard "
+          "error;\n"
           "2 for wrong usage.\n"_s;
 }

@@ -8,8 +8,10 @@
 
 using namespace Qt::StringLiterals;
 
-CommandRunner::CommandRunner(
-    CommandLine line, std::shared_ptr<Twitter> twitter, QTextStream& output, QTextStream& errors)
+CommandRunner::CommandRunner(CommandLine line,
+    std::shared_ptr<Twitter> twitter,
+    QTextStream& output,
+    QTextStream& errors)
     : m_line(std::move(line))
     , m_twitter(std::move(twitter))
     , m_output(output)
@@ -32,12 +34,17 @@ TwitterAccountPtr CommandRunner::_findAccount(const QString& password) const
 void CommandRunner::start(const QString& password)
 {
     m_account = _findAccount(password);
-    static const QStringList writing { u"post"_s, u"delete"_s, u"favorite"_s, u"unfavorite"_s, u"follow"_s, u"unfollow"_s };
+    static const QStringList writing { u"post"_s,
+        u"delete"_s,
+        u"favorite"_s,
+        u"unfavorite"_s,
+        u"follow"_s,
+        u"unfollow"_s };
     if (writing.contains(m_line.command))
         _startWriting();
     else if (m_line.command == u"conversation")
         _startConversation();
-    else
+    else if (!_startMessagesOrSearch())
         _startReading();
 }
 
@@ -109,8 +116,10 @@ void CommandRunner::gotBaseStatus(const KRResult<TwitterStatusPtr>& result)
     }
     m_conversation = KRMakeMainThreadObject<TwitterConversationStream>(m_account->context().tables);
     m_conversation->setAccount(m_account);
-    m_conversationObservation = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
-        [this](const auto&) { conversationDidUpdate(); }, m_conversation.get());
+    m_conversationObservation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+            [this](const auto&) { conversationDidUpdate(); },
+            m_conversation.get());
     m_conversation->setBaseStatus(result.value());
 }
 
@@ -133,19 +142,12 @@ void CommandRunner::conversationDidUpdate()
 
 // --- Results
 
-template <class Record>
-void CommandRunner::_print(const Record& record)
-{
-    if (m_line.asJSON)
-        m_output << QJsonDocument(RecordOutput::jsonObject(record)).toJson(QJsonDocument::Compact) << '\n';
-    else
-        m_output << RecordOutput::text(record);
-}
-
 void CommandRunner::_printLine(const char* name, const QJsonValue& value, const QString& text)
 {
     if (m_line.asJSON)
-        m_output << QJsonDocument(QJsonObject { { QLatin1String(name), value } }).toJson(QJsonDocument::Compact) << '\n';
+        m_output
+            << QJsonDocument(QJsonObject { { QLatin1String(name), value } }).toJson(QJsonDocument::Compact)
+            << '\n';
     else
         m_output << RecordOutput::safeForTerminal(text) << '\n';
     m_exitCode = 0;
@@ -153,7 +155,8 @@ void CommandRunner::_printLine(const char* name, const QJsonValue& value, const 
 
 void CommandRunner::_fail(const KRError& error)
 {
-    m_errors << RecordOutput::safeForTerminal(u"%1 %2: %3"_s.arg(error.domain).arg(error.code).arg(error.description))
+    m_errors << RecordOutput::safeForTerminal(
+        u"%1 %2: %3"_s.arg(error.domain).arg(error.code).arg(error.description))
              << Qt::endl;
     m_exitCode = 1;
 }

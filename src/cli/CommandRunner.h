@@ -1,15 +1,25 @@
 #pragma once
 
 #include "cli/CommandLine.h"
+#include "cli/RecordOutput.h"
 #include "core/Twitter.h"
 #include "model/streams/TwitterConversationStream.h"
 
+#include <QJsonDocument>
+#include <QSet>
 #include <QTextStream>
 
-/// Carries out one command with the engine and prints its result. Main thread; run the main loop until isFinished().
+#include <vector>
+
+/// Carries out one command with the engine and prints its result. Main thread; run the main loop until
+/// isFinished().
 class CommandRunner : public std::enable_shared_from_this<CommandRunner> {
 public:
-    CommandRunner(CommandLine line, std::shared_ptr<Twitter> twitter, QTextStream& output, QTextStream& errors);
+    CommandRunner(CommandLine line,
+        std::shared_ptr<Twitter> twitter,
+        QTextStream& output,
+        QTextStream& errors);
+    ~CommandRunner() { dissociateWeakProxy(this); }
 
     /// Starts the command; with a password, in the name of an account that is not in the preferences.
     void start(const QString& password);
@@ -21,6 +31,9 @@ private:
     void _startReading();
     void _startWriting();
     void _startConversation();
+    /// Whether it is a command about messages, searches or trends.
+    [[nodiscard]] bool _startMessagesOrSearch();
+    void _startConversations();
     void _fail(const KRError& error);
     template <class Record>
     void _print(const Record& record);
@@ -34,6 +47,11 @@ private:
     void gotText(const KRResult<QString>& result);
     void gotBaseStatus(const KRResult<TwitterStatusPtr>& result);
     void conversationDidUpdate();
+    void gotMessages(const KRResult<TwitterDirectMessageList>& result);
+    void gotMessage(const KRResult<TwitterDirectMessagePtr>& result);
+    void gotTrends(const KRResult<QStringList>& result);
+    void messagesDidUpdate(const TwitterDirectMessagesStream* stream);
+    void messagesDidFail(const KRError& error);
 
     template <class Result>
     auto _then(void (CommandRunner::*method)(const KRResult<Result>&))
@@ -48,5 +66,17 @@ private:
     TwitterAccountPtr m_account;
     std::shared_ptr<TwitterConversationStream> m_conversation;
     KRObservation m_conversationObservation;
+    // The lists of messages that are still awaited, and what tells of them.
+    QSet<const void*> m_awaitedStreams;
+    std::vector<KRObservation> m_messageObservations;
     std::optional<int> m_exitCode;
 };
+
+template <class Record>
+void CommandRunner::_print(const Record& record)
+{
+    if (m_line.asJSON)
+        m_output << QJsonDocument(RecordOutput::jsonObject(record)).toJson(QJsonDocument::Compact) << '\n';
+    else
+        m_output << RecordOutput::text(record);
+}

@@ -29,6 +29,16 @@ QJsonValue jsonNumber(const std::optional<Number>& number)
     return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
 }
 
+QString ageOf(const QDateTime& date)
+{
+    return date.isValid() ? KRAdditions::relativeTimeAgoString(date) : u"no date"_s;
+}
+
+QString indented(QString text)
+{
+    return text.replace(u'\n', u"\n  "_s);
+}
+
 /// Pairs of location and length in UTF-16 code units.
 QJsonArray jsonRanges(const KRRangeList& ranges)
 {
@@ -65,7 +75,8 @@ QJsonObject jsonObject(const TwitterStatus& status)
         { u"text"_s, status.text() },
         { u"date"_s, jsonDate(status.date()) },
         { u"originalDateString"_s, jsonText(status.originalDateString()) },
-        { u"fromUser"_s, status.fromUser() ? QJsonValue(jsonObject(*status.fromUser())) : QJsonValue(QJsonValue::Null) },
+        { u"fromUser"_s,
+            status.fromUser() ? QJsonValue(jsonObject(*status.fromUser())) : QJsonValue(QJsonValue::Null) },
         { u"inReplyToStatusID"_s, jsonText(status.inReplyToStatusID()) },
         { u"isPartialStatus"_s, status.isPartialStatus() },
         { u"links"_s, jsonRanges(ranges.links()) },
@@ -75,15 +86,35 @@ QJsonObject jsonObject(const TwitterStatus& status)
         { u"emailAddresses"_s, jsonRanges(ranges.emailAddresses()) } };
 }
 
+QJsonObject jsonObject(const TwitterDirectMessage& message)
+{
+    const auto person = [](const TwitterUserPtr& user) {
+        return user ? QJsonValue(jsonObject(*user)) : QJsonValue(QJsonValue::Null);
+    };
+    return { { u"messageID"_s, jsonText(message.messageID()) },
+        { u"text"_s, message.text() },
+        { u"date"_s, jsonDate(message.date()) },
+        { u"sender"_s, person(message.sender()) },
+        { u"recipient"_s, person(message.recipient()) } };
+}
+
+QJsonObject jsonObject(const TwitterDirectMessageConversation& conversation)
+{
+    QJsonArray messages;
+    for (const TwitterDirectMessagePtr& message : conversation.messages())
+        messages.append(jsonObject(*message));
+    return { { u"correspondent"_s, jsonObject(*conversation.correspondent()) }, { u"messages"_s, messages } };
+}
+
 QString text(const TwitterStatus& status)
 {
     const TwitterUserPtr author = status.fromUser();
     const QString name = author ? u"%1 (%2)"_s.arg(author->username(), author->fullName()) : u"?"_s;
-    const QString age = status.date().isValid() ? KRAdditions::relativeTimeAgoString(status.date()) : u"no date"_s;
+    const QString age = ageOf(status.date());
     QString head = u"%1, %2, %3"_s.arg(name, age, status.statusID());
     if (!status.inReplyToStatusID().isNull())
         head += u", answers %1"_s.arg(status.inReplyToStatusID());
-    return safeForTerminal(u"%1\n  %2\n"_s.arg(head, QString(status.text()).replace(u'\n', u"\n  "_s)));
+    return safeForTerminal(u"%1\n  %2\n"_s.arg(head, indented(status.text())));
 }
 
 QString text(const TwitterUser& user)
@@ -93,7 +124,8 @@ QString text(const TwitterUser& user)
         if (!value.isEmpty())
             lines += u"\n  %1: %2"_s.arg(QLatin1String(label), value);
     };
-    const auto number = [](const std::optional<qint32>& value) { return value ? QString::number(*value) : QString(); };
+    const auto number
+        = [](const std::optional<qint32>& value) { return value ? QString::number(*value) : QString(); };
     add("ID", user.userID());
     add("Location", user.location());
     add("Web", user.url().toDisplayString());
@@ -105,10 +137,30 @@ QString text(const TwitterUser& user)
     return safeForTerminal(lines + u'\n');
 }
 
+QString text(const TwitterDirectMessage& message)
+{
+    const auto nameOf = [](const TwitterUserPtr& user) { return user ? user->username() : u"?"_s; };
+    return safeForTerminal(u"%1 to %2, %3, %4\n  %5\n"_s.arg(nameOf(message.sender()),
+        nameOf(message.recipient()),
+        ageOf(message.date()),
+        message.messageID(),
+        indented(message.text())));
+}
+
+QString text(const TwitterDirectMessageConversation& conversation)
+{
+    const TwitterUser& correspondent = *conversation.correspondent();
+    QString lines = safeForTerminal(u"%1 (%2)\n"_s.arg(correspondent.username(), correspondent.fullName()));
+    for (const TwitterDirectMessagePtr& message : conversation.messages())
+        lines += u"  %1\n"_s.arg(indented(text(*message).trimmed()));
+    return lines;
+}
+
 QString safeForTerminal(QString text)
 {
     for (QChar& character : text) {
-        const bool isCommand = character.category() == QChar::Other_Control && character != u'\n' && character != u'\t';
+        const bool isCommand
+            = character.category() == QChar::Other_Control && character != u'\n' && character != u'\t';
         if (isCommand)
             character = QChar::ReplacementCharacter;
     }

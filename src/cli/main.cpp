@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The first line of standard input; what follows is left to "post -".
+/// The first line of standard input; what follows is left to "post -" and "send NAME -".
 QString readPassword(QTextStream& input)
 {
     QString line = input.readLine();
@@ -27,11 +27,14 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
         return 2;
     }
     KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-    settings.extraCAFile = line.caFile.isEmpty() ? KRUserDefaults::standardUserDefaults().stringForKey("ExtraCAFile") : line.caFile;
+    settings.extraCAFile = line.caFile.isEmpty()
+        ? KRUserDefaults::standardUserDefaults().stringForKey("ExtraCAFile")
+        : line.caFile;
     KRHTTPTransportSettings::setCurrent(settings);
     const QString password = line.passwordFromStandardInput ? readPassword(input) : QString();
-    if (line.command == u"post" && line.arguments.value(0) == u"-")
-        line.arguments[0] = input.readAll().trimmed();
+    const bool takesText = line.command == u"post" || line.command == u"send";
+    if (takesText && line.arguments.last() == u"-")
+        line.arguments.last() = input.readAll().trimmed();
 
     TwitterEnvironment environment;
     environment.hosts = hosts.value();

@@ -1,0 +1,104 @@
+#include "api/TwitterSearchAPI.h"
+#include "cli/CommandRunner.h"
+
+using namespace Qt::StringLiterals;
+
+bool CommandRunner::_startMessagesOrSearch()
+{
+    const QString& command = m_line.command;
+    const QString argument = m_line.arguments.value(0);
+    const auto messages = [this] { return m_account->accountRequest(_then(&CommandRunner::gotMessages)); };
+    const TwitterServiceHosts& hosts = m_account->context().hosts;
+    if (command == u"messages")
+        messages()->directMessagesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
+    else if (command == u"sent")
+        messages()->sentDirectMessagesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
+    else if (command == u"conversations")
+        _startConversations();
+    else if (command == u"send")
+        m_account->accountRequest(_then(&CommandRunner::gotMessage))
+            ->sendToUsername(m_line.arguments.value(1), argument);
+    else if (command == u"search")
+        TwitterSearchAPI::request(hosts, _then(&CommandRunner::gotStatuses))
+            ->search(argument, m_line.count, m_line.page, m_line.sinceID, {});
+    else if (command == u"trends")
+        TwitterSearchAPI::request(hosts, _then(&CommandRunner::gotTrends))->trends();
+    else
+        return false;
+    return true;
+}
+
+// --- Conversations by direct message
+
+void CommandRunner::_startConversations()
+{
+    const auto manager = m_account->directMessagesManager();
+    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
+    for (const TwitterDirectMessagesStream* stream :
+        QList<const TwitterDirectMessagesStream*> { manager->receivedStream().get(),
+            manager->sentStream().get() }) {
+        m_awaitedStreams.insert(stream);
+        m_messageObservations.push_back(center.observe<TwitterStreamDidUpdateNotification>(
+            [this, stream](const auto&) { messagesDidUpdate(stream); },
+            stream));
+        // This one is posted on the background thread.
+        m_messageObservations.push_back(center.observe<TwitterStreamErrorNotification>(
+            [self = weakMainThreadProxy(shared_from_this())](
+                const TwitterStreamErrorNotification& notification) {
+                self.perform(&CommandRunner::messagesDidFail, notification.error);
+            },
+            stream));
+    }
+    manager->refresh();
+}
+
+void CommandRunner::messagesDidUpdate(const TwitterDirectMessagesStream* stream)
+{
+    m_awaitedStreams.remove(stream);
+    if (!m_awaitedStreams.isEmpty() || isFinished())
+        return;
+    for (const TwitterDirectMessageConversationPtr& conversation :
+        m_account->directMessagesManager()->conversations())
+        _print(*conversation);
+    m_exitCode = 0;
+}
+
+void CommandRunner::messagesDidFail(const KRError& error)
+{
+    if (!isFinished())
+        _fail(error);
+}
+
+// --- Results
+
+void CommandRunner::gotMessages(const KRResult<TwitterDirectMessageList>& result)
+{
+    if (result.isError()) {
+        _fail(result.error());
+        return;
+    }
+    for (const TwitterDirectMessagePtr& message : result.value())
+        _print(*message);
+    m_exitCode = 0;
+}
+
+void CommandRunner::gotMessage(const KRResult<TwitterDirectMessagePtr>& result)
+{
+    if (result.isError()) {
+        _fail(result.error());
+        return;
+    }
+    _print(*result.value());
+    m_exitCode = 0;
+}
+
+void CommandRunner::gotTrends(const KRResult<QStringList>& result)
+{
+    if (result.isError()) {
+        _fail(result.error());
+        return;
+    }
+    for (const QString& name : result.value())
+        _printLine("name", name, name);
+    m_exitCode = 0;
+}
