@@ -48,7 +48,8 @@ protected:
     [[nodiscard]] static bool waitForNewer(TwitterConcreteStatusesStream& stream)
     {
         stream.loadNewer();
-        return KRWaitUntil([&] { return !stream.isLoadingNewer(); }) && _settle();
+        // Pages of 50 MB take a while under a sanitizer on a busy machine.
+        return KRWaitUntil([&] { return !stream.isLoadingNewer(); }, std::chrono::minutes(2)) && _settle();
     }
     [[nodiscard]] static bool waitForOlder(TwitterConcreteStatusesStream& stream)
     {
