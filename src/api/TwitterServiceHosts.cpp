@@ -3,6 +3,7 @@
 #include "foundation/KRUserDefaults.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSettings>
 
 using namespace Qt::StringLiterals;
@@ -12,6 +13,16 @@ namespace {
 KRError serviceError(const QString& description)
 {
     return errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain), -1, description);
+}
+
+constexpr auto httpPrefix = "http://"_L1;
+constexpr auto httpsPrefix = "https://"_L1;
+
+// A name or number that never leaves this computer; the host as QUrl writes it.
+bool isLoopbackHost(const QString& host)
+{
+    static const QRegularExpression network(u"\\A127(\\.[0-9]{1,3}){3}\\z"_s);
+    return host == "localhost"_L1 || host == "::1"_L1 || network.match(host).hasMatch();
 }
 
 } // namespace
@@ -49,8 +60,44 @@ KRResult<QUrl> TwitterServiceHosts::RESTURLForPath(const QString& path) const
 
 KRResult<QUrl> TwitterServiceHosts::searchURLForPath(const QString& path) const
 {
-    const bool isSecure = searchHost().startsWith("https://"_L1, Qt::CaseInsensitive);
-    return _URLForPath(path, searchHostKey, isSecure ? "https"_L1 : "http"_L1);
+    return publicURLForPath(path, searchHostKey);
+}
+
+KRResult<QUrl> TwitterServiceHosts::publicURLForPath(const QString& path, const char* key) const
+{
+    const bool isSecure = valueForKey(QLatin1String(key)).startsWith(httpsPrefix, Qt::CaseInsensitive);
+    return _URLForPath(path, key, isSecure ? "https"_L1 : "http"_L1);
+}
+
+KRResult<QUrl>
+TwitterServiceHosts::uploadURLForPath(const QString& path, const char* key, ServiceScheme scheme) const
+{
+    const QString value = valueForKey(QLatin1String(key));
+    const bool isPlain = value.startsWith(httpPrefix, Qt::CaseInsensitive);
+    const bool isSecure = value.startsWith(httpsPrefix, Qt::CaseInsensitive);
+    const QUrl written(isPlain || isSecure ? value : httpPrefix + value, QUrl::StrictMode);
+    const bool isLocal = isLoopbackHost(written.host());
+    if (isPlain && !isLocal)
+        return serviceError(u"%1 would take the password unprotected: only https is used there"_s.arg(value));
+    if ((isPlain || isSecure) && !written.path().isEmpty() && !written.path().endsWith(u'/')) {
+        if (!written.isValid() || written.host().isEmpty() || !written.userInfo().isEmpty()
+            || written.hasFragment())
+            return serviceError(u"%1 is no address of a service"_s.arg(value));
+        return written;
+    }
+    const bool usesPlain = isPlain || (!isSecure && isLocal && scheme == ServiceScheme::HTTP);
+    return _URLForPath(path, key, usesPlain ? "http"_L1 : "https"_L1);
+}
+
+QString TwitterServiceHosts::linkPrefixForKey(const char* key) const
+{
+    QString host = valueForKey(QLatin1String(key));
+    while (host.endsWith(u'/'))
+        host.chop(1);
+    if (host.isEmpty())
+        return {};
+    const bool hasScheme = host.startsWith(httpPrefix) || host.startsWith(httpsPrefix);
+    return (hasScheme ? host : httpPrefix + host) + u'/';
 }
 
 // The host may be written with this scheme, and with no other.

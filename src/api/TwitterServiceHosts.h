@@ -15,7 +15,8 @@ inline constexpr char16_t TwitterServiceErrorDomain[] = u"com.kestrin.pelinor";
 /// The table of the service's hosts; none is known to the program otherwise. A host may carry a port and a
 /// folder: "example.org", "example.org:8443/api". A value; any thread.
 ///
-/// Keys: "RESTHost" (XML interface), "SearchHost" (search interface), "WebHost" (pages people look at).
+/// Keys: "RESTHost" (XML interface), "SearchHost" (search interface), "WebHost" (pages people look at), and
+/// those of TwitterServiceHostKeys.h for the outside services.
 class TwitterServiceHosts {
 public:
     /// The group of the user defaults, and of a services file, that holds the table.
@@ -23,6 +24,9 @@ public:
     static constexpr char RESTHostKey[] = "RESTHost";
     static constexpr char searchHostKey[] = "SearchHost";
     static constexpr char webHostKey[] = "WebHost";
+
+    /// How a service wants to be spoken to.
+    enum class ServiceScheme { HTTP, HTTPS };
 
     /// The built-in defaults: no host.
     TwitterServiceHosts() = default;
@@ -46,6 +50,17 @@ public:
     /// The same for the search interface: https when the host is written with that scheme, else http, as the
     /// interface is public.
     KRResult<QUrl> searchURLForPath(const QString& path) const;
+    /// The same for an outside service that is told nothing secret: https when its host is written with that
+    /// scheme, else http.
+    KRResult<QUrl> publicURLForPath(const QString& path, const char* key) const;
+    /// The address that files go to, with a user name and password. The service's scheme counts for a host
+    /// written without one. A value with a scheme and a path is the whole address, unless it ends in a slash.
+    /// Plain http is kept to this computer: elsewhere a host without a scheme is asked over https, and one
+    /// written with http is an error.
+    KRResult<QUrl> uploadURLForPath(const QString& path, const char* key, ServiceScheme scheme) const;
+    /// What the links of an outside service begin with, up to and with the slash behind the host; http unless
+    /// the host is written with https. Null when the service has no host.
+    [[nodiscard]] QString linkPrefixForKey(const char* key) const;
 
 private:
     KRResult<QUrl> _URLForPath(const QString& path, const char* key, QLatin1String scheme) const;

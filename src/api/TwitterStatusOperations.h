@@ -39,8 +39,8 @@ public:
     void statusWithID(const QString& statusID);
     void update(const QString& text, const QString& inReplyToStatusID);
     void destroyStatus(const QString& statusID);
-    /// Make the status a favourite, or take that back, for callers who want to know whether it worked. The group
-    /// without results has the same operations for those who do not.
+    /// Make the status a favourite, or take that back, for callers who want to know whether it worked. The
+    /// group without results has the same operations for those who do not.
     void createFavorite(const QString& statusID);
     void destroyFavorite(const QString& statusID);
 

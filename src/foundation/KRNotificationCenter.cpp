@@ -67,7 +67,8 @@ KRNotificationCenter& KRNotificationCenter::defaultCenter()
 KRObservation KRNotificationCenter::_add(std::type_index type, const void* object, Handler handler)
 {
     // Not make_shared: clang 14 cannot make an aggregate with it.
-    std::shared_ptr<KRObservation::Entry> entry(new KRObservation::Entry { type, object, std::move(handler) });
+    std::shared_ptr<KRObservation::Entry> entry(
+        new KRObservation::Entry { type, object, std::move(handler) });
     std::scoped_lock guard(m_table->lock);
     m_table->entries[type].push_back(entry);
     return { m_table, std::move(entry) };

@@ -111,4 +111,58 @@ TEST_F(ServiceHosts, SearchIsPlainUnlessItsHostSaysOtherwise)
     }
 }
 
+TEST_F(ServiceHosts, PasswordsLeaveThisComputerOverHTTPSAlone)
+{
+    const struct {
+        QString value;
+        QByteArray secure; // of a service that speaks https
+        QByteArray plain; // of one that speaks http
+    } cases[] = {
+        { u"m.example"_s, "https://m.example/api/upload", "https://m.example/api/upload" },
+        { u"m.example:81/f/"_s, "https://m.example:81/f/api/upload", "https://m.example:81/f/api/upload" },
+        { u"https://m.example"_s, "https://m.example/api/upload", "https://m.example/api/upload" },
+        { u"https://m.example/f/"_s, "https://m.example/f/api/upload", "https://m.example/f/api/upload" },
+        { u"https://m.example/up.php?a=b"_s, "https://m.example/up.php?a=b", "https://m.example/up.php?a=b" },
+        { u"127.0.0.1:8/f"_s, "https://127.0.0.1:8/f/api/upload", "http://127.0.0.1:8/f/api/upload" },
+        { u"localhost:8"_s, "https://localhost:8/api/upload", "http://localhost:8/api/upload" },
+        { u"[::1]:8"_s, "https://[::1]:8/api/upload", "http://[::1]:8/api/upload" },
+        { u"http://127.0.0.1:8"_s, "http://127.0.0.1:8/api/upload", "http://127.0.0.1:8/api/upload" },
+        { u"HTTP://LocalHost/up"_s, "http://localhost/up", "http://localhost/up" },
+        { u"127.0.0.1.m.example"_s,
+            "https://127.0.0.1.m.example/api/upload",
+            "https://127.0.0.1.m.example/api/upload" },
+        { u"http://m.example"_s, {}, {} },
+        { u"http://m.example/up"_s, {}, {} },
+        { u"http://127.0.0.1@m.example/up"_s, {}, {} },
+        { u"https://user:pw@m.example/up"_s, {}, {} },
+        { u"https://m.example/up#x"_s, {}, {} },
+        { u"https:///up"_s, {}, {} },
+        { u"ftp://127.0.0.1/up"_s, {}, {} },
+        { u""_s, {}, {} },
+    };
+    for (const auto& test : cases) {
+        TwitterServiceHosts hosts;
+        hosts.setValueForKey(test.value, u"PixImAPIHost"_s);
+        const auto url = [&](TwitterServiceHosts::ServiceScheme scheme) {
+            const auto result = hosts.uploadURLForPath(u"api/upload"_s, "PixImAPIHost", scheme);
+            return result.isError() ? QByteArray() : result.value().toEncoded();
+        };
+        EXPECT_EQ(url(TwitterServiceHosts::ServiceScheme::HTTPS), test.secure) << qPrintable(test.value);
+        EXPECT_EQ(url(TwitterServiceHosts::ServiceScheme::HTTP), test.plain) << qPrintable(test.value);
+    }
+}
+
+TEST_F(ServiceHosts, LinkPrefixesEndInOneSlash)
+{
+    TwitterServiceHosts hosts;
+    EXPECT_TRUE(hosts.linkPrefixForKey("BitlyLinkHost").isNull());
+    for (const auto& [value, prefix] : { std::pair(u"s.example"_s, u"http://s.example/"_s),
+             std::pair(u"127.0.0.1:8/f//"_s, u"http://127.0.0.1:8/f/"_s),
+             std::pair(u"http://s.example"_s, u"http://s.example/"_s),
+             std::pair(u"https://s.example/"_s, u"https://s.example/"_s) }) {
+        hosts.setValueForKey(value, u"BitlyLinkHost"_s);
+        EXPECT_EQ(hosts.linkPrefixForKey("BitlyLinkHost"), prefix);
+    }
+}
+
 } // namespace

@@ -9,9 +9,8 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
@@ -21,8 +20,8 @@ namespace {
 
 const QString service = u"com.kestrin.pelinor-test"_s;
 
-/// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the daemon is a
-/// new one, as after an update of it.
+/// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the
+/// daemon is a new one, as after an update of it.
 void unlockLikeTheUser()
 {
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
@@ -83,7 +82,8 @@ TEST(TwitterAccount, KeepsItsPasswordInTheKeychainOnly)
     {
         KRUserDefaults defaults(path);
         const auto twitter = makeTwitter(defaults);
-        twitter->addAccount(TwitterAccount::accountWithUsername(u"erin"_s, u"top secret"_s, twitter->accountContext()));
+        twitter->addAccount(
+            TwitterAccount::accountWithUsername(u"erin"_s, u"top secret"_s, twitter->accountContext()));
     }
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
@@ -100,7 +100,8 @@ TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
     KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
     {
         const auto twitter = makeTwitter(defaults);
-        twitter->addAccount(TwitterAccount::accountWithUsername(u"frank"_s, u"locked in"_s, twitter->accountContext()));
+        twitter->addAccount(
+            TwitterAccount::accountWithUsername(u"frank"_s, u"locked in"_s, twitter->accountContext()));
     }
     ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
     KRTestLog log;
@@ -116,9 +117,11 @@ TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
     // A password that is given meanwhile is kept in memory, and its storing fails with the error for that.
     const KRResult<void> stored = KRKeychain::setPassword(u"new"_s, u"grace"_s, service);
     ASSERT_TRUE(stored.isError());
-    EXPECT_EQ(stored.error(), errorWithDomain(u"com.kestrin.keychain"_s, -1, u"could not store item in keychain"_s));
-    EXPECT_TRUE(log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
-                             "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
+    EXPECT_EQ(stored.error(),
+        errorWithDomain(u"com.kestrin.keychain"_s, -1, u"could not store item in keychain"_s));
+    EXPECT_TRUE(
+        log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
+                     "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
 
     unlockLikeTheUser();
     EXPECT_TRUE(KRWaitUntil([&] {

@@ -44,8 +44,9 @@ TEST_F(TwitterTest, BeatsAfterThreeSecondsAndThenEverySixMinutes)
     KRManualClock clock;
     QList<qint64> beats;
     const auto start = clock.monotonicNow();
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterHeartbeatNotification>(
-        [&](const auto&) { beats.append((clock.monotonicNow() - start) / 1s); });
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterHeartbeatNotification>(
+            [&](const auto&) { beats.append((clock.monotonicNow() - start) / 1s); });
     const auto twitter = makeTwitter(true);
     clock.advance(1000s);
     EXPECT_EQ(beats, (QList<qint64> { 3, 360, 720 }));
@@ -64,12 +65,13 @@ TEST_F(TwitterTest, RefreshesAccountsTwoSecondsApart)
         owners[account->timelineStream().get()] = account->username();
     std::mutex lock;
     QStringList refreshed;
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
-        [&](const TwitterStreamErrorNotification& notification) {
-            std::scoped_lock guard(lock);
-            if (owners.contains(notification.object))
-                refreshed.append(owners.value(notification.object));
-        });
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+            [&](const TwitterStreamErrorNotification& notification) {
+                std::scoped_lock guard(lock);
+                if (owners.contains(notification.object))
+                    refreshed.append(owners.value(notification.object));
+            });
     const auto seen = [&] {
         std::scoped_lock guard(lock);
         return refreshed.join(u' ');

@@ -15,12 +15,15 @@ KRTestSite::KRTestSite()
                 function = m_answers.value(path);
             }
             if (!function) {
-                ADD_FAILURE() << "nobody expected " << request.method.toStdString() << ' ' << request.target.toStdString();
+                ADD_FAILURE() << "nobody expected " << request.method.toStdString() << ' '
+                              << request.target.toStdString();
                 connection.respond(404, {});
                 return;
             }
             const Answer answer = function(request);
-            connection.respond(answer.status, answer.body, "Content-Type: application/xml; charset=utf-8\r\n");
+            connection.respond(answer.status,
+                answer.body,
+                "Content-Type: application/xml; charset=utf-8\r\n");
         },
         KRTestCertificate::Good)
 {
@@ -47,21 +50,25 @@ QList<QByteArray> KRTestSite::targets() const
 
 QByteArray KRTestSite::user(int id, const QByteArray& name)
 {
-    return "<user><id>" + QByteArray::number(id) + "</id><name></name><screen_name>" + name + "</screen_name></user>";
+    return "<user><id>" + QByteArray::number(id) + "</id><name></name><screen_name>" + name
+        + "</screen_name></user>";
 }
 
-QByteArray KRTestSite::status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo)
+QByteArray
+KRTestSite::status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo)
 {
     // One minute per ID, so that a higher ID is a later post.
     const QDateTime date = QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs(id * 60LL);
-    const QByteArray dateText = QLocale::c().toString(date, QStringLiteral("ddd MMM dd HH:mm:ss '+0000' yyyy")).toLatin1();
+    const QByteArray dateText
+        = QLocale::c().toString(date, QStringLiteral("ddd MMM dd HH:mm:ss '+0000' yyyy")).toLatin1();
     const auto userID = static_cast<int>(qHash(author, 0) % 1000 + 1);
-    return "<status><text>" + text + "</text><created_at>" + dateText + "</created_at><id>" + QByteArray::number(id)
-        + "</id><in_reply_to_status_id>" + inReplyTo + "</in_reply_to_status_id>" + user(userID, author)
-        + "</status>";
+    return "<status><text>" + text + "</text><created_at>" + dateText + "</created_at><id>"
+        + QByteArray::number(id) + "</id><in_reply_to_status_id>" + inReplyTo + "</in_reply_to_status_id>"
+        + user(userID, author) + "</status>";
 }
 
 QByteArray KRTestSite::statuses(const QList<QByteArray>& elements)
 {
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><statuses type=\"array\">" + elements.join() + "</statuses>";
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?><statuses type=\"array\">" + elements.join()
+        + "</statuses>";
 }

@@ -7,8 +7,8 @@
 #include <functional>
 #include <mutex>
 
-/// A site over TLS that answers the paths a test has told it, and fails the test on any other. Answers are functions,
-/// so that a test can change them; they run on the server's threads.
+/// A site over TLS that answers the paths a test has told it, and fails the test on any other. Answers are
+/// functions, so that a test can change them; they run on the server's threads.
 class KRTestSite {
 public:
     struct Answer {
@@ -29,8 +29,8 @@ public:
     [[nodiscard]] QList<KRTestServer::Request> requests() const { return m_server.requests(); }
 
     /// One "status" element in the form that sites send.
-    static QByteArray status(
-        int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo = {});
+    static QByteArray
+    status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo = {});
     /// The document around elements.
     static QByteArray statuses(const QList<QByteArray>& elements);
     static QByteArray user(int id, const QByteArray& name);

@@ -1,5 +1,4 @@
 #include "KRTestStreamAccount.h"
-
 #include "foundation/KRMainThreadObject.h"
 #include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterConversationStream.h"
@@ -23,9 +22,8 @@ protected:
     }
     [[nodiscard]] bool waitForEnd()
     {
-        return KRWaitUntil([this] { return m_stream->isAtEnd(); }) && KRWaitUntil([] {
-            return KRRunLoop::main().timeUntilNextWork() == std::nullopt;
-        });
+        return KRWaitUntil([this] { return m_stream->isAtEnd(); })
+            && KRWaitUntil([] { return KRRunLoop::main().timeUntilNextWork() == std::nullopt; });
     }
 
     KRTestSite m_site;
@@ -70,7 +68,8 @@ TEST_F(Conversation, EndsWithAnErrorRowWhereAStatusWasDeleted)
 
 TEST_F(Conversation, AlwaysEnds)
 {
-    // A circle, a status that answers itself, one that is dated after its answer, and one that answers nothing.
+    // A circle, a status that answers itself, one that is dated after its answer, and one that answers
+    // nothing.
     m_account->tables()->definitiveStatus(KRTestStatus(11, u"circle"_s, u"12"_s, 1));
     for (const TwitterStatusPtr& base : { KRTestStatus(12, u"circle"_s, u"11"_s, 2),
              KRTestStatus(20, u"self"_s, u"20"_s),

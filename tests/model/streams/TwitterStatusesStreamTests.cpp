@@ -1,5 +1,4 @@
 #include "KRTestStreamAccount.h"
-
 #include "foundation/KRMainThreadObject.h"
 #include "foundation/KRNotificationCenter.h"
 #include "foundation/KRUserDefaults.h"
@@ -9,7 +8,6 @@
 #include "support/KRTestLog.h"
 
 #include <gtest/gtest.h>
-
 #include <typeinfo>
 
 using namespace Qt::StringLiterals;
@@ -70,8 +68,10 @@ TEST(TwitterConcreteStatusesStream, MergesWithoutDuplicatesAndTellsObservers)
 {
     const auto stream = makeStream();
     int updates = 0;
-    const KRObservation observation = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
-        [&](const auto&) { ++updates; }, stream.get());
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+            [&](const auto&) { ++updates; },
+            stream.get());
     stream->addStatuses(statusesFrom(1, 3));
     const TwitterStatusPtr known = stream->newestStatus();
     stream->addStatuses(statusesFrom(2, 5));

@@ -1,0 +1,125 @@
+#include "services/TwitPicCompatibleImageService.h"
+
+#include "api/TwitterCredentials.h"
+#include "foundation/KRLog.h"
+#include "parsing/KRXMLParser.h"
+#include "services/TwitterServiceRequest.h"
+#include "transport/KRHTTPMultipartFormData.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+KRError programError(const QString& description)
+{
+    return errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain), -1, description);
+}
+
+KRError postError(const char16_t* domain)
+{
+    return errorWithDomain(QString::fromUtf16(domain), -1, u"Could not post image."_s);
+}
+
+// What is posted for others to open: an address on the network.
+bool isLink(const QUrl& url)
+{
+    return url.isValid() && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1)
+        && !url.host().isEmpty();
+}
+
+KRResult<QUrl> linkInAnswer(const QByteArray& body, const QByteArray& tag)
+{
+    QString link;
+    const auto handler = KRXMLParser::Handler::withFunction([&](KRXMLParser& parser) {
+        if (parser.elementName() == tag.toStdString() && parser.hasCharacters())
+            link = parser.characters();
+    });
+    // A document may go wrong behind the link, when the file has long been stored.
+    (void)KRXMLParser::parseData(body, handler);
+    if (link.isEmpty())
+        return postError(TwitPicCompatibleErrorDomain);
+    const QUrl url(link, QUrl::StrictMode);
+    if (!isLink(url))
+        return postError(TwitPicCompatibleURLErrorDomain);
+    return url;
+}
+
+// Found before anything is sent: the form takes a file that cannot be read for an empty one.
+KRResult<QUrl>
+checkedAddress(const KRResult<QUrl>& address, const QString& path, const TwitterCredentials& account)
+{
+    if (address.isError())
+        return address;
+    const QFileInfo file(path);
+    if (!file.isFile() || !file.isReadable())
+        return programError(u"The file %1 cannot be read"_s.arg(path));
+    if (account.password().isNull())
+        return programError(u"The password of %1 is not known"_s.arg(account.username()));
+    return address;
+}
+
+} // namespace
+
+void TwitPicCompatibleImageService::postImage(const TwitterServiceHosts& hosts,
+    const QString& path,
+    const TwitterCredentials& account,
+    KRCallback<QUrl> callback) const
+{
+    _post(Media::Image, hosts, path, account, std::move(callback));
+}
+
+void TwitPicCompatibleImageService::postVideo(const TwitterServiceHosts& hosts,
+    const QString& path,
+    const TwitterCredentials& account,
+    KRCallback<QUrl> callback) const
+{
+    _post(Media::Video, hosts, path, account, std::move(callback));
+}
+
+KRResult<QUrl> TwitPicCompatibleImageService::apiRoot(const TwitterServiceHosts&) const
+{
+    const QString text = u"Error: generic twitpic compatible service used"_s;
+    KRLog(text);
+    return programError(text);
+}
+
+QString TwitPicCompatibleImageService::mediaParameterName() const
+{
+    return u"media"_s;
+}
+
+QString TwitPicCompatibleImageService::mediaURLResponseTag() const
+{
+    return u"mediaurl"_s;
+}
+
+void TwitPicCompatibleImageService::_post(Media media,
+    const TwitterServiceHosts& hosts,
+    const QString& path,
+    const TwitterCredentials& account,
+    KRCallback<QUrl> callback) const
+{
+    const KRResult<QUrl> address = checkedAddress(apiRoot(hosts), path, account);
+    const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
+    request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
+    if (!address.isError()) {
+        const auto form = std::make_shared<KRHTTPMultipartFormData>();
+        form->addTextPart(account.username(), u"username"_s);
+        form->addTextPart(account.password(), u"password"_s);
+        form->addTextPart(u"pelinor"_s, u"source"_s);
+        if (media == Media::Image)
+            form->addImageFile(path, mediaParameterName());
+        else
+            form->addVideoFile(path, mediaParameterName());
+        request->setMultipartFormData(form);
+    }
+    const auto answered = [tag = mediaURLResponseTag().toUtf8(), callback](KRHTTPRequest& answer) {
+        if (answer.error())
+            callback.invoke(*answer.error());
+        else
+            callback.invoke(linkInAnswer(answer.data(), tag));
+    };
+    TwitterServiceRequest::start(request, address, KRCallback<KRHTTPRequest&>::withFunction(answered));
+}

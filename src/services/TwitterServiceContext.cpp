@@ -1,0 +1,9 @@
+#include "services/TwitterServiceContext.h"
+
+#include "foundation/KRUserDefaults.h"
+
+int TwitterServiceContext::preferenceForKey(const char* key) const
+{
+    const KRUserDefaults& store = defaults ? *defaults : KRUserDefaults::standardUserDefaults();
+    return store.integerForKey(key);
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "foundation/KRResult.h"
+#include "text/KRParameters.h"
+#include "transport/KRHTTPRequest.h"
+
+#include <QUrl>
+
+/// How every request to an outside service is sent. Any thread.
+namespace TwitterServiceRequest {
+
+/// Sends the request to the address, or ends it with the address's error: then nothing is sent, and the
+/// request's response callback gets it on the shared background thread, as it would get an answer.
+void start(const std::shared_ptr<KRHTTPRequest>& request,
+    const KRResult<QUrl>& url,
+    KRCallback<KRHTTPRequest&> callback);
+
+/// Sends a GET, which ends as above.
+void GET(const KRResult<QUrl>& url, KRCallback<KRHTTPRequest&> callback);
+
+/// The path with the parameters as its query.
+[[nodiscard]] QString pathWithQuery(const QString& path, const KRParameters& parameters);
+
+/// A handler that gives the caller's callback what is read from the answer, or the error of the request just
+/// as it is.
+template <class Result>
+[[nodiscard]] KRCallback<KRHTTPRequest&> answerHandler(KRResult<Result> (*read)(const KRHTTPRequest& request),
+    KRCallback<Result> callback)
+{
+    return KRCallback<KRHTTPRequest&>::withFunction([read, callback](KRHTTPRequest& request) {
+        if (request.error())
+            callback.invoke(*request.error());
+        else
+            callback.invoke(read(request));
+    });
+}
+
+} // namespace TwitterServiceRequest

@@ -1,0 +1,259 @@
+#include "ServicesFixture.h"
+#include "api/TwitterServiceHostKeys.h"
+#include "foundation/KRFileManager.h"
+#include "services/PictureServices.h"
+#include "transport/KRHTTPMultipartFormData.h"
+#include "transport/KRHTTPRequest.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using namespace TwitterServiceHostKeys;
+
+class KRImageServiceTest : public ServicesFixture {
+protected:
+    KRImageServiceTest()
+        : ServicesFixture(KRTestCertificate::Good)
+    {
+        for (const char* key :
+            { TwitPicAPIHost, YFrogAPIHost, TwitgooAPIHost, PosterousAPIHost, ImgLyAPIHost, PixImAPIHost })
+            setHost(key, u"https://"_s + server.host());
+        for (const auto& [key, host] : { std::pair(TwitPicLinkHost, u"tp.example"_s),
+                 std::pair(YFrogLinkHost, u"yf.example"_s),
+                 std::pair(YFrogSecondLinkHost, u"yf2.example"_s),
+                 std::pair(TwitgooLinkHost, u"tg.example"_s),
+                 std::pair(ImgLyLinkHost, u"il.example"_s),
+                 std::pair(PixImLinkHost, u"px.example/f"_s) })
+            setHost(key, host);
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("picture\r\n");
+        answer(200, "<rsp><mediaurl>http://a.example/1</mediaurl></rsp>");
+    }
+    ~KRImageServiceTest() override
+    {
+        // However an upload ended, nothing of it stays behind.
+        EXPECT_TRUE(QDir(KRFileManager::multipartPOSTDataDirectory()).isEmpty(QDir::Files));
+    }
+
+    KRResult<QUrl> postImage(int preference, const TestCredentials& account = TestCredentials())
+    {
+        defaults.setInteger(ImageServicePreferredServiceDefaultsKey, preference);
+        return resultOf<QUrl>([&](const KRCallback<QUrl>& callback) {
+            KRImageService::postImage(context, path, account, callback);
+        });
+    }
+    KRResult<QUrl> postVideo()
+    {
+        return resultOf<QUrl>([&](const KRCallback<QUrl>& callback) {
+            KRImageService::postVideo(context, path, TestCredentials(), callback);
+        });
+    }
+
+    QString path = folder.filePath(u"a file.png"_s);
+};
+
+QByteArray form(const QByteArray& name, const QByteArray& filename, const QByteArray& type)
+{
+    const QByteArray line = "--" + KRHTTPMultipartFormData::boundary() + "\r\n";
+    const auto text = [&](const QByteArray& field, const QByteArray& value) {
+        return line + "Content-Disposition: form-data; name=\"" + field + "\"\r\n\r\n" + value + "\r\n";
+    };
+    return text("username", "alice") + text("password", "wonderland") + text("source", "pelinor") + line
+        + "Content-Disposition: form-data; name=\"" + name + "\"; filename=\"" + filename
+        + "\"\r\nContent-Type: " + type + "\r\n\r\npicture\r\n\r\n--" + KRHTTPMultipartFormData::boundary()
+        + "--\r\n";
+}
+
+} // namespace
+
+TEST_F(KRImageServiceTest, FilesGoToTheChosenServiceAndMoviesToYFrog)
+{
+    // Told apart by the folders of their hosts.
+    for (const char* key :
+        { TwitPicAPIHost, YFrogAPIHost, TwitgooAPIHost, PosterousAPIHost, ImgLyAPIHost, PixImAPIHost })
+        setHost(key, u"https://%1/%2/"_s.arg(server.host(), QLatin1String(key)));
+    const struct {
+        int preference;
+        QByteArray target;
+        QByteArray name;
+    } cases[] = {
+        { 0, "/YFrogAPIHost/api/upload", "media" },
+        { 1, "/TwitPicAPIHost/api/upload", "media" },
+        { 2, "/TwitgooAPIHost/api/upload", "media" },
+        { 3, "/PosterousAPIHost/api/upload", "media" },
+        { 4, "/ImgLyAPIHost/api/upload", "media" },
+        { 5, "/PixImAPIHost/api/pictures.xml", "picture" },
+        { 9, "/YFrogAPIHost/api/upload", "media" },
+    };
+    answer(200,
+        "<a><mediaurl>http://a.example/1</mediaurl><picture_url>http://a.example/1</picture_url></a>");
+    for (const auto& test : cases) {
+        EXPECT_EQ(postImage(test.preference).value(), QUrl(u"http://a.example/1"_s));
+        KRTestServer::Request request = server.requests().last();
+        EXPECT_EQ(request.method, "POST");
+        EXPECT_EQ(request.target, test.target);
+        EXPECT_EQ(request.body, form(test.name, "image.jpg", "image/jpeg"));
+        EXPECT_EQ(request.value("content-type"),
+            "multipart/form-data; boundary=" + KRHTTPMultipartFormData::boundary());
+        EXPECT_TRUE(request.values("authorization").isEmpty());
+        (void)postVideo();
+        request = server.requests().last();
+        EXPECT_EQ(request.target, "/YFrogAPIHost/api/upload");
+        EXPECT_EQ(request.body, form("media", "movie.mov", "video/quicktime"));
+    }
+    setHost(YFrogAPIHost, server.host());
+    EXPECT_FALSE(postVideo().isError())
+        << "a host without a scheme is asked over https, all this server speaks";
+    defaults.removeObjectForKey(ImageServicePreferredServiceDefaultsKey);
+    EXPECT_NE(dynamic_cast<const yFrog*>(&KRImageService::currentService(context)), nullptr);
+}
+
+TEST_F(KRImageServiceTest, OnlyALinkIsASuccess)
+{
+    const QByteArray noLink = "twitpic-compatible-error";
+    const QByteArray badLink = "twitpic-compatible-url-error";
+    const struct {
+        int preference;
+        QByteArray body;
+        QByteArray result; // the link, or the error's domain
+    } cases[] = {
+        { 0,
+            "<r><mediaurl>http://a/1</mediaurl><b><mediaurl> http://a/2?b&amp;c </mediaurl></b></r>",
+            "http://a/2?b&c" },
+        { 0, "<r><mediaurl>http://a/1</mediaurl><mediaurl/></r>", "http://a/1" },
+        { 0, "<mediaurl>https://a/1</mediaurl>", "https://a/1" },
+        { 0, "<r><mediaurl>http://a/1</mediaurl><broken", "http://a/1" },
+        { 5, "<r><mediaurl>http://a/1</mediaurl><picture_url>http://a/2</picture_url></r>", "http://a/2" },
+        { 5, "<r><mediaurl>http://a/1</mediaurl></r>", noLink },
+        { 0, "<r><picture_url>http://a/1</picture_url></r>", noLink },
+        { 0, "<rsp stat='fail'><err code='1001' msg='Invalid password'/></rsp>", noLink },
+        { 0, "<!DOCTYPE html><html><body><p>Sign in<br></body></html>", noLink },
+        { 0, "http://a/1", noLink },
+        { 0, "{\"mediaurl\":\"http://a/1\"}", noLink },
+        { 0, "", noLink },
+        { 0, "<r><mediaurl>  </mediaurl></r>", noLink },
+        { 0, "<r><mediaurl>no link at all</mediaurl></r>", badLink },
+        { 0, "<r><mediaurl>/relative</mediaurl></r>", badLink },
+        { 0, "<r><mediaurl>http://</mediaurl></r>", badLink },
+        { 0, "<r><mediaurl>http://a/%zz</mediaurl></r>", badLink },
+        { 0, "<r><mediaurl>javascript:alert(1)</mediaurl></r>", badLink },
+        { 0, "<r><mediaurl>file:///etc/passwd</mediaurl></r>", badLink },
+    };
+    for (const auto& test : cases) {
+        answer(200, test.body, "Content-Type: text/xml\r\n");
+        const KRResult<QUrl> result = postImage(test.preference);
+        if (!result.isError()) {
+            EXPECT_EQ(result.value().toEncoded(), test.result) << test.body.constData();
+        } else {
+            EXPECT_EQ(result.error(),
+                errorWithDomain(QString::fromLatin1(test.result), -1, u"Could not post image."_s))
+                << test.body.constData();
+        }
+    }
+    answer(500, "<r><mediaurl>http://a/1</mediaurl></r>");
+    EXPECT_EQ(postImage(0).error(),
+        errorWithDomain(QString::fromUtf16(KRHTTPRequestErrorDomain), 500, KRHTTPStatusText(500)));
+}
+
+TEST_F(KRImageServiceTest, NothingIsSentWhereThePasswordWouldBeLostOrOfNoUse)
+{
+    // A listener on plain http would see it all.
+    KRTestServer plain(
+        [](const auto&, KRTestServer::Connection& connection) { connection.respond(200, {}); });
+    setHost(YFrogAPIHost, u"http://media.example:%1/up"_s.arg(plain.port()));
+    EXPECT_TRUE(postImage(0).error().description.contains(u"https"_s));
+    setHost(YFrogAPIHost, {});
+    EXPECT_TRUE(postImage(0).error().description.contains(u"YFrogAPIHost"_s));
+    EXPECT_TRUE(postVideo().isError());
+    EXPECT_EQ(plain.requestCount(), 0);
+
+    EXPECT_EQ(postImage(1, TestCredentials(u"alice"_s, {})).error().description,
+        u"The password of alice is not known"_s);
+    for (const QString& file : { folder.filePath(u"missing.png"_s), folder.path(), QString() }) {
+        path = file;
+        EXPECT_TRUE(postImage(1).error().description.contains(u"cannot be read"_s));
+    }
+    EXPECT_EQ(server.requestCount(), 0);
+
+    KRTestLog log;
+    bool wasCalled = false;
+    const auto callback = KRCallback<QUrl>::withFunction([&](const KRResult<QUrl>&) { wasCalled = true; });
+    const KRImageService base;
+    base.postImage(context.hosts, path, TestCredentials(), callback);
+    base.postVideo(context.hosts, path, TestCredentials(), callback);
+    EXPECT_EQ(log.lines().filter(u"subclasses must implement"_s).size(), 2);
+    EXPECT_FALSE(wasCalled);
+    EXPECT_TRUE(TwitPicCompatibleImageService().apiRoot(context.hosts).isError());
+    EXPECT_TRUE(log.contains(u"Error: generic twitpic compatible service used"_s));
+}
+
+TEST_F(KRImageServiceTest, ARedirectTakesNoPasswordElsewhere)
+{
+    const auto ok = [](const auto&, KRTestServer::Connection& connection) {
+        connection.respond(200, "<mediaurl>http://a/1</mediaurl>");
+    };
+    KRTestServer other(ok, KRTestCertificate::Good);
+    for (const int status : { 301, 302, 303, 307, 308 }) {
+        answer(status, {}, "Location: https://" + other.host().toLatin1() + "/up\r\n");
+        (void)postImage(0);
+    }
+    for (const KRTestServer::Request& request : other.requests())
+        EXPECT_FALSE(request.body.contains("wonderland")) << request.method.constData();
+    EXPECT_EQ(server.requestCount(), 5);
+}
+
+TEST_F(KRImageServiceTest, ALargeFileArrivesWhole)
+{
+    const QByteArray content(3'000'001, 'x');
+    path = folder.filePath(u"large"_s);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(content);
+    file.close();
+    EXPECT_FALSE(postVideo().isError());
+    EXPECT_TRUE(server.requests().last().body.contains("\r\n\r\n" + content + "\r\n--"));
+}
+
+TEST_F(KRImageServiceTest, RecognisesTheLinksOfPicturesAndMovies)
+{
+    const struct {
+        QString link;
+        QByteArray picture; // the full size, where there is one
+        QByteArray movie;
+    } cases[] = {
+        { u"http://tp.example/abc"_s, "http://tp.example/show/iphone/abc", {} },
+        { u"http://tp.example/a/b?c#d"_s, "http://tp.example/show/iphone/a/b?c#d", {} },
+        { u"http://yf.example/abc"_s, "http://yf.example/abc:iphone", {} },
+        { u"http://yf.example/abz"_s, {}, {} },
+        { u"http://yf2.example/abc"_s, "http://yf2.example/abc:iphone", {} },
+        { u"http://yf2.example/abz"_s, {}, "http://yf2.example/abz:iphone" },
+        { u"http://tg.example/abz"_s, "http://tg.example/abz/img", {} },
+        { u"http://il.example/abc"_s, "http://il.example/show/large/abc", {} },
+        { u"http://px.example/f/abc"_s, "http://px.example/f/abc/full", {} },
+        { u"http://px.example/g/abc"_s, {}, {} },
+        { u"https://tp.example/abc"_s, {}, {} },
+        { u"http://TP.example/abc"_s, {}, {} },
+        { u"http://tp.example.org/abc"_s, {}, {} },
+        { u"http://x.example/?http://tp.example/abc"_s, {}, {} },
+        { u"https://yf2.example/abz"_s, {}, {} },
+        { u""_s, {}, {} },
+    };
+    for (const auto& test : cases) {
+        const TwitterServiceHosts& hosts = context.hosts;
+        const KRImageService* service = KRImageService::imageServiceForLink(hosts, test.link);
+        EXPECT_EQ(KRImageService::isImageServiceLink(hosts, test.link), !test.picture.isNull())
+            << qPrintable(test.link);
+        EXPECT_EQ(service ? service->fullSizeImageURLForURL(hosts, test.link).toEncoded() : QByteArray(),
+            test.picture);
+        EXPECT_EQ(KRImageService::isVideoServiceLink(hosts, test.link).toEncoded(), test.movie);
+        EXPECT_FALSE(KRImageService::isImageServiceLink({}, test.link)) << "without hosts nothing is known";
+        EXPECT_TRUE(KRImageService::isVideoServiceLink({}, test.link).isEmpty());
+    }
+    EXPECT_TRUE(TwitPic().fullSizeImageURLForURL(context.hosts, u"https://tp.example/abc"_s).isEmpty());
+    EXPECT_TRUE(TwitPic().fullSizeImageURLForURL({}, u"http://tp.example/abc"_s).isEmpty());
+    EXPECT_TRUE(Posterous().fullSizeImageURLForURL(context.hosts, u"http://p.example/abc"_s).isEmpty());
+}
