@@ -154,8 +154,13 @@ void KRJSONParser::_setKey(std::string_view key)
     // A part that nobody reads is passed over quickly.
     if (!m_callbacks.back().callback)
         return;
-    m_key = key;
     m_hasKey = true;
+    m_key = key;
+    if (_isInDocument(key))
+        return;
+    // What yajl has made of escapes is gone by the time the value comes.
+    m_unescapedKey = key;
+    m_key = m_unescapedKey;
 }
 
 void KRJSONParser::_startContainer(Type type)

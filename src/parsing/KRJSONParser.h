@@ -64,12 +64,15 @@ public:
     /// document itself. Valid during the call.
     [[nodiscard]] std::optional<std::string_view> key() const
     {
-        return m_hasKey ? std::optional<std::string_view>(m_key) : std::nullopt;
+        return m_hasKey ? std::optional(m_key) : std::nullopt;
     }
     [[nodiscard]] bool hasKey(std::string_view name) const { return m_hasKey && m_key == name; }
     /// The text of a string, or of a number as it stands in the document; null for everything else, and for a
     /// string with half of a surrogate pair, which is no text.
     [[nodiscard]] QString stringValue() const;
+    /// The same as bytes, which are in UTF-8 where stringValue() is not null; empty for everything else.
+    /// Valid during the call.
+    [[nodiscard]] std::string_view bytes() const { return m_value; }
     [[nodiscard]] std::optional<bool> booleanValue() const;
     /// Never a number, as long as Type::Number is reserved.
     [[nodiscard]] std::optional<double> numberValue() const { return std::nullopt; }
@@ -92,7 +95,8 @@ private:
 
     // A deque, because a handler may push while it runs and must not be moved by that.
     std::deque<StackEntry> m_callbacks;
-    std::string m_key;
+    std::string_view m_key;
+    std::string m_unescapedKey;
     std::string_view m_value;
     std::string_view m_document;
     Type m_type = Type::Null;

@@ -88,6 +88,8 @@ TEST(JSONParser, CallsForScalarsAndStarts)
         { R"({"a":{"b":1},"a":2,"a":{}})", u"h:-{ h:a{ h:b='1' h:a='2' h:a{"_s },
         { R"({"é":"\u00e9\n\"\/ \ud83d\ude00 é😀"})", u"h:-{ h:é='é\n\"/ 😀 é😀'"_s },
         { R"({"a":"\udc00","b":"x\ude00y","c":"z"})", u"h:-{ h:a=no text h:b=no text h:c='z'"_s },
+        { R"({"\u00e9\"k":1,"x":{"\u00e9":"\t"},"y\n":[2]})",
+            u"h:-{ h:é\"k='1' h:x{ h:é='\t' h:y\n[ h:-='2'"_s },
         { "\xEF\xBB\xBF[true]", u"h:-[ h:-=true"_s },
         { "/* one */ [1, // two\n 2]", u"h:-[ h:-='1' h:-='2'"_s },
         { QByteArray("[1,2\0,3]", 8), u"h:-[ h:-='1'"_s },

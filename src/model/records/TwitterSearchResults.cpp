@@ -87,8 +87,8 @@ private:
                 _partialFromUser().setFullName(text);
             }
         } else if (m_status->isPartialStatus() && key == "profile_image_url") {
-            if (const QString text = parser.stringValue(); !text.isEmpty())
-                _partialFromUser().setProfileImageURL(_imageURL(text));
+            if (!parser.bytes().empty())
+                _partialFromUser().setProfileImageURL(_imageURL(parser));
         }
     }
 
@@ -113,11 +113,15 @@ private:
         return *m_status->fromUser();
     }
 
-    const QUrl& _imageURL(const QString& text)
+    const QUrl& _imageURL(const KRJSONParser& parser)
     {
-        const auto known = m_imageURLs.constFind(text);
-        return known != m_imageURLs.constEnd() ? *known
-                                               : *m_imageURLs.insert(text, TwitterUser::urlWithText(text));
+        const std::string_view bytes = parser.bytes();
+        const auto known = m_imageURLs.constFind(
+            QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
+        if (known != m_imageURLs.constEnd())
+            return *known;
+        return *m_imageURLs.insert(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())),
+            TwitterUser::urlWithText(parser.stringValue()));
     }
 
     KRJSONParser::Handler m_resultsHandler = _handler(&SearchReader::parseSearchStatusesJSON);
@@ -125,7 +129,7 @@ private:
     KRJSONParser::Handler m_userHandler = _handler(&SearchReader::parseUserJSON);
     TwitterStatusList m_statuses;
     TwitterStatusPtr m_status;
-    QHash<QString, QUrl> m_imageURLs;
+    QHash<QByteArray, QUrl> m_imageURLs;
     bool m_isFirstEvent = true;
 };
 
