@@ -4,7 +4,23 @@
 #include "api/TwitterServiceHostKeys.h"
 #include "services/TwitterServiceRequest.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// The number that the text begins with, the nearest one that there is room for; 0 when it begins with none.
+qint32 leadingNumber(const QString& text)
+{
+    const qint64 number = std::strtoll(text.toUtf8().constData(), nullptr, 10);
+    return static_cast<qint32>(
+        std::clamp<qint64>(number, std::numeric_limits<qint32>::min(), std::numeric_limits<qint32>::max()));
+}
+
+} // namespace
 
 void Tweetshrink::shrink(const TwitterServiceHosts& hosts,
     const QString& text,
@@ -37,9 +53,8 @@ void Tweetshrink::_parseXML(KRXMLParser& parser)
 {
     if (!parser.hasCharacters())
         return;
-    // A text that is no number, or none that fits, counts as 0.
     if (parser.elementName() == "difference")
-        m_difference = parser.characters().toInt();
+        m_difference = leadingNumber(parser.characters());
     else if (parser.elementName() == "text")
         m_text = parser.characters();
 }

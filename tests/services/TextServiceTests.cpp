@@ -99,7 +99,8 @@ TEST_F(TextServiceTest, ShrinksATextAndCountsWhatItSaved)
         { "<t><text>a &amp; b</text><difference> 12 </difference></t>", u"a & b"_s, 12 },
         { "<t><text>a</text><text>b</text><difference>-3</difference></t>", u"b"_s, -3 },
         { "<t><difference>many</difference></t>", {}, 0 },
-        { "<t><text>a</text><difference>99999999999</difference></t>", u"a"_s, 0 },
+        { "<t><text>a</text><difference>99999999999</difference></t>", u"a"_s, 2147483647 },
+        { "<t><difference>7 characters</difference></t>", {}, 7 },
         { "<t/>", {}, 0 },
     };
     for (const auto& test : cases) {
