@@ -27,6 +27,8 @@ void TwitterCommandOperations::unfavoriteStatusID(const QString& statusID)
 
 void TwitterCommandOperations::destroyDirectMessage(const TwitterDirectMessage&)
 {
+    // The interface has the operation, the services have no common way to do it; whoever calls it learns that
+    // here.
     KRLog(u"not implemented"_s);
 }
 
