@@ -263,6 +263,7 @@ TEST_F(MessagesAndSearches, ASentMessageLoadsTheMessages)
     const auto receiver = std::make_shared<MessageReceiver>();
     m_account->sendDirectMessage(u"hi & bye"_s, bob, Callback(receiver, &MessageReceiver::took));
     ASSERT_TRUE(KRWaitUntil([&] { return !m_account->directMessagesManager()->conversations().isEmpty(); }));
+    ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 3; })) << "the message, then both lists";
     EXPECT_EQ(receiver->count, 1);
     EXPECT_EQ(receiver->result->value()->messageID(), u"9"_s);
     EXPECT_EQ(m_site.requests().value(0).body, "user=2&text=hi+%26+bye");
