@@ -58,6 +58,24 @@ bool isSafeHeaderText(const QByteArray& text)
 
 } // namespace
 
+bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error)
+{
+    if (error.domain != QStringView(KRHTTPConnectionErrorDomain))
+        return false;
+    switch (error.code) {
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+        return true;
+    default:
+        return false;
+    }
+}
+
 KRHTTPTransportSettings KRHTTPTransportSettings::current()
 {
     std::scoped_lock guard(s_settingsLock);
