@@ -338,7 +338,9 @@ bool KRHTTPConnection::_receiveBody(const char* bytes, size_t length)
 size_t KRHTTPConnection::_readBody(char* buffer, size_t capacity)
 {
     const qint64 count = m_request.bodyStream->read(buffer, static_cast<qint64>(capacity));
-    if (count >= 0) {
+    // A stream shorter than announced would keep the server waiting for the rest.
+    const bool isCut = count == 0 && m_bodyRead < m_request.bodyStreamLength.value_or(0);
+    if (count >= 0 && !isCut) {
         m_bodyRead += count;
         return static_cast<size_t>(count);
     }
