@@ -63,6 +63,24 @@ bool isSafeHeaderText(const QByteArray& text)
 
 } // namespace
 
+bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error)
+{
+    if (error.domain != QStringView(KRHTTPConnectionErrorDomain))
+        return false;
+    switch (error.code) {
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+        return true;
+    default:
+        return false;
+    }
+}
+
 KRHTTPTransportSettings KRHTTPTransportSettings::current()
 {
     std::scoped_lock guard(s_settingsLock);
@@ -328,7 +346,9 @@ bool KRHTTPConnection::_receiveBody(const char* bytes, size_t length)
 size_t KRHTTPConnection::_readBody(char* buffer, size_t capacity)
 {
     const qint64 count = m_request.bodyStream->read(buffer, static_cast<qint64>(capacity));
-    if (count >= 0) {
+    // A stream shorter than announced would keep the server waiting for the rest.
+    const bool isCut = count == 0 && m_bodyRead < m_request.bodyStreamLength.value_or(0);
+    if (count >= 0 && !isCut) {
         m_bodyRead += count;
         return static_cast<size_t>(count);
     }
