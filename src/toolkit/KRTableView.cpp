@@ -59,6 +59,7 @@ void KRTableView::reloadData()
         return;
     }
     m_flags.isUpdating = true;
+    m_widthOfHeights = m_width;
     m_currentRange = {};
     for (RowInfo& row : m_rowInfo) {
         if (!row.cell)
@@ -263,19 +264,30 @@ void KRTableView::setFrame(const QRect& frame)
 void KRTableView::resizeEvent(QResizeEvent* event)
 {
     KRScrollView::resizeEvent(event);
-    const int width = QWidget::width() - KRScroller::Width;
-    if (m_flags.inLiveResize || width == m_width)
-        _syncOnScreenCells();
-    else
-        _relayoutForWidth(width);
+    if (!m_flags.inLiveResize)
+        _setWidth(QWidget::width() - KRScroller::Width);
+    _syncOnScreenCells();
+    // The heights are those of the old width still. Nobody comes to end this change of size, as the end of a
+    // drag does, so the table asks for them itself, once for all the sizes that a window's layout goes through.
+    if (m_width != m_widthOfHeights) {
+        KRRunLoop::main().post([table = QPointer<KRTableView>(this)] {
+            if (table && table->m_width != table->m_widthOfHeights && !table->m_flags.inLiveResize)
+                table->_reloadKeepingPlace();
+        });
+    }
 }
 
-void KRTableView::_relayoutForWidth(int width)
+void KRTableView::_setWidth(int width)
+{
+    m_width = width;
+    m_documentView->setDocumentFrame({ 0, 0, m_width, m_totalHeight });
+}
+
+void KRTableView::_reloadKeepingPlace()
 {
     // Heights change with the width; the row at the top stays where it is.
     const qint64 row = visibleRange().location;
     const int offset = relativeVisibleOffsetForRow(row);
-    m_width = width;
     reloadData();
     scrollToRow(row, offset);
 }
@@ -288,7 +300,8 @@ void KRTableView::viewWillStartLiveResize()
 void KRTableView::viewDidEndLiveResize()
 {
     m_flags.inLiveResize = false;
-    _relayoutForWidth(QWidget::width() - KRScroller::Width);
+    _setWidth(QWidget::width() - KRScroller::Width);
+    _reloadKeepingPlace();
 }
 
 void KRTableView::didScroll()
@@ -422,6 +435,18 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
             previousPage();
         else
             nextPage();
+        break;
+    case Qt::Key_Home:
+        _selectAndShow(0);
+        break;
+    case Qt::Key_End:
+        _selectAndShow(numberOfRows() - 1);
+        break;
+    case Qt::Key_PageUp:
+        previousPage();
+        break;
+    case Qt::Key_PageDown:
+        nextPage();
         break;
     default:
         break;

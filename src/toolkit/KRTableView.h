@@ -73,11 +73,12 @@ public:
     void nextPage();
     void previousPage();
 
-    /// Sets the geometry and acts on it now, even while the table is hidden.
+    /// Sets the geometry and acts on it now, even while the table is hidden: the width changes and the rows
+    /// that come into view get cells. Heights stay as they are until the next reload, which follows by itself
+    /// with the next pass of the run loop when the width has changed and nobody has reloaded.
     void setFrame(const QRect& frame);
     /// Between these two calls rows keep their width and heights; afterwards everything is laid out once for
-    /// the final width. KRLiveResize calls them. Any other change of width is laid out at once: nothing
-    /// would come to end it.
+    /// the final width. KRLiveResize calls them.
     void viewWillStartLiveResize();
     void viewDidEndLiveResize();
     bool inLiveResize() const { return m_flags.inLiveResize; }
@@ -100,7 +101,8 @@ private:
     void _setupTableView();
     void _rebuildRows();
     void _reloadSoon();
-    void _relayoutForWidth(int width);
+    void _setWidth(int width);
+    void _reloadKeepingPlace();
     void _syncOnScreenCells();
     void _removeCellsOutside(KRRange range);
     void _addCellsInside(KRRange range);
@@ -119,6 +121,8 @@ private:
     KRRange m_currentRange;
     int m_totalHeight = 0;
     int m_width = 0;
+    // What the delegate was last asked for heights at.
+    int m_widthOfHeights = 0;
     qint64 m_selectedRow = -1;
     struct {
         bool inLiveResize : 1;
