@@ -83,12 +83,17 @@ public:
     void viewDidEndLiveResize();
     bool inLiveResize() const { return m_flags.inLiveResize; }
 
+    /// Moves the focus to the widget before or behind the table in the window. False when there is none.
+    bool leaveWithTab(bool next);
+
     /// What a reload put off during a drag of the scroller comes back to.
     void doneScrollingShouldReload(const KRResult<void>& result);
 
 protected:
     void didScroll() override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -97,6 +102,8 @@ private:
         int height = 0;
         int offset = 0;
     };
+
+    class FocusRing;
 
     void _setupTableView();
     void _rebuildRows();
@@ -124,6 +131,7 @@ private:
     // What the delegate was last asked for heights at.
     int m_widthOfHeights = 0;
     qint64 m_selectedRow = -1;
+    FocusRing* m_focusRing = nullptr;
     struct {
         bool inLiveResize : 1;
         bool isUpdating : 1;

@@ -46,6 +46,10 @@ public:
         ++heightQuestions;
         return heights.at(size_t(row));
     }
+    QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row) override
+    {
+        return QStringLiteral("row %1").arg(row);
+    }
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override
     {
         if (duringCellForRow)
@@ -56,6 +60,7 @@ public:
             cell = new RowCell(identifier);
             made.push_back(cell);
         }
+        cell->setAccessibleName(tableViewAccessibleNameForRow(tableView, row));
         return cell;
     }
     void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row) override
@@ -481,17 +486,75 @@ TEST_F(KRTableViewTest, SizesFromTheWindowSystemAreADrag)
     EXPECT_EQ(inner->width(), 400);
 }
 
-TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfItems)
+// Every row is there, whether it has a cell or not, and what a row says of itself is the same either way.
+TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfAllRows)
 {
-    show(equalRows(5, 20));
-    table.selectRow(1);
-    table.cellForRow(1)->setAccessibleName(QStringLiteral("second"));
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&table)->role(), QAccessible::List);
-    QAccessibleInterface* const item = QAccessible::queryAccessibleInterface(table.cellForRow(1));
-    EXPECT_EQ(item->role(), QAccessible::ListItem);
-    EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("second"));
-    EXPECT_TRUE(item->state().selected);
-    EXPECT_FALSE(QAccessible::queryAccessibleInterface(table.cellForRow(2))->state().selected);
+    show(equalRows(1000, 20));
+    QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&table);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    ASSERT_EQ(list->childCount(), 1000);
+    EXPECT_EQ(list->child(1000), nullptr);
+    for (const int row : { 0, 1, 4, 5, 500, 999 }) {
+        SCOPED_TRACE(row);
+        QAccessibleInterface* const item = list->child(row);
+        ASSERT_NE(item, nullptr);
+        EXPECT_EQ(item->object() != nullptr, row < 5);
+        EXPECT_EQ(item->role(), QAccessible::ListItem);
+        EXPECT_EQ(item->parent(), list);
+        EXPECT_EQ(list->indexOfChild(item), row);
+        EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("row %1").arg(row));
+        EXPECT_EQ(bool(item->state().offscreen), row >= 5);
+        EXPECT_TRUE(item->state().selectable);
+        EXPECT_FALSE(item->state().selected);
+        EXPECT_EQ(item->rect(), table.rectForRow(row).translated(table.viewport()->mapToGlobal(QPoint())));
+    }
+    const QPoint third = list->child(3)->rect().center();
+    EXPECT_EQ(list->childAt(third.x(), third.y()), list->child(3));
+
+    QAccessibleInterface* const far = list->child(500);
+    far->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(table.selectedRow(), 500);
+    EXPECT_TRUE(far->state().selected);
+    EXPECT_FALSE(far->state().offscreen);
+    EXPECT_EQ(list->child(500)->object(), table.selectedCell()) << "now it has a cell";
+    EXPECT_EQ(list->focusChild(), list->child(500));
+    list->child(501)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(table.selectedRow(), 501);
+    rows->heights.resize(3);
+    table.reloadData();
+    EXPECT_FALSE(far->isValid());
+    EXPECT_EQ(list->childCount(), 3);
+}
+
+TEST_F(KRTableViewTest, TabStopsAtTheSelectedRowOnly)
+{
+    QWidget window;
+    auto* const before = new QLineEdit(&window);
+    auto* const inner = new KRTableView(&window);
+    auto* const after = new QLineEdit(&window);
+    Rows tenRows(equalRows(10, 40));
+    inner->setDelegate(&tenRows);
+    inner->setFrame({ 0, 30, 215, 120 });
+    inner->reloadData();
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    before->setFocus();
+    const QImage plain = inner->grab().toImage();
+    const auto tab = [&](Qt::Key key) { QTest::keyClick(window.focusWidget(), key); };
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), inner);
+    EXPECT_NE(inner->grab().toImage(), plain) << "the focus is visible without a selected row";
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), after);
+    inner->selectRow(2);
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), after) << "from the row on";
+    tab(Qt::Key_Backtab);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
+    tab(Qt::Key_Backtab);
+    EXPECT_EQ(window.focusWidget(), before);
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
 }
 
 TEST_F(KRTableViewTest, ACellMayGoAtAnyTime)

@@ -132,6 +132,27 @@ QList<QRectF> KRActiveTextRenderer::rectArrayForRange(KRRange range) const
     return rects;
 }
 
+QRectF KRActiveTextRenderer::caretRect(qsizetype character) const
+{
+    const auto lines = _shownLines();
+    if (lines.empty())
+        return {};
+    const qsizetype place = std::clamp<qsizetype>(character, 0, m_attributedString.text().size());
+    const auto behind = std::partition_point(lines.begin(),
+        lines.end(),
+        [place](const KRTextLayout::Line& line) { return line.end() <= place; });
+    const KRTextLayout::Line& line = behind == lines.end() ? lines.back() : *behind;
+    return { line.caretX(int(place)), line.y(), 0, line.bottom() - line.y() };
+}
+
+std::optional<KRColor> KRActiveTextRenderer::foregroundAt(qsizetype character) const
+{
+    const auto run = std::find_if(m_runs.begin(), m_runs.end(), [character](const auto& candidate) {
+        return candidate.range.contains(character);
+    });
+    return run == m_runs.end() ? std::nullopt : std::optional(run->attributes.foreground);
+}
+
 void KRActiveTextRenderer::addTrackingAreasForView(KRTrackingAreaView& view, QPointF offset) const
 {
     for (const KRRange& range : m_activeTextRanges.activeRanges()) {
