@@ -50,7 +50,13 @@ public:
     void draw(QPainter& painter) const;
 
 private:
+    void _drawImage(QPainter& painter, const QTransform& transform) const;
+    void _drawScaledAndBlended(QPainter& painter, const QTransform& transform) const;
+    void _drawTurned(QPainter& painter, const QTransform& transform) const;
+
     QPixmap m_image;
+    // Kept from frame to frame.
+    mutable QPixmap m_scaledImage;
     QSize m_size;
     int m_zPosition = 0;
     KRTransitionPose m_start;
