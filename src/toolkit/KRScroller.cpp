@@ -1,6 +1,6 @@
 #include "toolkit/KRScroller.h"
 
-#include "toolkit/KRImage.h"
+#include "toolkit/images/KRImage.h"
 
 #include <QCommonStyle>
 #include <QMouseEvent>

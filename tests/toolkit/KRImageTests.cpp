@@ -1,5 +1,5 @@
 #include "support/KRTestLog.h"
-#include "toolkit/KRImage.h"
+#include "toolkit/images/KRImage.h"
 
 #include <QImage>
 #include <QPainter>

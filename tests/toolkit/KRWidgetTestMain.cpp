@@ -1,3 +1,7 @@
+#ifdef KR_TEST_TOOLKIT_APPLICATION
+#include "toolkit/KRApplication.h"
+#endif
+
 #include <QApplication>
 #include <QTemporaryDir>
 
@@ -9,6 +13,12 @@ extern "C" const char* __lsan_default_suppressions()
 {
     return "leak:libfontconfig";
 }
+#endif
+
+#ifdef KR_TEST_TOOLKIT_APPLICATION
+using TestApplication = KRApplication;
+#else
+using TestApplication = QApplication;
 #endif
 
 // As the other test programs, in directories of its own, with an application object for widgets.
@@ -24,6 +34,6 @@ int main(int argc, char** argv)
     qputenv("XDG_DATA_HOME", path + "/data");
     qputenv("LC_ALL", "C.UTF-8");
     testing::InitGoogleTest(&argc, argv);
-    QApplication application(argc, argv);
+    TestApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }

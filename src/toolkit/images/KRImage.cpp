@@ -1,4 +1,4 @@
-#include "toolkit/KRImage.h"
+#include "toolkit/images/KRImage.h"
 
 #include "foundation/KRLog.h"
 

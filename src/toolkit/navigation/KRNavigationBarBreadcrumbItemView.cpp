@@ -1,0 +1,215 @@
+#include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
+
+#include "toolkit/images/KRImage.h"
+#include "toolkit/navigation/KRNavigationItem.h"
+
+#include <QFontDatabase>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+#include <QTextBoundaryFinder>
+#include <QTextLayout>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int ShownLength = 15;
+constexpr QSize MeasuringBox(100, 50);
+constexpr int Padding = 30;
+constexpr int TitleX = 10;
+constexpr int TitleTop = 7;
+constexpr int TitleHeight = 20;
+constexpr int DividerWidth = 11;
+constexpr int DividerHeight = 26;
+constexpr int FontSize = 10;
+constexpr float EmbossedOpacity = 0.43F;
+constexpr float TitleOpacity = 0.8F;
+constexpr QColor FocusColor(0x0B, 0x4F, 0xA8);
+
+const KRImage& dividerImage()
+{
+    static const KRImage image = KRImage::imageNamed(QStringLiteral("toolkit/BreadcrumbDivider.svg"));
+    return image;
+}
+
+// The width of the widest line of a title set into the measuring box.
+double boundingWidth(const QString& title, const QFont& font)
+{
+    const double natural = QFontMetricsF(font).horizontalAdvance(title);
+    if (natural <= MeasuringBox.width())
+        return natural;
+    QTextLayout layout(title, font);
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    double width = 0;
+    double height = 0;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(MeasuringBox.width());
+        height += line.height();
+        if (height > MeasuringBox.height())
+            break;
+        width = std::max(width, line.naturalTextWidth());
+    }
+    layout.endLayout();
+    return std::min(width, double(MeasuringBox.width()));
+}
+
+} // namespace
+
+KRNavigationBarBreadcrumbItemView::KRNavigationBarBreadcrumbItemView(std::shared_ptr<KRNavigationItem> item,
+    Action action)
+    : m_navigationItem(std::move(item))
+    , m_action(std::move(action))
+{
+    setFocusPolicy(Qt::TabFocus);
+    setText(m_navigationItem->title());
+}
+
+KRNavigationBarBreadcrumbItemView::~KRNavigationBarBreadcrumbItemView() = default;
+
+void KRNavigationBarBreadcrumbItemView::setText(const QString& text)
+{
+    m_text = text;
+    setAccessibleName(text);
+    // Escaped: titles come from anywhere, and a tool tip would show the markup in them.
+    setToolTip(shownTitle(text) == text ? QString() : text.toHtmlEscaped());
+    update();
+}
+
+QString KRNavigationBarBreadcrumbItemView::shownTitle(const QString& title)
+{
+    if (title.size() <= ShownLength)
+        return title;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, title);
+    finder.setPosition(ShownLength);
+    if (!finder.isAtBoundary())
+        finder.toPreviousBoundary();
+    return title.left(std::max(0, int(finder.position())));
+}
+
+int KRNavigationBarBreadcrumbItemView::widthForTitle(const QString& title)
+{
+    return int(boundingWidth(shownTitle(title), attributes(Embossed::No, false).font)) + Padding;
+}
+
+KRNavigationBarBreadcrumbItemView::Attributes KRNavigationBarBreadcrumbItemView::attributes(Embossed embossed,
+    bool selected)
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPointSize(FontSize);
+    font.setBold(true);
+    if (embossed == Embossed::Yes)
+        return { font, QColor::fromRgbF(1, 1, 1, EmbossedOpacity) };
+    return { font, QColor::fromRgbF(0, 0, 0, selected ? 1 : TitleOpacity) };
+}
+
+void KRNavigationBarBreadcrumbItemView::_setSelected(bool selected)
+{
+    m_flags.selected = selected;
+    update();
+}
+
+void KRNavigationBarBreadcrumbItemView::click()
+{
+    // A copy: the action may destroy the crumb.
+    const Action action = m_action;
+    if (action)
+        action(*this);
+}
+
+void KRNavigationBarBreadcrumbItemView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    _setSelected(true);
+}
+
+void KRNavigationBarBreadcrumbItemView::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    const QPointer<KRNavigationBarBreadcrumbItemView> self(this);
+    if (isSelected() && rect().contains(event->position().toPoint()))
+        click();
+    if (self)
+        _setSelected(false);
+}
+
+void KRNavigationBarBreadcrumbItemView::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (!event->isAutoRepeat())
+            click();
+        break;
+    default:
+        event->ignore();
+    }
+}
+
+void KRNavigationBarBreadcrumbItemView::focusInEvent(QFocusEvent* event)
+{
+    QWidget::focusInEvent(event);
+    update();
+}
+
+void KRNavigationBarBreadcrumbItemView::focusOutEvent(QFocusEvent* event)
+{
+    QWidget::focusOutEvent(event);
+    _setSelected(false);
+}
+
+// Drawing
+
+void KRNavigationBarBreadcrumbItemView::_drawTitle(QPainter& painter, Embossed embossed, int top) const
+{
+    const Attributes look = attributes(embossed, isSelected());
+    const QRect area(TitleX, top, width() - TitleX - DividerWidth, TitleHeight);
+    const QString title = QFontMetrics(look.font).elidedText(shownTitle(m_text),
+        Qt::ElideRight,
+        area.width(),
+        Qt::TextSingleLine);
+    painter.setFont(look.font);
+    painter.setPen(look.color);
+    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), area),
+        int(Qt::TextSingleLine | Qt::AlignTop | Qt::AlignAbsolute)
+            | int(isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft),
+        title);
+}
+
+void KRNavigationBarBreadcrumbItemView::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    const QRect divider(width() - DividerWidth, 0, DividerWidth, DividerHeight);
+    if (isRightToLeft()) {
+        painter.save();
+        painter.translate(width(), 0);
+        painter.scale(-1, 1);
+        dividerImage().drawInContext(painter, divider, KRImage::Flipped::Yes);
+        painter.restore();
+    } else {
+        dividerImage().drawInContext(painter, divider, KRImage::Flipped::Yes);
+    }
+    _drawTitle(painter, Embossed::Yes, TitleTop + 1);
+    _drawTitle(painter, Embossed::No, TitleTop);
+    if (hasFocus()) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(FocusColor, 2));
+        const QRectF inner = QRectF(QStyle::visualRect(layoutDirection(),
+                                        rect(),
+                                        QRect(3, 4, width() - 3 - DividerWidth, height() - 7)))
+                                 .adjusted(1, 1, -1, -1);
+        painter.drawRoundedRect(inner, 4, 4);
+    }
+}

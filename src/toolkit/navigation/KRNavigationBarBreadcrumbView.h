@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class KRNavigationBarBreadcrumbItemView;
+
+/// The crumbs of a navigation bar beside each other, oldest first. When they find no room, the oldest slide
+/// out past the start so that the newest stays whole. Main thread.
+class KRNavigationBarBreadcrumbView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit KRNavigationBarBreadcrumbView(QWidget* parent);
+    ~KRNavigationBarBreadcrumbView() override;
+
+    void pushBreadcrumb(std::unique_ptr<KRNavigationBarBreadcrumbItemView> crumb);
+    /// Removes the newest, where there is one.
+    void popBreadcrumb();
+    const std::vector<KRNavigationBarBreadcrumbItemView*>& breadcrumbs() const { return m_breadcrumbs; }
+
+    /// Of all crumbs, in points.
+    [[nodiscard]] int totalWidth() const;
+    /// Where a further crumb of that title goes, in a left-to-right layout with room for it.
+    [[nodiscard]] QRect frameForTitle(const QString& title) const;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    void _fixBreadcrumbs();
+
+    std::vector<KRNavigationBarBreadcrumbItemView*> m_breadcrumbs;
+};
