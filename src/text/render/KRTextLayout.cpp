@@ -120,7 +120,7 @@ qreal KRTextLayout::_layOutPieces(const KRAttributedString& attributedString,
 {
     const QString text = _textToLayOut(attributedString, positions);
     const int textLength = int(text.size());
-    const qreal lineWidth = std::clamp(width, 0.0, WidestLine);
+    const qreal lineWidth = width > 0 ? std::min(width, WidestLine) : 0;
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     // Decided once: the pieces of a text do not each have a direction.

@@ -64,6 +64,10 @@ TEST(KRActiveTextRendererTests, HeightsGrowByWholeLines)
     EXPECT_EQ(heightOf(QStringLiteral("some words to wrap"), 60.9),
         heightOf(QStringLiteral("some words to wrap"), 60));
     EXPECT_GT(heightOf(QString(100, u'w'), 200), 3 * line) << "a long word is broken";
+    for (const qreal width : { -1e300, -50.0, 0.0, 0.5, 1e6, 1e300, qInf(), qQNaN() }) {
+        const int height = heightOf(QStringLiteral("a bc"), width);
+        EXPECT_TRUE(height >= line && height <= 5 * line) << width;
+    }
 }
 
 TEST(KRActiveTextRendererTests, NoTextIsLogged)
