@@ -231,23 +231,6 @@ TEST(KRActiveTextRendererTests, ACaretGoesToTheNearestSideOfACharacter)
     EXPECT_EQ(KRActiveTextRenderer().characterIndexAtPoint({ 1, 1 }), 0);
 }
 
-TEST(KRActiveTextRendererTests, HandsTheSpansRectanglesToAView)
-{
-    struct View final : KRTrackingAreaView {
-        void addTrackingArea(const QRectF& rect) override { rects.append(rect); }
-        QList<QRectF> rects;
-    } view;
-    KRActiveTextRenderer renderer;
-    setText(renderer, QStringLiteral("http://example.org/a/long/address #tag"), 100);
-    renderer.addTrackingAreasForView(view, { 7, 9 });
-    QList<QRectF> expected;
-    for (const KRRange& range : renderer.activeTextRanges().activeRanges())
-        expected += renderer.rectArrayForRange(range);
-    ASSERT_GT(expected.size(), 2);
-    ASSERT_EQ(view.rects.size(), expected.size());
-    EXPECT_EQ(view.rects.first(), expected.first().translated(7, 9));
-}
-
 // A long text is laid out in pieces; nothing of that may show.
 TEST(KRActiveTextRendererTests, LongTextsWrapAsIfTheyWereShort)
 {
