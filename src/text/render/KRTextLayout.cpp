@@ -86,7 +86,7 @@ QString KRTextLayout::_textToLayOut(const KRAttributedString& attributedString, 
     constexpr QChar FirstStrongIsolate(0x2068);
     constexpr QChar PopDirectionalIsolate(0x2069);
     positions.clear();
-    const QString text = withLineSeparators(attributedString.text());
+    QString text = withLineSeparators(attributedString.text());
     if (attributedString.isolates().isEmpty())
         return text;
     QString result;
