@@ -139,6 +139,8 @@ bool KRActiveTextTracker::eventFilter(QObject* watched, QEvent* event)
         break;
     case QEvent::Leave:
     case QEvent::Hide:
+    // Scrolled away from under the pointer.
+    case QEvent::Move:
     case QEvent::WindowDeactivate:
         _hover(std::nullopt);
         break;

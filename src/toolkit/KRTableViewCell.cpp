@@ -4,8 +4,10 @@
 
 #include <QMouseEvent>
 
-KRTableViewCell::KRTableViewCell(const QString& reusableIdentifier)
-    : m_reusableIdentifier(reusableIdentifier)
+#include <utility>
+
+KRTableViewCell::KRTableViewCell(QString reusableIdentifier)
+    : m_reusableIdentifier(std::move(reusableIdentifier))
 {
     // The table sets the real frame.
     setGeometry(0, 0, 1, 1);

@@ -13,7 +13,7 @@ class KRTableViewCell : public QWidget {
 
 public:
     /// The identifier names the pool the cell waits in while it is idle.
-    explicit KRTableViewCell(const QString& reusableIdentifier);
+    explicit KRTableViewCell(QString reusableIdentifier);
     ~KRTableViewCell() override;
 
     const QString& reusableIdentifier() const { return m_reusableIdentifier; }

@@ -26,7 +26,7 @@ public:
 class KRActiveTextRenderer {
 public:
     /// The height of a container that takes any text.
-    static constexpr qreal UnboundedHeight = std::numeric_limits<float>::max();
+    static constexpr qreal UnboundedHeight = qreal(std::numeric_limits<float>::max());
 
     KRActiveTextRenderer();
     KRActiveTextRenderer(const KRActiveTextRenderer&) = delete;

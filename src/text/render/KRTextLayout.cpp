@@ -86,7 +86,7 @@ QString KRTextLayout::_textToLayOut(const KRAttributedString& attributedString, 
     constexpr QChar FirstStrongIsolate(0x2068);
     constexpr QChar PopDirectionalIsolate(0x2069);
     positions.clear();
-    const QString text = withLineSeparators(attributedString.text());
+    QString text = withLineSeparators(attributedString.text());
     if (attributedString.isolates().isEmpty())
         return text;
     QString result;
@@ -120,7 +120,7 @@ qreal KRTextLayout::_layOutPieces(const KRAttributedString& attributedString,
 {
     const QString text = _textToLayOut(attributedString, positions);
     const int textLength = int(text.size());
-    const qreal lineWidth = std::clamp(width, 0.0, WidestLine);
+    const qreal lineWidth = width > 0 ? std::min(width, WidestLine) : 0;
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     // Decided once: the pieces of a text do not each have a direction.

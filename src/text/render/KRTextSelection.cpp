@@ -1,9 +1,10 @@
 #include "text/render/KRTextSelection.h"
 
 #include <algorithm>
+#include <utility>
 
-KRTextSelection::KRTextSelection(const QString& text)
-    : m_text(text)
+KRTextSelection::KRTextSelection(QString text)
+    : m_text(std::move(text))
     , m_characters(QTextBoundaryFinder::Grapheme, m_text)
     , m_words(QTextBoundaryFinder::Word, m_text)
 {

@@ -13,7 +13,7 @@ public:
     enum class Unit { Character, Word, All };
 
     KRTextSelection() = default;
-    explicit KRTextSelection(const QString& text);
+    explicit KRTextSelection(QString text);
 
     qsizetype caret() const { return m_caret; }
     qsizetype anchor() const { return m_anchor; }
