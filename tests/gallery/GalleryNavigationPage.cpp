@@ -51,10 +51,10 @@ public:
         column->addSpacing(8);
         QPushButton* const first = _addButton(*column, QStringLiteral("Push a screen"), [this] { _push(); });
         _addButton(*column, QStringLiteral("Pop this screen"), [this] {
-            navigationController()->popViewController(KRAnimated::Yes);
+            navigationController()->popViewControllerAnimated(KRAnimated::Yes);
         });
         _addButton(*column, QStringLiteral("Pop to the first screen"), [this] {
-            navigationController()->popToRootViewController(KRAnimated::Yes);
+            navigationController()->popToRootViewControllerAnimated(KRAnimated::Yes);
         });
 
         auto* const centered = new QWidget;

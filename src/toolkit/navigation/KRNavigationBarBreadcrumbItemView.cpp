@@ -96,11 +96,11 @@ QString KRNavigationBarBreadcrumbItemView::shownTitle(const QString& title)
 
 int KRNavigationBarBreadcrumbItemView::widthForTitle(const QString& title)
 {
-    return int(boundingWidth(shownTitle(title), attributes(Embossed::No, false).font)) + Padding;
+    return int(boundingWidth(shownTitle(title), attributesEmbossed(Embossed::No, false).font)) + Padding;
 }
 
-KRNavigationBarBreadcrumbItemView::Attributes KRNavigationBarBreadcrumbItemView::attributes(Embossed embossed,
-    bool selected)
+KRNavigationBarBreadcrumbItemView::Attributes
+KRNavigationBarBreadcrumbItemView::attributesEmbossed(Embossed embossed, bool selected)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setPointSize(FontSize);
@@ -176,7 +176,7 @@ void KRNavigationBarBreadcrumbItemView::focusOutEvent(QFocusEvent* event)
 
 void KRNavigationBarBreadcrumbItemView::_drawTitle(QPainter& painter, Embossed embossed, int top) const
 {
-    const Attributes look = attributes(embossed, isSelected());
+    const Attributes look = attributesEmbossed(embossed, isSelected());
     const QFontMetrics metrics(look.font);
     const int y = top + (TitleLineHeight - metrics.height()) / 2;
     const QRect area(TitleX, y, width() - TitleX - DividerWidth, std::max(TitleHeight, metrics.height()));
