@@ -30,7 +30,7 @@ int run(const PelinorLaunchOptions& options)
         return complain(
             QStringLiteral("there is no such account; sign in with --account NAME --password-stdin"));
 
-    PelinorApplicationDelegate delegate(twitter, defaults);
+    PelinorApplicationDelegate delegate(twitter, defaults, hosts.value());
     delegate.openMainWindow(account);
     if (!options.screenshotFile.isEmpty()) {
         delegate.takeScreenshot(options.screenshotFile, [&options](bool isFilled) {

@@ -18,10 +18,15 @@ constexpr int quietTriesNeeded = 3;
 
 } // namespace
 
-PelinorApplicationDelegate::PelinorApplicationDelegate(Twitter& twitter, KRUserDefaults& defaults)
+PelinorApplicationDelegate::PelinorApplicationDelegate(Twitter& twitter,
+    KRUserDefaults& defaults,
+    TwitterServiceHosts hosts)
     : m_twitter(twitter)
     , m_defaults(defaults)
     , m_displayPreferences(PelinorDisplayPreferences::fromDefaults(defaults))
+    , m_hosts(std::move(hosts))
+    , m_linkPresenter(m_hosts, m_workspace)
+    , m_links { m_hosts, defaults, m_workspace, m_linkPresenter }
 {
     TwitterUser::setProfileImageMaker(&CreateRoundedProfileImage);
 }
@@ -34,7 +39,8 @@ void PelinorApplicationDelegate::openMainWindow(const TwitterAccountPtr& account
     m_window = std::make_unique<PelinorMainWindow>(PelinorListEnvironment { m_defaults,
                                                        KRNotificationCenter::defaultCenter(),
                                                        m_displayPreferences,
-                                                       m_heights },
+                                                       m_heights,
+                                                       &m_links },
         *m_account);
     m_keychainObservation = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
         [this](const auto&) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/PelinorBrowserLinkPresenter.h"
 #include "app/PelinorDisplayPreferences.h"
 #include "app/PelinorListAccount.h"
 #include "app/PelinorMainWindow.h"
@@ -37,7 +38,7 @@ private:
 class PelinorApplicationDelegate {
 public:
     /// The root object outlives the delegate.
-    PelinorApplicationDelegate(Twitter& twitter, KRUserDefaults& defaults);
+    PelinorApplicationDelegate(Twitter& twitter, KRUserDefaults& defaults, TwitterServiceHosts hosts);
     PelinorApplicationDelegate(const PelinorApplicationDelegate&) = delete;
     PelinorApplicationDelegate& operator=(const PelinorApplicationDelegate&) = delete;
     ~PelinorApplicationDelegate();
@@ -56,6 +57,10 @@ private:
     KRUserDefaults& m_defaults;
     PelinorDisplayPreferences m_displayPreferences;
     KRTextHeightCache m_heights;
+    const TwitterServiceHosts m_hosts;
+    KRDesktopWorkspace m_workspace;
+    PelinorBrowserLinkPresenter m_linkPresenter;
+    const PelinorLinkEnvironment m_links;
     std::unique_ptr<PelinorTwitterAccount> m_account;
     std::unique_ptr<PelinorMainWindow> m_window;
     KRObservation m_keychainObservation;

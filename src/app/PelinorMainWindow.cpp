@@ -87,10 +87,17 @@ void PelinorMainWindow::_restoreGeometry()
         resize(InitialSize);
 }
 
-void PelinorMainWindow::showEvent(QShowEvent* event)
+void PelinorMainWindow::paintEvent(QPaintEvent* event)
 {
-    QWidget::showEvent(event);
-    if (m_listIsShown)
+    QWidget::paintEvent(event);
+    // The window is on the screen before the first text has loaded the fonts and the first request libcurl.
+    if (!m_listIsShown)
+        QMetaObject::invokeMethod(this, &PelinorMainWindow::_showList, Qt::QueuedConnection);
+}
+
+void PelinorMainWindow::_showList()
+{
+    if (m_listIsShown || !isVisible())
         return;
     m_listIsShown = true;
     m_list.viewWillAppear(false);

@@ -20,7 +20,7 @@ public:
     PelinorErrorStrip& errorStrip() { return *m_errorStrip; }
 
 protected:
-    void showEvent(QShowEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
 
@@ -29,6 +29,7 @@ private:
 
     void _restoreGeometry();
     void _statusDidChange();
+    void _showList();
     void _leaveList();
 
     PelinorListEnvironment m_environment;

@@ -258,8 +258,25 @@ KRTableViewCell* PelinorStatusListViewController::_statusCell(KRTableView& table
     const TwitterStatusPtr& status)
 {
     auto* const cell = reusedOrNewCell<PelinorStatusTableViewCell>(tableView, m_environment.notifications);
+    cell->setDelegate(this);
     cell->setStatus(status, _layoutOfStatus(*status), m_environment.displayPreferences);
     return cell;
+}
+
+QString PelinorStatusListViewController::tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row)
+{
+    const TwitterStatusPtr status = statusForRow(row);
+    return status && isExactlyAStatus(*status) ? PelinorStatusTableViewCell::accessibleNameForStatus(*status)
+                                               : QString();
+}
+
+void PelinorStatusListViewController::pelinorCellClickedLink(KRTableViewCell& cell,
+    const QString& link,
+    qint64 /*row*/,
+    int type)
+{
+    if (m_environment.links)
+        KRHandleLink(link, type, *m_environment.links, &cell);
 }
 
 KRTableViewCell* PelinorStatusListViewController::_loadingCell(KRTableView& tableView)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/PelinorDisplayPreferences.h"
+#include "app/PelinorLinks.h"
 #include "app/PelinorListAccount.h"
 #include "app/PelinorStatusTableViewCell.h"
 #include "foundation/KRNotificationCenter.h"
@@ -21,11 +22,13 @@ struct PelinorListEnvironment {
     KRNotificationCenter& notifications;
     const PelinorDisplayPreferences& displayPreferences;
     KRTextHeightCache& heights;
+    /// Without it, clicks on links do nothing.
+    const PelinorLinkEnvironment* links = nullptr;
 };
 
 /// Shows statuses, one a row, and keeps the reader's place: across new rows, and across visits through the
 /// user defaults. Subclasses say where the statuses come from. Main thread.
-class PelinorStatusListViewController : public KRTableViewDelegate {
+class PelinorStatusListViewController : public KRTableViewDelegate, public PelinorCellDelegate {
 public:
     /// What rowForStatus() answers for a status that is not shown.
     static constexpr qint64 NoRow = std::numeric_limits<qint32>::max();
@@ -65,8 +68,10 @@ public:
 
     int numberOfRowsInTableView(KRTableView& tableView) override;
     int tableViewHeightForRow(KRTableView& tableView, qint64 row) override;
+    QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewDidSelectRow(KRTableView& tableView, qint64 row) override;
+    void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) override;
 
 protected:
     const PelinorListEnvironment& environment() const { return m_environment; }

@@ -42,7 +42,12 @@ KRActiveTextStyle textStyle(int fontSizePreference, const KRActiveTextColors& co
 PelinorStatusTableViewCell::PelinorStatusTableViewCell(KRNotificationCenter& notifications)
     : KRTableViewCell(identifier())
     , m_notifications(notifications)
+    , m_tracker(new KRActiveTextTracker(*this, m_text))
 {
+    m_tracker->setClickHandler([this](const QString& text, KRActiveStringType type) {
+        if (m_delegate)
+            m_delegate->pelinorCellClickedLink(*this, text, row(), type);
+    });
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
@@ -122,18 +127,26 @@ void PelinorStatusTableViewCell::_layOutText()
                                    m_layout.textSize,
                                    textStyle(m_fontSizePreference, _colors().spans)),
         m_status->activeTextRanges());
+    m_tracker->textDidChange(_geometry().textOrigin());
+}
+
+QString PelinorStatusTableViewCell::accessibleNameForStatus(const TwitterStatus& status)
+{
+    const QString author = status.fromUser() ? singleLine(status.fromUser()->fullName()) : QString();
+    return QStringLiteral("%1: %2, %3")
+        .arg(author, status.text(), KRAdditions::relativeTimeAgoString(status.date()));
 }
 
 void PelinorStatusTableViewCell::_describeForAccessibility()
 {
-    const QString author = m_status->fromUser() ? singleLine(m_status->fromUser()->fullName()) : QString();
-    setAccessibleName(QStringLiteral("%1: %2, %3").arg(author, m_status->text(), m_date));
+    setAccessibleName(accessibleNameForStatus(*m_status));
 }
 
 void PelinorStatusTableViewCell::resizeEvent(QResizeEvent* event)
 {
     KRTableViewCell::resizeEvent(event);
     m_text.setContainerSize({ qreal(_geometry().textWidth()), KRActiveTextRenderer::UnboundedHeight });
+    m_tracker->textDidChange(_geometry().textOrigin());
 }
 
 void PelinorStatusTableViewCell::changeEvent(QEvent* event)
@@ -161,6 +174,7 @@ void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
     _drawDate(painter);
     painter.setPen(_colors().text);
     m_text.drawAtPoint(painter, _geometry().textOrigin(), event->rect());
+    m_tracker->draw(painter);
 }
 
 void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const

@@ -5,6 +5,7 @@
 #include "model/records/TwitterStatus.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "text/render/KRActiveTextStyle.h"
+#include "toolkit/KRActiveTextTracker.h"
 #include "toolkit/KRTableViewCell.h"
 
 class KRTextHeightCache;
@@ -16,6 +17,14 @@ struct PelinorStatusCellLayout {
     /// Posted by the account the list belongs to.
     bool isMine = false;
     KRStatusTextSize textSize = KRStatusTextSize::Normal;
+};
+
+/// Hears what the user does in a cell. Main thread.
+class PelinorCellDelegate {
+public:
+    virtual ~PelinorCellDelegate() = default;
+    /// The type is that of KRAdditions::activeStringType(); a user name comes without its "@".
+    virtual void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) = 0;
 };
 
 /// A post in a list: picture, name, how long ago, text. It draws itself; there are no widgets inside.
@@ -35,6 +44,11 @@ public:
         const PelinorDisplayPreferences& preferences,
         KRTextHeightCache& heights);
 
+    /// What a screen reader says of a status: who, what, and how long ago.
+    static QString accessibleNameForStatus(const TwitterStatus& status);
+
+    /// Not owned; it outlives the table.
+    void setDelegate(PelinorCellDelegate* delegate) { m_delegate = delegate; }
     const TwitterStatusPtr& status() const { return m_status; }
     /// Shows the status. It draws the preferences as they are now.
     void setStatus(const TwitterStatusPtr& status,
@@ -68,4 +82,6 @@ private:
     bool m_dimsReadStatuses = false;
     QString m_date;
     KRActiveTextRenderer m_text;
+    KRActiveTextTracker* m_tracker;
+    PelinorCellDelegate* m_delegate = nullptr;
 };

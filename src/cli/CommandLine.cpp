@@ -15,6 +15,8 @@ enum Option : unsigned {
     MaxID = 4,
     Page = 8,
     ReplyTo = 16,
+    Service = 32,
+    Write = 64,
 };
 
 struct CommandForm {
@@ -37,7 +39,7 @@ constexpr CommandForm forms[] = {
     { "profile", 1, 0, "profile NAME               one person" },
     { "friends", 1, Page, "friends NAME               whom a person follows" },
     { "followers", 1, Page, "followers NAME             who follows a person" },
-    { "post", 1, ReplyTo, "post TEXT [--reply-to ID]  post; TEXT \"-\" is read from standard input" },
+    { "post", 1, ReplyTo, "post TEXT [--reply-to ID]  post" },
     { "delete", 1, 0, "delete ID                  delete a post" },
     { "favorite", 1, 0, "favorite ID                make a post a favourite" },
     { "unfavorite", 1, 0, "unfavorite ID              take that back" },
@@ -47,12 +49,15 @@ constexpr CommandForm forms[] = {
     { "messages", 0, SinceID | MaxID | Page, "messages                   direct messages to the account" },
     { "sent", 0, SinceID | MaxID | Page, "sent                       direct messages by the account" },
     { "conversations", 0, 0, "conversations              the newest of both, by person" },
-    { "send",
-        2,
-        0,
-        "send NAME TEXT             send a direct message; TEXT \"-\" is read from standard input" },
+    { "send", 2, 0, "send NAME TEXT             send a direct message" },
     { "search", 1, Count | SinceID | Page, "search QUERY               posts that the service finds" },
     { "trends", 0, 0, "trends                     what many write about" },
+    { "shorten", 1, Service, "shorten URL                a short link for an address" },
+    { "expand", 1, Service, "expand URL                 where a short link leads" },
+    { "upload", 1, Service, "upload FILE                a picture or a movie, answered with its link" },
+    { "longpost", 1, 0, "longpost TEXT              store a long text; prints what to post in its place" },
+    { "shrink", 1, 0, "shrink TEXT                a shorter wording" },
+    { "check", 0, Write, "check [--write]            what works with the server; --write posts and deletes" },
     { "rate-limit", 0, 0, "rate-limit                 how many requests are left, as the service says it" },
 };
 
@@ -127,6 +132,10 @@ private:
             m_line.maxID = _limit(option, MaxID);
         else if (option == u"--reply-to")
             m_line.replyTo = _limit(option, ReplyTo);
+        else if (option == u"--service")
+            m_line.service = _limit(option, Service);
+        else if (option == u"--write")
+            m_line.writes = _flag(Write);
         else
             m_error = wrongUsage(u"There is no option %1"_s.arg(option));
     }
@@ -143,6 +152,12 @@ private:
     {
         m_usedOptions |= bit;
         return _value(option);
+    }
+
+    bool _flag(unsigned bit)
+    {
+        m_usedOptions |= bit;
+        return true;
     }
 
     std::optional<int> _number(const QString& option, unsigned bit)
@@ -182,6 +197,12 @@ KRResult<CommandLine> CommandLine::parse(const QStringList& arguments)
     return Parser(arguments).run();
 }
 
+bool CommandLine::takesText() const
+{
+    static const QStringList commands { u"post"_s, u"send"_s, u"longpost"_s, u"shrink"_s };
+    return commands.contains(command);
+}
+
 QString CommandLine::usage()
 {
     QString text = u"Usage: pelinor-cli [--services FILE] [--ca-file FILE] [--account NAME] "
@@ -191,11 +212,17 @@ QString CommandLine::usage()
         text += u"  %1\n"_s.arg(QLatin1String(form.usage));
     return text
         + u"\nOptions of the lists, where they apply: --count N, --since-id ID, --max-id ID, --page N\n"
+          "TEXT may be \"-\": then it is read from standard input.\n"
           "\n"
           "  --services FILE   the addresses of the service, in place of those of the preferences\n"
           "  --ca-file FILE    certificate authorities to trust beside the system's, as PEM\n"
           "  --account NAME    the account to use; without it, the first one of the preferences\n"
           "  --password-stdin  its password is the first line of standard input\n"
+          "  --service NAME    who shortens (bitly, tinyurl, isgd, trim, diggbar), expands (bitly, longurl) "
+          "or\n"
+          "                    takes the picture (yfrog, twitpic, twitgoo, posterous, imgly, pixim), in "
+          "place\n"
+          "                    of the one in the preferences\n"
           "  --json            one object a record a line\n"
           "\n"
           "Exit status: 0 when it worked; 1 with the error's domain, code and description on standard "

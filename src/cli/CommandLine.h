@@ -20,8 +20,14 @@ struct CommandLine {
     QString sinceID;
     QString maxID;
     QString replyTo;
+    QString service;
+    /// Whether "check" may post.
+    bool writes = false;
     QString command;
     QStringList arguments;
+
+    /// Whether the last argument is a text, for which "-" stands for standard input.
+    [[nodiscard]] bool takesText() const;
 
     /// Reads the arguments after the program's name. The error's description says what is wrong with them.
     static KRResult<CommandLine> parse(const QStringList& arguments);

@@ -44,7 +44,7 @@ void CommandRunner::start(const QString& password)
         _startWriting();
     else if (m_line.command == u"conversation")
         _startConversation();
-    else if (!_startMessagesOrSearch())
+    else if (!_startMessagesOrSearch() && !_startOutsideService())
         _startReading();
 }
 
@@ -144,13 +144,16 @@ void CommandRunner::conversationDidUpdate()
 
 void CommandRunner::_printLine(const char* name, const QJsonValue& value, const QString& text)
 {
+    _printObject({ { QLatin1String(name), value } }, text);
+    m_exitCode = 0;
+}
+
+void CommandRunner::_printObject(const QJsonObject& object, const QString& text)
+{
     if (m_line.asJSON)
-        m_output
-            << QJsonDocument(QJsonObject { { QLatin1String(name), value } }).toJson(QJsonDocument::Compact)
-            << '\n';
+        m_output << QJsonDocument(object).toJson(QJsonDocument::Compact) << '\n';
     else
         m_output << RecordOutput::safeForTerminal(text) << '\n';
-    m_exitCode = 0;
 }
 
 void CommandRunner::_fail(const KRError& error)

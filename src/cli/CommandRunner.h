@@ -2,8 +2,11 @@
 
 #include "cli/CommandLine.h"
 #include "cli/RecordOutput.h"
+#include "cli/ServerCheckRules.h"
 #include "core/Twitter.h"
 #include "model/streams/TwitterConversationStream.h"
+#include "services/Tweetshrink.h"
+#include "services/Twitlonger.h"
 
 #include <QJsonDocument>
 #include <QSet>
@@ -34,10 +37,17 @@ private:
     /// Whether it is a command about messages, searches or trends.
     [[nodiscard]] bool _startMessagesOrSearch();
     void _startConversations();
+    /// Whether it is a command for an outside service.
+    [[nodiscard]] bool _startOutsideService();
+    void _startShortening();
+    void _startExpanding();
+    void _startUpload();
+    void _startCheck();
     void _fail(const KRError& error);
     template <class Record>
     void _print(const Record& record);
     void _printLine(const char* name, const QJsonValue& value, const QString& text);
+    void _printObject(const QJsonObject& object, const QString& text);
 
     void gotStatuses(const KRResult<TwitterStatusList>& result);
     void gotStatus(const KRResult<TwitterStatusPtr>& result);
@@ -50,6 +60,12 @@ private:
     void gotMessages(const KRResult<TwitterDirectMessageList>& result);
     void gotMessage(const KRResult<TwitterDirectMessagePtr>& result);
     void gotTrends(const KRResult<QStringList>& result);
+    void gotLink(const KRResult<QString>& result);
+    void gotUploadedFile(const KRResult<QUrl>& result);
+    void gotLongPost(const KRResult<Twitlonger>& result);
+    void gotShrunkText(const KRResult<Tweetshrink>& result);
+    void gotCheckResult(const KRResult<ServerCheckResult>& result);
+    void checkDidEnd(const KRResult<bool>& isUsable);
     void messagesDidUpdate(const TwitterDirectMessagesStream* stream);
     void messagesDidFail(const KRError& error);
 

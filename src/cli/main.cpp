@@ -11,7 +11,7 @@
 
 namespace {
 
-/// The first line of standard input; what follows is left to "post -" and "send NAME -".
+/// The first line of standard input; what follows is left to a text "-".
 QString readPassword(QTextStream& input)
 {
     QString line = input.readLine();
@@ -32,8 +32,7 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
         : line.caFile;
     KRHTTPTransportSettings::setCurrent(settings);
     const QString password = line.passwordFromStandardInput ? readPassword(input) : QString();
-    const bool takesText = line.command == u"post" || line.command == u"send";
-    if (takesText && line.arguments.last() == u"-")
+    if (line.takesText() && line.arguments.last() == u"-")
         line.arguments.last() = input.readAll().trimmed();
 
     TwitterEnvironment environment;

@@ -6,6 +6,8 @@
 
 #include "foundation/KRRunLoop.h"
 
+#include <QFileInfo>
+
 #include <atomic>
 #include <condition_variable>
 #include <deque>
@@ -67,8 +69,20 @@ Answer failure(const GErrorHolder& holder)
     return { isBusError ? Status::Unavailable : Status::Failed, {}, {}, text };
 }
 
+/// Whether a session bus can be reached where GDBus looks for one. Without, it would start one of its own
+/// through dbus-launch, which takes seconds and has no keyring on it.
+bool hasSessionBus()
+{
+    return !qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")
+        || QFileInfo::exists(qEnvironmentVariable("XDG_RUNTIME_DIR") + QStringLiteral("/bus"));
+}
+
 GRef<SecretService> service(GErrorHolder& error)
 {
+    if (!hasSessionBus()) {
+        g_set_error_literal(&error.error, G_IO_ERROR, G_IO_ERROR_NOT_FOUND, "there is no session bus");
+        return nullptr;
+    }
     return GRef<SecretService>(
         secret_service_get_sync(SECRET_SERVICE_OPEN_SESSION, cancellable(), &error.error));
 }

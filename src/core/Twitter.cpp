@@ -5,6 +5,7 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
 #include "foundation/KRUserDefaults.h"
+#include "transport/KRHTTPRequest.h"
 
 #include <algorithm>
 
@@ -30,6 +31,7 @@ Twitter::Twitter(TwitterEnvironment environment)
         m_environment.defaults = &KRUserDefaults::standardUserDefaults();
     if (!m_environment.hosts)
         m_environment.hosts = TwitterServiceHosts::hostsWithDefaults(*m_environment.defaults).value();
+    KRHTTPRequest::removeAbandonedBodies();
     _loadAccounts();
     if (!m_environment.runsHeartbeat)
         return;

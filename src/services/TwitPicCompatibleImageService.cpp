@@ -4,6 +4,7 @@
 #include "foundation/KRLog.h"
 #include "parsing/KRXMLParser.h"
 #include "services/TwitterServiceRequest.h"
+#include "transport/KRBackgroundProxy.h"
 #include "transport/KRHTTPMultipartFormData.h"
 
 #include <QFileInfo>
@@ -60,6 +61,39 @@ checkedAddress(const KRResult<QUrl>& address, const QString& path, const Twitter
     return address;
 }
 
+/// An upload on its way: copies the file into the form, for which no thread that others wait for has the
+/// time, and sends it.
+class Upload {
+public:
+    Upload(std::shared_ptr<KRHTTPMultipartFormData> form, QUrl address, KRCallback<KRHTTPRequest&> callback)
+        : m_form(std::move(form))
+        , m_address(std::move(address))
+        , m_callback(std::move(callback))
+    {
+    }
+
+    void send()
+    {
+        const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
+        request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
+        request->setMultipartFormData(m_form);
+        // Rather than a picture without content, or a piece of one.
+        std::optional<KRError> error = m_form->error();
+        if (!error && !m_form->unreadableFile().isNull())
+            error = programError(u"The file %1 cannot be read"_s.arg(m_form->unreadableFile()));
+        if (error)
+            m_form->cleanup();
+        TwitterServiceRequest::start(request,
+            error ? KRResult<QUrl>(*error) : KRResult<QUrl>(m_address),
+            m_callback);
+    }
+
+private:
+    std::shared_ptr<KRHTTPMultipartFormData> m_form;
+    QUrl m_address;
+    KRCallback<KRHTTPRequest&> m_callback;
+};
+
 } // namespace
 
 void TwitPicCompatibleImageService::postImage(const TwitterServiceHosts& hosts,
@@ -101,25 +135,25 @@ void TwitPicCompatibleImageService::_post(Media media,
     const TwitterCredentials& account,
     KRCallback<QUrl> callback) const
 {
-    const KRResult<QUrl> address = checkedAddress(apiRoot(hosts), path, account);
-    const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
-    request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
-    if (!address.isError()) {
-        const auto form = std::make_shared<KRHTTPMultipartFormData>();
-        form->addTextPart(account.username(), u"username"_s);
-        form->addTextPart(account.password(), u"password"_s);
-        form->addTextPart(u"pelinor"_s, u"source"_s);
-        if (media == Media::Image)
-            form->addImageFile(path, mediaParameterName());
-        else
-            form->addVideoFile(path, mediaParameterName());
-        request->setMultipartFormData(form);
-    }
     const auto answered = [tag = mediaURLResponseTag().toUtf8(), callback](KRHTTPRequest& answer) {
         if (answer.error())
             callback.invoke(*answer.error());
         else
             callback.invoke(linkInAnswer(answer.data(), tag));
     };
-    TwitterServiceRequest::start(request, address, KRCallback<KRHTTPRequest&>::withFunction(answered));
+    const auto handler = KRCallback<KRHTTPRequest&>::withFunction(answered);
+    const KRResult<QUrl> address = checkedAddress(apiRoot(hosts), path, account);
+    if (address.isError()) {
+        TwitterServiceRequest::GET(address, handler);
+        return;
+    }
+    const auto form = std::make_shared<KRHTTPMultipartFormData>();
+    form->addTextPart(account.username(), u"username"_s);
+    form->addTextPart(account.password(), u"password"_s);
+    form->addTextPart(u"pelinor"_s, u"source"_s);
+    if (media == Media::Image)
+        form->addImageFile(path, mediaParameterName());
+    else
+        form->addVideoFile(path, mediaParameterName());
+    backgroundProxy(std::make_shared<Upload>(form, address.value(), handler))->perform(&Upload::send);
 }

@@ -2,6 +2,8 @@
 
 #include "api/TwitterServiceHosts.h"
 
+#include <optional>
+
 class KRUserDefaults;
 
 /// What a call to the user's choice of an outside service is made with.
@@ -10,7 +12,9 @@ struct TwitterServiceContext {
     /// Where the choice is read, at every call. Not owned: the defaults live as long as the program. Without
     /// them, the standard ones.
     const KRUserDefaults* defaults = nullptr;
+    /// A choice for these calls alone, in place of the user's.
+    std::optional<int> preference = std::nullopt;
 
-    /// The number under the key; 0 when there is none.
+    /// The choice for these calls, or else the number under the key; 0 when there is none.
     [[nodiscard]] int preferenceForKey(const char* key) const;
 };

@@ -10,10 +10,12 @@
 
 #include <QCoreApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -22,6 +24,25 @@ constexpr qreal PageForward = 1.5;
 constexpr qreal PageBack = 0.5;
 
 } // namespace
+
+// Shows that the table itself has the keyboard's focus, above its cells, which cover it.
+class KRTableView::FocusRing final : public QWidget {
+public:
+    explicit FocusRing(KRTableView& table)
+        : QWidget(&table)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
+        painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    }
+};
 
 KRTableView::KRTableView(QWidget* parent)
     : KRScrollView(parent)
@@ -39,6 +60,7 @@ void KRTableView::_setupTableView()
     setViewport(m_documentView);
     // The new document view takes over the old one's looks.
     setBackgroundKRColor(backgroundKRColor());
+    m_focusRing = new FocusRing(*this);
     reloadData();
 }
 
@@ -59,6 +81,7 @@ void KRTableView::reloadData()
         return;
     }
     m_flags.isUpdating = true;
+    m_widthOfHeights = m_width;
     m_currentRange = {};
     for (RowInfo& row : m_rowInfo) {
         if (!row.cell)
@@ -71,6 +94,7 @@ void KRTableView::reloadData()
     setDocumentHeight(m_totalHeight);
     m_flags.isUpdating = false;
     _syncOnScreenCells();
+    KRAnnounceReload(*this);
 }
 
 void KRTableView::_rebuildRows()
@@ -263,19 +287,32 @@ void KRTableView::setFrame(const QRect& frame)
 void KRTableView::resizeEvent(QResizeEvent* event)
 {
     KRScrollView::resizeEvent(event);
-    const int width = QWidget::width() - KRScroller::Width;
-    if (m_flags.inLiveResize || width == m_width)
-        _syncOnScreenCells();
-    else
-        _relayoutForWidth(width);
+    m_focusRing->setGeometry(rect());
+    if (!m_flags.inLiveResize)
+        _setWidth(QWidget::width() - KRScroller::Width);
+    _syncOnScreenCells();
+    // The heights are those of the old width still. Nobody comes to end this change of size, as the end of a
+    // drag does, so the table asks for them itself, once for all the sizes that a window's layout goes
+    // through.
+    if (m_width != m_widthOfHeights) {
+        KRRunLoop::main().post([table = QPointer<KRTableView>(this)] {
+            if (table && table->m_width != table->m_widthOfHeights && !table->m_flags.inLiveResize)
+                table->_reloadKeepingPlace();
+        });
+    }
 }
 
-void KRTableView::_relayoutForWidth(int width)
+void KRTableView::_setWidth(int width)
+{
+    m_width = width;
+    m_documentView->setDocumentFrame({ 0, 0, m_width, m_totalHeight });
+}
+
+void KRTableView::_reloadKeepingPlace()
 {
     // Heights change with the width; the row at the top stays where it is.
     const qint64 row = visibleRange().location;
     const int offset = relativeVisibleOffsetForRow(row);
-    m_width = width;
     reloadData();
     scrollToRow(row, offset);
 }
@@ -288,7 +325,8 @@ void KRTableView::viewWillStartLiveResize()
 void KRTableView::viewDidEndLiveResize()
 {
     m_flags.inLiveResize = false;
-    _relayoutForWidth(QWidget::width() - KRScroller::Width);
+    _setWidth(QWidget::width() - KRScroller::Width);
+    _reloadKeepingPlace();
 }
 
 void KRTableView::didScroll()
@@ -341,7 +379,7 @@ void KRTableView::selectRow(qint64 row)
         return;
     const QPointer<KRTableView> self = this;
     const QPointer<KRTableViewCell> oldCell = selectedCell();
-    m_selectedRow = _clampRow(row);
+    const qint64 oldRow = std::exchange(m_selectedRow, _clampRow(row));
     if (oldCell)
         oldCell->selectedStateDidChange();
     if (KRTableViewCell* newCell = self ? selectedCell() : nullptr)
@@ -350,6 +388,7 @@ void KRTableView::selectRow(qint64 row)
         return;
     m_documentView->update();
     _fixFirstResponder();
+    KRAnnounceSelection(*this, oldRow, m_selectedRow);
     if (m_delegate)
         m_delegate->tableViewDidSelectRow(*this, m_selectedRow);
 }
@@ -406,6 +445,36 @@ void KRTableView::previousPage()
     _selectAndShow(qint64(qreal(visible.location) - PageBack * qreal(visible.length)));
 }
 
+void KRTableView::focusInEvent(QFocusEvent* event)
+{
+    KRScrollView::focusInEvent(event);
+    // Whoever comes by keyboard goes on at the selected row, and sees where the focus is without one.
+    const bool isFromKeyboard = event->reason() == Qt::TabFocusReason
+        || event->reason() == Qt::BacktabFocusReason || event->reason() == Qt::ShortcutFocusReason;
+    if (isFromKeyboard && selectedCell()) {
+        _fixFirstResponder();
+    } else if (event->reason() != Qt::MouseFocusReason) {
+        m_focusRing->raise();
+        m_focusRing->show();
+    }
+}
+
+void KRTableView::focusOutEvent(QFocusEvent* event)
+{
+    KRScrollView::focusOutEvent(event);
+    m_focusRing->hide();
+}
+
+bool KRTableView::leaveWithTab(bool next)
+{
+    // From the table on: its cells are no stops of their own, and behind the table comes what is behind them.
+    setFocus(Qt::OtherFocusReason);
+    const bool hasLeft = focusNextPrevChild(next);
+    if (hasFocus())
+        _fixFirstResponder();
+    return hasLeft;
+}
+
 void KRTableView::keyPressEvent(QKeyEvent* event)
 {
     // Keys without a meaning stop here too: a list is no place from which they should reach anything else.
@@ -422,6 +491,18 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
             previousPage();
         else
             nextPage();
+        break;
+    case Qt::Key_Home:
+        _selectAndShow(0);
+        break;
+    case Qt::Key_End:
+        _selectAndShow(numberOfRows() - 1);
+        break;
+    case Qt::Key_PageUp:
+        previousPage();
+        break;
+    case Qt::Key_PageDown:
+        nextPage();
         break;
     default:
         break;

@@ -73,14 +73,18 @@ public:
     void nextPage();
     void previousPage();
 
-    /// Sets the geometry and acts on it now, even while the table is hidden.
+    /// Sets the geometry and acts on it now, even while the table is hidden: the width changes and the rows
+    /// that come into view get cells. Heights stay as they are until the next reload, which follows by itself
+    /// with the next pass of the run loop when the width has changed and nobody has reloaded.
     void setFrame(const QRect& frame);
     /// Between these two calls rows keep their width and heights; afterwards everything is laid out once for
-    /// the final width. KRLiveResize calls them. Any other change of width is laid out at once: nothing
-    /// would come to end it.
+    /// the final width. KRLiveResize calls them.
     void viewWillStartLiveResize();
     void viewDidEndLiveResize();
     bool inLiveResize() const { return m_flags.inLiveResize; }
+
+    /// Moves the focus to the widget before or behind the table in the window. False when there is none.
+    bool leaveWithTab(bool next);
 
     /// What a reload put off during a drag of the scroller comes back to.
     void doneScrollingShouldReload(const KRResult<void>& result);
@@ -88,6 +92,8 @@ public:
 protected:
     void didScroll() override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -97,10 +103,13 @@ private:
         int offset = 0;
     };
 
+    class FocusRing;
+
     void _setupTableView();
     void _rebuildRows();
     void _reloadSoon();
-    void _relayoutForWidth(int width);
+    void _setWidth(int width);
+    void _reloadKeepingPlace();
     void _syncOnScreenCells();
     void _removeCellsOutside(KRRange range);
     void _addCellsInside(KRRange range);
@@ -119,7 +128,10 @@ private:
     KRRange m_currentRange;
     int m_totalHeight = 0;
     int m_width = 0;
+    // What the delegate was last asked for heights at.
+    int m_widthOfHeights = 0;
     qint64 m_selectedRow = -1;
+    FocusRing* m_focusRing = nullptr;
     struct {
         bool inLiveResize : 1;
         bool isUpdating : 1;

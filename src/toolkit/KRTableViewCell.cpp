@@ -38,3 +38,8 @@ void KRTableViewCell::mousePressEvent(QMouseEvent* event)
     if (m_tableView)
         m_tableView->selectRow(m_row);
 }
+
+bool KRTableViewCell::focusNextPrevChild(bool next)
+{
+    return m_tableView ? m_tableView->leaveWithTab(next) : QWidget::focusNextPrevChild(next);
+}

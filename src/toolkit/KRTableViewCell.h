@@ -32,6 +32,8 @@ protected:
     /// Selects the cell's row once the subclass has had the press. Whatever the selection sets off may have
     /// destroyed the cell by the time this returns.
     void mousePressEvent(QMouseEvent* event) override;
+    /// Tab leaves the whole table, whose only stop the selected row is.
+    bool focusNextPrevChild(bool next) override;
 
 private:
     const QString m_reusableIdentifier;

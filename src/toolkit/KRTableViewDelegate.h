@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 class KRTableView;
 class KRTableViewCell;
@@ -22,6 +22,8 @@ public:
     /// A cell configured for the row: an idle one from dequeueReusableCellWithIdentifier(), or a new one
     /// without a parent, which the table takes over.
     virtual KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) = 0;
+    /// What a screen reader says of a row that is not on screen and thus has no cell with a name.
+    virtual QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 /*row*/) { return {}; }
     /// Told after every selection, also when the row was selected before.
     virtual void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 /*row*/) { }
 };

@@ -2,7 +2,6 @@
 
 #include "transport/KRTransferEngine.h"
 
-#include <atomic>
 #include <pthread.h>
 #include <signal.h>
 
@@ -14,12 +13,13 @@ std::atomic<KRBackgroundThread*> s_sharedThread = nullptr;
 } // namespace
 
 KRBackgroundThread::KRBackgroundThread()
-    : m_transfers(std::make_unique<KRTransferEngine>())
 {
-    // The thread itself looks for new work before each wait, so it need not be woken by its own.
+    // The thread itself looks for new work before each wait, so it need not be woken by its own; nor while it
+    // still makes its transfers, for it has not waited yet.
     m_runLoop.setWakeHook([this] {
-        if (!isCurrentThread())
-            m_transfers->wakeUp();
+        KRTransferEngine* const transfers = m_wakeable.load();
+        if (transfers && !isCurrentThread())
+            transfers->wakeUp();
     });
     m_thread = std::thread([this] { _run(); });
     m_threadID = m_thread.get_id();
@@ -68,6 +68,10 @@ void KRBackgroundThread::_run()
     sigemptyset(&signals);
     sigaddset(&signals, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+    // Made here and not where the thread is first asked for, which is the start of the program: this opens
+    // libcurl.
+    m_transfers = std::make_unique<KRTransferEngine>();
+    m_wakeable = m_transfers.get();
     for (;;) {
         m_runLoop.runPending();
         // What asked for the end has used up its wake-up: waiting once more would wait for the next event.

@@ -2,6 +2,7 @@
 
 #include "foundation/KRRunLoop.h"
 
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -33,6 +34,8 @@ private:
 
     KRRunLoop m_runLoop;
     std::unique_ptr<KRTransferEngine> m_transfers;
+    // The same for other threads, once it is made.
+    std::atomic<KRTransferEngine*> m_wakeable = nullptr;
     bool m_stopping = false;
     std::thread m_thread;
     // The thread's own, which forgets it when it is joined.

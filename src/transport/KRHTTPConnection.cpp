@@ -1,16 +1,21 @@
 #include "transport/KRHTTPConnection.h"
 
 #include "foundation/KRLog.h"
+#include "transport/KRCurlLibrary.h"
 #include "transport/KRInputStream.h"
 
 #include <QByteArrayList>
 #include <QFile>
 
 #include <algorithm>
-#include <curl/curl.h>
 #include <mutex>
 
 namespace {
+
+const KRCurlLibrary& curl()
+{
+    return KRCurlLibrary::shared();
+}
 
 // A redirect's own body is read so that its connection can be used again, but not for ever.
 constexpr qint64 redirectBodyTolerated = 64 * 1024;
@@ -57,6 +62,24 @@ bool isSafeHeaderText(const QByteArray& text)
 }
 
 } // namespace
+
+bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error)
+{
+    if (error.domain != QStringView(KRHTTPConnectionErrorDomain))
+        return false;
+    switch (error.code) {
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+        return true;
+    default:
+        return false;
+    }
+}
 
 KRHTTPTransportSettings KRHTTPTransportSettings::current()
 {
@@ -115,30 +138,32 @@ void KRHTTPConnection::_setUpCommonOptions()
 {
     // Credentials inside an address would be sent as an Authorization nobody asked for.
     const QByteArray url = m_url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment);
-    curl_easy_setopt(m_handle, CURLOPT_URL, url.constData());
-    curl_easy_setopt(m_handle, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(m_handle, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(m_handle, CURLOPT_USERAGENT, "Pelinor/1.2.6");
-    curl_easy_setopt(m_handle, CURLOPT_ACCEPT_ENCODING, "gzip, br");
-    curl_easy_setopt(m_handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    curl_easy_setopt(m_handle, CURLOPT_CONNECTTIMEOUT, static_cast<long>(m_settings.stallSeconds));
-    curl_easy_setopt(m_handle, CURLOPT_LOW_SPEED_TIME, static_cast<long>(m_settings.stallSeconds));
-    curl_easy_setopt(m_handle, CURLOPT_LOW_SPEED_LIMIT, static_cast<long>(m_settings.stallBytesPerSecond));
+    curl().easySetOption(m_handle, CURLOPT_URL, url.constData());
+    curl().easySetOption(m_handle, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl().easySetOption(m_handle, CURLOPT_NOSIGNAL, 1L);
+    curl().easySetOption(m_handle, CURLOPT_USERAGENT, "Pelinor/1.2.6");
+    curl().easySetOption(m_handle, CURLOPT_ACCEPT_ENCODING, "gzip, br");
+    curl().easySetOption(m_handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    curl().easySetOption(m_handle, CURLOPT_CONNECTTIMEOUT, static_cast<long>(m_settings.stallSeconds));
+    curl().easySetOption(m_handle, CURLOPT_LOW_SPEED_TIME, static_cast<long>(m_settings.stallSeconds));
+    curl().easySetOption(m_handle,
+        CURLOPT_LOW_SPEED_LIMIT,
+        static_cast<long>(m_settings.stallBytesPerSecond));
     if (!m_settings.extraCAFile.isEmpty()) {
         // The file replaces libcurl's bundle; the system's authorities are found in its directory all the
         // same.
         const QByteArray file = QFile::encodeName(m_settings.extraCAFile);
-        curl_easy_setopt(m_handle, CURLOPT_CAINFO, file.constData());
+        curl().easySetOption(m_handle, CURLOPT_CAINFO, file.constData());
     }
-    curl_easy_setopt(m_handle, CURLOPT_ERRORBUFFER, m_errorText);
-    curl_easy_setopt(m_handle, CURLOPT_HEADERFUNCTION, &KRHTTPConnection::_headerCallback);
-    curl_easy_setopt(m_handle, CURLOPT_HEADERDATA, this);
-    curl_easy_setopt(m_handle, CURLOPT_WRITEFUNCTION, &KRHTTPConnection::_writeCallback);
-    curl_easy_setopt(m_handle, CURLOPT_WRITEDATA, this);
+    curl().easySetOption(m_handle, CURLOPT_ERRORBUFFER, m_errorText);
+    curl().easySetOption(m_handle, CURLOPT_HEADERFUNCTION, &KRHTTPConnection::_headerCallback);
+    curl().easySetOption(m_handle, CURLOPT_HEADERDATA, this);
+    curl().easySetOption(m_handle, CURLOPT_WRITEFUNCTION, &KRHTTPConnection::_writeCallback);
+    curl().easySetOption(m_handle, CURLOPT_WRITEDATA, this);
     if (_hasBody()) {
-        curl_easy_setopt(m_handle, CURLOPT_NOPROGRESS, 0L);
-        curl_easy_setopt(m_handle, CURLOPT_XFERINFOFUNCTION, &KRHTTPConnection::_progressCallback);
-        curl_easy_setopt(m_handle, CURLOPT_XFERINFODATA, this);
+        curl().easySetOption(m_handle, CURLOPT_NOPROGRESS, 0L);
+        curl().easySetOption(m_handle, CURLOPT_XFERINFOFUNCTION, &KRHTTPConnection::_progressCallback);
+        curl().easySetOption(m_handle, CURLOPT_XFERINFODATA, this);
     }
 }
 
@@ -151,44 +176,44 @@ void KRHTTPConnection::_setUpMethodAndBody()
 {
     const QByteArray& method = m_request.method;
     if (method == "GET" && !_hasBody()) {
-        curl_easy_setopt(m_handle, CURLOPT_HTTPGET, 1L);
-        curl_easy_setopt(m_handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+        curl().easySetOption(m_handle, CURLOPT_HTTPGET, 1L);
+        curl().easySetOption(m_handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
         return;
     }
     // libcurl repeats a request on a connection that it reused and found closed, and over HTTP/2 a refused
     // stream. Neither can happen on a fresh connection that speaks HTTP/1.1.
-    curl_easy_setopt(m_handle, CURLOPT_FRESH_CONNECT, 1L);
-    curl_easy_setopt(m_handle, CURLOPT_FORBID_REUSE, 1L);
-    curl_easy_setopt(m_handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    curl().easySetOption(m_handle, CURLOPT_FRESH_CONNECT, 1L);
+    curl().easySetOption(m_handle, CURLOPT_FORBID_REUSE, 1L);
+    curl().easySetOption(m_handle, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     if (method == "HEAD") {
-        curl_easy_setopt(m_handle, CURLOPT_NOBODY, 1L);
+        curl().easySetOption(m_handle, CURLOPT_NOBODY, 1L);
         return;
     }
     if (_hasBody() || method == "POST") {
-        curl_easy_setopt(m_handle, CURLOPT_POST, 1L);
+        curl().easySetOption(m_handle, CURLOPT_POST, 1L);
         curl_off_t length = m_request.body.size();
         if (m_request.body.isNull() && m_request.bodyStream) {
             length = m_request.bodyStreamLength.value_or(-1);
-            curl_easy_setopt(m_handle, CURLOPT_READFUNCTION, &KRHTTPConnection::_readCallback);
-            curl_easy_setopt(m_handle, CURLOPT_READDATA, this);
+            curl().easySetOption(m_handle, CURLOPT_READFUNCTION, &KRHTTPConnection::_readCallback);
+            curl().easySetOption(m_handle, CURLOPT_READDATA, this);
         } else {
-            curl_easy_setopt(m_handle,
+            curl().easySetOption(m_handle,
                 CURLOPT_POSTFIELDS,
                 m_request.body.isNull() ? "" : m_request.body.constData());
         }
-        curl_easy_setopt(m_handle, CURLOPT_POSTFIELDSIZE_LARGE, length);
+        curl().easySetOption(m_handle, CURLOPT_POSTFIELDSIZE_LARGE, length);
     }
     if (method != "POST")
-        curl_easy_setopt(m_handle, CURLOPT_CUSTOMREQUEST, method.constData());
+        curl().easySetOption(m_handle, CURLOPT_CUSTOMREQUEST, method.constData());
 }
 
 void KRHTTPConnection::_setUpHeaders()
 {
     _releaseHeaders();
     // Waiting for "100 Continue" costs a second with servers that do not know it.
-    m_headerList = curl_slist_append(m_headerList, "Expect:");
+    m_headerList = curl().listAppend(m_headerList, "Expect:");
     if (m_request.body.isNull() && m_request.bodyStream && !m_request.bodyStreamLength)
-        m_headerList = curl_slist_append(m_headerList, "Transfer-Encoding: chunked");
+        m_headerList = curl().listAppend(m_headerList, "Transfer-Encoding: chunked");
     for (const auto& [name, value] : m_request.headers) {
         if (m_leftOrigin && !isHarmlessHeader(name))
             continue;
@@ -202,14 +227,15 @@ void KRHTTPConnection::_setUpHeaders()
         }
         // "Name;" is libcurl's form of a header without a value.
         const QByteArray line = value.isEmpty() ? name + ';' : name + ": " + value;
-        m_headerList = curl_slist_append(m_headerList, line.constData());
+        m_headerList = curl().listAppend(m_headerList, line.constData());
     }
-    curl_easy_setopt(m_handle, CURLOPT_HTTPHEADER, m_headerList);
+    curl().easySetOption(m_handle, CURLOPT_HTTPHEADER, m_headerList);
 }
 
 void KRHTTPConnection::_releaseHeaders()
 {
-    curl_slist_free_all(m_headerList);
+    if (m_headerList)
+        curl().listFree(m_headerList);
     m_headerList = nullptr;
 }
 
@@ -236,7 +262,7 @@ void KRHTTPConnection::_receiveHeaderLine(QByteArrayView line)
 void KRHTTPConnection::_receivedHead()
 {
     long status = 0;
-    curl_easy_getinfo(m_handle, CURLINFO_RESPONSE_CODE, &status);
+    curl().easyGetInfo(m_handle, CURLINFO_RESPONSE_CODE, &status);
     if (status < 200)
         return;
     m_response.statusCode = static_cast<int>(status);
@@ -320,7 +346,9 @@ bool KRHTTPConnection::_receiveBody(const char* bytes, size_t length)
 size_t KRHTTPConnection::_readBody(char* buffer, size_t capacity)
 {
     const qint64 count = m_request.bodyStream->read(buffer, static_cast<qint64>(capacity));
-    if (count >= 0) {
+    // A stream shorter than announced would keep the server waiting for the rest.
+    const bool isCut = count == 0 && m_bodyRead < m_request.bodyStreamLength.value_or(0);
+    if (count >= 0 && !isCut) {
         m_bodyRead += count;
         return static_cast<size_t>(count);
     }
@@ -365,7 +393,7 @@ KRError KRHTTPConnection::_errorForCode(int code) const
 {
     const QString host = m_url.host();
     const QString detail
-        = QString::fromUtf8(m_errorText[0] ? m_errorText : curl_easy_strerror(static_cast<CURLcode>(code)));
+        = QString::fromUtf8(m_errorText[0] ? m_errorText : curl().easyErrorText(static_cast<CURLcode>(code)));
     QString text;
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:

@@ -27,6 +27,9 @@ enum KRHTTPConnectionErrorCode {
     KRHTTPConnectionErrorUnreadableBody = -6,
 };
 
+/// Whether a connection failed because the server could not prove its name or speaks no usable TLS.
+[[nodiscard]] bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error);
+
 /// A request that makes no progress for so long fails.
 inline constexpr int KRHTTPStallSeconds = 60;
 /// Fewer bytes a second than this, averaged over the last seconds, are no progress: a server that drips

@@ -1,9 +1,10 @@
 #include "transport/KRHTTPMultipartFormData.h"
 
 #include "foundation/KRFileManager.h"
+#include "foundation/KRFiles.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRLog.h"
-#include "text/KRStringAdditions.h"
+#include "transport/KRBodyFile.h"
 #include "transport/KRInputStream.h"
 
 #include <QFile>
@@ -12,7 +13,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 copyChunk = 65536;
+// A name inside the quotes of a header, in the way of browsers: what would end it is percent-encoded.
+QByteArray quotedName(const QString& name)
+{
+    QByteArray text = name.toUtf8();
+    text.replace("\r", "%0D").replace("\n", "%0A").replace("\"", "%22");
+    return text;
+}
 
 } // namespace
 
@@ -29,6 +36,7 @@ KRHTTPMultipartFormData::KRHTTPMultipartFormData(const KRKeyedUnarchiver& coder)
             part.decodeString("Content-Type"_L1),
             part.decodeString("filename"_L1) });
     }
+    m_wasBuilt = !m_dataFile.isNull();
     // The length is not archived: the file knows it. One that has gone meanwhile, with the caches or after an
     // attempt to send it, is built again.
     if (QFile::exists(m_dataFile))
@@ -43,7 +51,7 @@ void KRHTTPMultipartFormData::encodeWithCoder(KRKeyedArchiver& coder) const
     for (const Part& part : m_parts)
         parts.append(&part);
     coder.encodeObjects("parts"_L1, parts);
-    coder.encodeString("dataFile"_L1, m_dataFile);
+    coder.encodeString("dataFile"_L1, dataFile());
 }
 
 void KRHTTPMultipartFormData::Part::encodeWithCoder(KRKeyedArchiver& coder) const
@@ -90,33 +98,71 @@ QString KRHTTPMultipartFormData::contentTypeHeader() const
     return u"multipart/form-data; boundary=%1"_s.arg(QLatin1String(boundary()));
 }
 
+qint64 KRHTTPMultipartFormData::dataInputLength() const
+{
+    std::scoped_lock guard(m_lock);
+    return m_dataLength;
+}
+
+QString KRHTTPMultipartFormData::dataFile() const
+{
+    std::scoped_lock guard(m_lock);
+    return m_dataFile;
+}
+
+std::optional<KRError> KRHTTPMultipartFormData::error() const
+{
+    std::scoped_lock guard(m_lock);
+    return m_error;
+}
+
+QString KRHTTPMultipartFormData::unreadableFile() const
+{
+    std::scoped_lock guard(m_lock);
+    return m_unreadableFile;
+}
+
 std::shared_ptr<KRInputStream> KRHTTPMultipartFormData::dataInputStream()
 {
-    if (m_dataFile.isNull())
+    if (dataFile().isNull())
         _buildDataFile();
-    return std::make_shared<KRFileInputStream>(m_dataFile);
+    return std::make_shared<KRFileInputStream>(dataFile());
 }
 
 void KRHTTPMultipartFormData::_buildDataFile()
 {
-    m_dataFile = KRFileManager::multipartPOSTDataDirectory() + u'/' + KRAdditions::GUID();
-    QFile file(m_dataFile);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly,
-            QFileDevice::ReadOwner | QFileDevice::WriteOwner))
-        KRLog(u"Error: the request body %1 could not be made: %2"_s.arg(m_dataFile, file.errorString()));
+    auto file = std::make_unique<KRBodyFile>(KRFileManager::multipartPOSTDataDirectory());
+    {
+        std::scoped_lock guard(m_lock);
+        m_unreadableFile = QString();
+    }
     for (const Part& part : std::as_const(m_parts))
-        _writePart(part, file);
-    _writeData("--" + boundary() + "--\r\n", file);
+        _writePart(part, *file);
+    _writeData("--" + boundary() + "--\r\n", *file);
+
+    std::scoped_lock guard(m_lock);
+    m_error = file->error();
+    if (!m_error && m_wasBuilt && !m_unreadableFile.isNull()) {
+        m_error = errorWithDomain(QString::fromUtf16(KRFileErrorDomain),
+            -1,
+            u"The file %1 cannot be read any more"_s.arg(m_unreadableFile));
+    }
+    // A piece of a body is of no use, and the disk may be full of it.
+    if (m_error)
+        QFile::remove(file->path());
+    m_wasBuilt = true;
+    m_dataFile = file->path();
+    m_file = std::move(file);
 }
 
-void KRHTTPMultipartFormData::_writePart(const Part& part, QFile& file)
+void KRHTTPMultipartFormData::_writePart(const Part& part, KRBodyFile& file)
 {
     _writeData("--" + boundary() + "\r\n", file);
-    const QByteArray disposition = "Content-Disposition: form-data; name=\"" + part.name.toUtf8() + '"';
+    const QByteArray disposition = "Content-Disposition: form-data; name=\"" + quotedName(part.name) + '"';
     if (part.contentType.isNull()) {
         _writeData(disposition + "\r\n\r\n", file);
     } else {
-        _writeData(disposition + "; filename=\"" + part.filename.toUtf8() + "\"\r\n", file);
+        _writeData(disposition + "; filename=\"" + quotedName(part.filename) + "\"\r\n", file);
         _writeData("Content-Type: " + part.contentType.toUtf8() + "\r\n\r\n", file);
     }
     if (!part.file.isNull())
@@ -128,31 +174,33 @@ void KRHTTPMultipartFormData::_writePart(const Part& part, QFile& file)
     _writeData("\r\n", file);
 }
 
-void KRHTTPMultipartFormData::_copyFile(const QString& path, QFile& file)
+void KRHTTPMultipartFormData::_copyFile(const QString& path, KRBodyFile& file)
 {
-    QFile source(path);
-    if (!source.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
-        return;
-    QByteArray chunk(copyChunk, Qt::Uninitialized);
-    for (;;) {
-        const qint64 count = source.read(chunk.data(), copyChunk);
-        if (count <= 0)
-            return;
-        m_dataLength += count;
-        file.write(chunk.constData(), count);
-    }
+    const std::optional<qint64> copied = file.append(path);
+    std::scoped_lock guard(m_lock);
+    m_dataLength += copied.value_or(0);
+    if (!copied && m_unreadableFile.isNull())
+        m_unreadableFile = path;
 }
 
-void KRHTTPMultipartFormData::_writeData(const QByteArray& data, QFile& file)
+void KRHTTPMultipartFormData::_writeData(const QByteArray& data, KRBodyFile& file)
 {
     file.write(data);
+    std::scoped_lock guard(m_lock);
     m_dataLength += data.size();
 }
 
 void KRHTTPMultipartFormData::cleanup()
 {
+    std::scoped_lock guard(m_lock);
     if (m_dataFile.isNull())
         return;
     QFile::remove(m_dataFile);
     m_dataFile = QString();
+    m_file.reset();
+}
+
+void KRHTTPMultipartFormData::removeAbandonedBodies(const QStringList& keptFiles)
+{
+    KRBodyFile::removeAbandoned(KRFileManager::multipartPOSTDataDirectory(), keptFiles);
 }

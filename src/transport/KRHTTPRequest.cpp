@@ -4,6 +4,7 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
 #include "text/KRStringAdditions.h"
+#include "transport/KRBackgroundProxy.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRInputStream.h"
@@ -115,6 +116,15 @@ void KRHTTPRequest::startRequest()
 
 void KRHTTPRequest::_startInBackground()
 {
+    if (m_multipartFormData && m_multipartFormData->dataFile().isNull()) {
+        // An earlier attempt has deleted the body, and this thread has no time to copy files.
+        backgroundProxy(shared_from_this())->perform(&KRHTTPRequest::_rebuildBody);
+        return;
+    }
+    if (const auto error = m_multipartFormData ? m_multipartFormData->error() : std::nullopt) {
+        connectionDidFailWithError(*error);
+        return;
+    }
     const auto connection = std::make_shared<KRHTTPConnection>(urlRequest(), shared_from_this());
     connection->start(KRBackgroundThread::shared().transfers());
 }

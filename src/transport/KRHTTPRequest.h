@@ -132,6 +132,9 @@ public:
     static void removePersistentRequest(const std::shared_ptr<KRHTTPRequest>& request);
     /// Starts every persistent request that is not running.
     static void servicePersistentRequests();
+    /// Deletes the bodies of uploads that programs ended in the middle of, but for those that a persistent
+    /// request will send.
+    static void removeAbandonedBodies();
 
     static void beginNetworkActivity();
     static void endNetworkActivity();
@@ -146,6 +149,7 @@ private:
     void connectionDidFailWithError(const KRError& error) override;
 
     void _startInBackground();
+    void _rebuildBody();
     void _noteProgress();
     void _endRequest();
     void _didStartRequest();

@@ -1,8 +1,10 @@
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRLog.h"
 #include "foundation/KRUserDefaults.h"
+#include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRHTTPRequest.h"
+#include "transport/KRInputStream.h"
 
 #include <mutex>
 
@@ -88,6 +90,31 @@ void KRHTTPRequest::servicePersistentRequests()
         KRLog(u"servicing persistent request %1"_s.arg(request->description()));
         request->startRequest();
     }
+}
+
+void KRHTTPRequest::removeAbandonedBodies()
+{
+    QStringList kept;
+    for (const std::shared_ptr<KRHTTPRequest>& request : persistentRequests()) {
+        if (request->m_multipartFormData)
+            kept.append(request->m_multipartFormData->dataFile());
+    }
+    KRHTTPMultipartFormData::removeAbandonedBodies(kept);
+}
+
+void KRHTTPRequest::_rebuildBody()
+{
+    // The form counts on from the length of the body before.
+    const qint64 lengthBefore = m_multipartFormData->dataInputLength();
+    const std::shared_ptr<KRInputStream> stream = m_multipartFormData->dataInputStream();
+    const qint64 length = m_multipartFormData->dataInputLength() - lengthBefore;
+    {
+        // Whoever archives the list reads the headers.
+        std::scoped_lock guard(listLock());
+        m_bodyStream = stream;
+        setValueForHTTPHeaderField(QString::number(length), u"Content-Length"_s);
+    }
+    performOnSharedBackgroundThread([request = shared_from_this()] { request->_startInBackground(); });
 }
 
 void KRHTTPRequest::_didStartRequest()

@@ -9,6 +9,7 @@
 
 using CURL = void;
 using CURLM = void;
+struct KRCurlLibrary;
 
 /// One transfer that the engine carries; told once when it has ended.
 class KRTransfer {
@@ -50,7 +51,8 @@ private:
     bool _tellEnded();
     void _recycle(CURL* handle);
 
-    CURLM* m_multi = nullptr;
+    const KRCurlLibrary& m_curl;
+    CURLM* m_multi;
     std::unordered_map<CURL*, std::shared_ptr<KRTransfer>> m_transfers;
     std::vector<CURL*> m_idleHandles;
 };

@@ -98,6 +98,13 @@ QByteArray hugePicture()
     return data;
 }
 
+/// Shows a window and waits for the list, which comes after the window's first painting.
+bool showsList(PelinorMainWindow& window)
+{
+    window.show();
+    return QTest::qWaitFor([&] { return window.list().tableView().numberOfRows() > 0; });
+}
+
 class PelinorMainWindowTest : public testing::Test {
 protected:
     PelinorListEnvironment environment() { return { defaults, center, preferences, heights }; }
@@ -121,8 +128,7 @@ TEST_F(PelinorMainWindowTest, ShowsAFilledTimelineInBothColourSchemes)
         QApplication::setPalette(palette);
         PelinorMainWindow window(environment(), account);
         window.resize(420, 900);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        ASSERT_TRUE(showsList(window));
         window.list().tableView().selectRow(3);
         window.errorStrip().setText(qEnvironmentVariable("PELINOR_SCREENSHOT_ERROR"));
         const QImage image = window.grab().toImage();
@@ -152,8 +158,7 @@ TEST_F(PelinorMainWindowTest, ShowsAFilledTimelineInBothColourSchemes)
 TEST_F(PelinorMainWindowTest, AnEmptyTimelineSaysSo)
 {
     PelinorMainWindow window(environment(), account);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(showsList(window));
     const auto textOfRow = [&](qint64 row) {
         const auto* const cell
             = qobject_cast<PelinorPlaceholderTableViewCell*>(window.list().tableView().cellForRow(row));
@@ -173,8 +178,7 @@ TEST_F(PelinorMainWindowTest, AFailedLoadShowsUntilTheNextGoodOne)
 {
     account.stream->posts = communityPosts();
     PelinorMainWindow window(environment(), account);
-    window.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    ASSERT_TRUE(showsList(window));
     PelinorErrorStrip& strip = window.errorStrip();
     EXPECT_FALSE(strip.isVisible());
     const auto fail = [&](const QString& description) {
@@ -224,14 +228,13 @@ TEST_F(PelinorMainWindowTest, RemembersItsGeometryAndTheReadersPlace)
         window.resize(100, 100);
         EXPECT_GE(window.width(), 300);
         window.resize(555, 444);
-        window.show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        ASSERT_TRUE(showsList(window));
         window.list().tableView().scrollToRow(9);
         window.close();
     }
     PelinorMainWindow window(environment(), account);
     EXPECT_EQ(window.size(), QSize(555, 444));
-    window.show();
+    ASSERT_TRUE(showsList(window));
     EXPECT_FALSE(window.list().tableView().isScrolledToTop());
     EXPECT_TRUE(window.list().tableView().visibleRange().contains(9));
 

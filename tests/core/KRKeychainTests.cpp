@@ -50,6 +50,20 @@ TEST(KRKeychain, StoresFindsAndReplaces)
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
 }
 
+TEST(KRSecretService, StartsNoBusWhereThereIsNone)
+{
+    const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
+    const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
+    qunsetenv("DBUS_SESSION_BUS_ADDRESS");
+    qputenv("XDG_RUNTIME_DIR", "/nonexistent");
+    const KRSecretService::Answer answer
+        = KRSecretService::lookUp({ { u"service"_s, service }, { u"account"_s, u"bob"_s } });
+    qputenv("DBUS_SESSION_BUS_ADDRESS", address);
+    qputenv("XDG_RUNTIME_DIR", runtime);
+    EXPECT_EQ(answer.status, KRSecretService::Status::Unavailable);
+    EXPECT_EQ(answer.error, u"there is no session bus"_s);
+}
+
 TEST(EMKeychainProxy, ChangesStoredItems)
 {
     EMKeychainProxy& proxy = EMKeychainProxy::sharedProxy();

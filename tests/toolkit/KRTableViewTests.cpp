@@ -46,6 +46,10 @@ public:
         ++heightQuestions;
         return heights.at(size_t(row));
     }
+    QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row) override
+    {
+        return QStringLiteral("row %1").arg(row);
+    }
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override
     {
         if (duringCellForRow)
@@ -56,6 +60,7 @@ public:
             cell = new RowCell(identifier);
             made.push_back(cell);
         }
+        cell->setAccessibleName(tableViewAccessibleNameForRow(tableView, row));
         return cell;
     }
     void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row) override
@@ -135,7 +140,13 @@ TEST_F(KRTableViewTest, AnEmptyTableIgnoresEverything)
     table.scrollToRow(3);
     table.scrollToRow(3, 10);
     table.selectRow(0);
-    for (const Qt::Key key : { Qt::Key_Up, Qt::Key_Down, Qt::Key_Space })
+    for (const Qt::Key key : { Qt::Key_Up,
+             Qt::Key_Down,
+             Qt::Key_Space,
+             Qt::Key_Home,
+             Qt::Key_End,
+             Qt::Key_PageUp,
+             Qt::Key_PageDown })
         press(key);
     EXPECT_EQ(table.selectedRow(), -1);
     EXPECT_TRUE(rows->selections.empty());
@@ -179,7 +190,7 @@ TEST_F(KRTableViewTest, CellsOfRowsThatScrollAwayAreUsedAgainLastFirst)
     EXPECT_EQ(table.currentRange(), (KRRange { 9996, 4 }));
     EXPECT_EQ(visibleCells().size(), 4U);
     EXPECT_LE(rows->made.size(), 6U);
-    EXPECT_EQ(rows->heightQuestions, 20000) << "scrolling asks for no heights";
+    EXPECT_EQ(rows->heightQuestions, 10000) << "scrolling asks for no heights";
 }
 
 TEST_F(KRTableViewTest, EveryIdentifierHasItsOwnPool)
@@ -307,6 +318,14 @@ TEST_F(KRTableViewTest, KeysMoveTheSelection)
                 { Qt::Key_Space, {}, 9 },
                 { Qt::Key_Space, {}, 9 },
                 { Qt::Key_Down, {}, 9 } } },
+        { "to the ends and by pages",
+            120,
+            { { Qt::Key_End, {}, 9 },
+                { Qt::Key_PageUp, {}, 5 },
+                { Qt::Key_Home, {}, 0 },
+                { Qt::Key_PageDown, {}, 4 },
+                { Qt::Key_End, {}, 9 },
+                { Qt::Key_End, {}, 9 } } },
         { "keys without a meaning", 120, { { Qt::Key_A, {}, -1 }, { Qt::Key_Return, {}, -1 } } },
     };
     for (const auto& test : cases) {
@@ -314,6 +333,7 @@ TEST_F(KRTableViewTest, KeysMoveTheSelection)
         Rows tenRows(equalRows(10, 40));
         fresh.setDelegate(&tenRows);
         fresh.setFrame({ 0, 0, 215, test.viewHeight });
+        fresh.reloadData();
         fresh.show();
         fresh.setFocus();
         for (const Step& step : test.steps) {
@@ -343,6 +363,7 @@ TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
     Rows tenRows(equalRows(50, 40));
     inner->setDelegate(&tenRows);
     inner->setFrame({ 0, 30, 215, 120 });
+    inner->reloadData();
     window.show();
     inner->selectRow(1);
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
@@ -407,6 +428,7 @@ TEST_F(KRTableViewTest, TheWheelScrolls)
 
 TEST_F(KRTableViewTest, ADragOfTheWindowKeepsWidthAndHeightsUntilItEnds)
 {
+    KRManualClock clock;
     show(equalRows(50, 40));
     table.scrollToRow(10, -5);
     const int questions = rows->heightQuestions;
@@ -422,10 +444,14 @@ TEST_F(KRTableViewTest, ADragOfTheWindowKeepsWidthAndHeightsUntilItEnds)
     EXPECT_EQ(table.relativeVisibleOffsetForRow(10), -5) << "the row at the top stays";
 
     table.setFrame({ 0, 0, 115, 200 });
-    EXPECT_EQ(table.width(), 100);
-    EXPECT_EQ(table.cellForRow(10)->width(), 100) << "a resize that is not a drag is laid out at once";
-    EXPECT_EQ(rows->heightQuestions, questions + 100);
-    table.setFrame({ 0, 0, 115, 300 });
+    table.setFrame({ 0, 0, 116, 200 });
+    EXPECT_EQ(table.width(), 101);
+    EXPECT_EQ(rows->heightQuestions, questions + 50) << "a new size asks for no heights";
+    clock.advance(KRRunLoop::Duration(0));
+    EXPECT_EQ(table.cellForRow(10)->width(), 101);
+    EXPECT_EQ(rows->heightQuestions, questions + 100) << "but nobody ends what is no drag";
+    table.setFrame({ 0, 0, 116, 300 });
+    clock.advance(KRRunLoop::Duration(0));
     EXPECT_EQ(rows->heightQuestions, questions + 100);
     for (const int width : { 0, 5, 15, 16, 100000 })
         table.setFrame({ 0, 0, width, 200 });
@@ -460,17 +486,75 @@ TEST_F(KRTableViewTest, SizesFromTheWindowSystemAreADrag)
     EXPECT_EQ(inner->width(), 400);
 }
 
-TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfItems)
+// Every row is there, whether it has a cell or not, and what a row says of itself is the same either way.
+TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfAllRows)
 {
-    show(equalRows(5, 20));
-    table.selectRow(1);
-    table.cellForRow(1)->setAccessibleName(QStringLiteral("second"));
-    EXPECT_EQ(QAccessible::queryAccessibleInterface(&table)->role(), QAccessible::List);
-    QAccessibleInterface* const item = QAccessible::queryAccessibleInterface(table.cellForRow(1));
-    EXPECT_EQ(item->role(), QAccessible::ListItem);
-    EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("second"));
-    EXPECT_TRUE(item->state().selected);
-    EXPECT_FALSE(QAccessible::queryAccessibleInterface(table.cellForRow(2))->state().selected);
+    show(equalRows(1000, 20));
+    QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&table);
+    EXPECT_EQ(list->role(), QAccessible::List);
+    ASSERT_EQ(list->childCount(), 1000);
+    EXPECT_EQ(list->child(1000), nullptr);
+    for (const int row : { 0, 1, 4, 5, 500, 999 }) {
+        SCOPED_TRACE(row);
+        QAccessibleInterface* const item = list->child(row);
+        ASSERT_NE(item, nullptr);
+        EXPECT_EQ(item->object() != nullptr, row < 5);
+        EXPECT_EQ(item->role(), QAccessible::ListItem);
+        EXPECT_EQ(item->parent(), list);
+        EXPECT_EQ(list->indexOfChild(item), row);
+        EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("row %1").arg(row));
+        EXPECT_EQ(bool(item->state().offscreen), row >= 5);
+        EXPECT_TRUE(item->state().selectable);
+        EXPECT_FALSE(item->state().selected);
+        EXPECT_EQ(item->rect(), table.rectForRow(row).translated(table.viewport()->mapToGlobal(QPoint())));
+    }
+    const QPoint third = list->child(3)->rect().center();
+    EXPECT_EQ(list->childAt(third.x(), third.y()), list->child(3));
+
+    QAccessibleInterface* const far = list->child(500);
+    far->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(table.selectedRow(), 500);
+    EXPECT_TRUE(far->state().selected);
+    EXPECT_FALSE(far->state().offscreen);
+    EXPECT_EQ(list->child(500)->object(), table.selectedCell()) << "now it has a cell";
+    EXPECT_EQ(list->focusChild(), list->child(500));
+    list->child(501)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(table.selectedRow(), 501);
+    rows->heights.resize(3);
+    table.reloadData();
+    EXPECT_FALSE(far->isValid());
+    EXPECT_EQ(list->childCount(), 3);
+}
+
+TEST_F(KRTableViewTest, TabStopsAtTheSelectedRowOnly)
+{
+    QWidget window;
+    auto* const before = new QLineEdit(&window);
+    auto* const inner = new KRTableView(&window);
+    auto* const after = new QLineEdit(&window);
+    Rows tenRows(equalRows(10, 40));
+    inner->setDelegate(&tenRows);
+    inner->setFrame({ 0, 30, 215, 120 });
+    inner->reloadData();
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    before->setFocus();
+    const QImage plain = inner->grab().toImage();
+    const auto tab = [&](Qt::Key key) { QTest::keyClick(window.focusWidget(), key); };
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), inner);
+    EXPECT_NE(inner->grab().toImage(), plain) << "the focus is visible without a selected row";
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), after);
+    inner->selectRow(2);
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), after) << "from the row on";
+    tab(Qt::Key_Backtab);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
+    tab(Qt::Key_Backtab);
+    EXPECT_EQ(window.focusWidget(), before);
+    tab(Qt::Key_Tab);
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
 }
 
 TEST_F(KRTableViewTest, ACellMayGoAtAnyTime)

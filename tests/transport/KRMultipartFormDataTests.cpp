@@ -1,14 +1,21 @@
 #include "KRTestRequest.h"
+#include "foundation/KRFileManager.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRInputStream.h"
 
+#include <QDir>
 #include <QFile>
-#include <QTemporaryFile>
+#include <QTemporaryDir>
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,20 +31,72 @@ QByteArray readAll(KRInputStream& stream)
     return all;
 }
 
+QByteArray bodyOf(KRHTTPMultipartFormData& form)
+{
+    return readAll(*form.dataInputStream());
+}
+
+QStringList bodyFiles()
+{
+    return QDir(KRFileManager::multipartPOSTDataDirectory()).entryList(QDir::Files);
+}
+
+/// A form with one picture at the path, sent by a request to the address.
+std::shared_ptr<KRHTTPMultipartFormData> formWith(const QString& path)
+{
+    const auto form = std::make_shared<KRHTTPMultipartFormData>();
+    form->addImageFile(path, u"media"_s);
+    return form;
+}
+
+/// While it lives, no file may grow beyond so many bytes, as if the disk were full.
+class FullDisk {
+public:
+    explicit FullDisk(rlim_t bytes)
+    {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit { bytes, m_before.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        m_handler = std::signal(SIGXFSZ, SIG_IGN);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler);
+    }
+
+private:
+    rlimit m_before {};
+    void (*m_handler)(int) = nullptr;
+};
+
+class KRHTTPMultipartFormDataTest : public testing::Test {
+protected:
+    ~KRHTTPMultipartFormDataTest() override { EXPECT_EQ(bodyFiles(), QStringList()) << "bodies left behind"; }
+
+    QString fileWith(const QByteArray& content, const QString& name = u"picture"_s)
+    {
+        QFile file(folder.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        return file.fileName();
+    }
+
+    QTemporaryDir folder;
+};
+
 } // namespace
 
-TEST(KRHTTPMultipartFormData, WritesItsParts)
+TEST_F(KRHTTPMultipartFormDataTest, WritesItsParts)
 {
-    QTemporaryFile picture;
-    ASSERT_TRUE(picture.open());
     const QByteArray pixels = QByteArray("\x89PNG\r\n\0", 7).repeated(20'000);
-    picture.write(pixels);
-    picture.close();
+    const QString picture = fileWith(pixels, u"a \"picture\"\r\nX-Header: 1"_s);
 
     KRHTTPMultipartFormData form;
     form.addTextPart(u"hi"_s, u"status"_s);
     form.addDataPart({}, u"empty"_s);
-    form.addImageFile(picture.fileName(), u"media"_s);
+    form.addImageFile(picture, u"media"_s);
     form.addVideoFile(u"/no/such/movie"_s, u"movie"_s);
     const QByteArray line = "--com.kEsTrIn.PeLiNoR.oeunht43353r4cg345nt";
     const QByteArray expected = line + "\r\nContent-Disposition: form-data; name=\"status\"\r\n\r\nhi\r\n"
@@ -54,7 +113,7 @@ TEST(KRHTTPMultipartFormData, WritesItsParts)
     EXPECT_EQ(QFile(form.dataFile()).size(), expected.size());
     EXPECT_FALSE(QFile::permissions(form.dataFile()) & (QFile::ReadGroup | QFile::ReadOther));
 
-    EXPECT_EQ(readAll(*form.dataInputStream()), expected);
+    EXPECT_EQ(bodyOf(form), expected);
     EXPECT_EQ(form.dataInputLength(), expected.size());
     const QString path = form.dataFile();
     form.cleanup();
@@ -62,11 +121,11 @@ TEST(KRHTTPMultipartFormData, WritesItsParts)
     EXPECT_FALSE(QFile::exists(path));
 
     KRHTTPMultipartFormData nothing;
-    EXPECT_EQ(readAll(*nothing.dataInputStream()), line + "--\r\n");
+    EXPECT_EQ(bodyOf(nothing), line + "--\r\n");
     nothing.cleanup();
 }
 
-TEST(KRHTTPMultipartFormData, IsSentByARequestAndCleanedUp)
+TEST_F(KRHTTPMultipartFormDataTest, IsSentByARequestAndCleanedUp)
 {
     KRTestServer server([](const auto&, auto& connection) { connection.respond(200, "<rsp/>"); });
     const auto form = std::make_shared<KRHTTPMultipartFormData>();
@@ -90,7 +149,7 @@ TEST(KRHTTPMultipartFormData, IsSentByARequestAndCleanedUp)
     request->multipartFormData()->cleanup();
 }
 
-TEST(KRHTTPMultipartFormData, SurvivesArchivingWithinItsRequest)
+TEST_F(KRHTTPMultipartFormDataTest, SurvivesArchivingWithinItsRequest)
 {
     const auto form = std::make_shared<KRHTTPMultipartFormData>();
     form->addTextPart(u"later"_s, u"message"_s);
@@ -121,4 +180,163 @@ TEST(KRHTTPMultipartFormData, SurvivesArchivingWithinItsRequest)
     EXPECT_EQ(readAll(*rebuilt->bodyStream()), body);
     EXPECT_EQ(length(*rebuilt), body.size());
     rebuilt->multipartFormData()->cleanup();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, NamesCannotEndTheirHeader)
+{
+    KRHTTPMultipartFormData form;
+    form.addTextPart(u"x"_s, u"a\"b\r\nX-Header: 1"_s);
+    EXPECT_TRUE(bodyOf(form).contains("name=\"a%22b%0D%0AX-Header: 1\"\r\n\r\nx\r\n"));
+    form.cleanup();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, WhatCannotBeReadMakesAnEmptyPart)
+{
+    const QString pipe = folder.filePath(u"pipe"_s);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const QString empty = fileWith({}, u"empty"_s);
+    for (const QString& path : { u"/no/such/file"_s, folder.path(), pipe, u"/dev/zero"_s, empty }) {
+        const auto form = formWith(path);
+        EXPECT_TRUE(bodyOf(*form).contains("image/jpeg\r\n\r\n\r\n--")) << qPrintable(path);
+        EXPECT_EQ(form->unreadableFile(), path == empty ? QString() : path);
+        EXPECT_FALSE(form->error());
+        form->cleanup();
+    }
+    // A file that tells no size has content all the same.
+    const auto form = formWith(u"/proc/self/status"_s);
+    EXPECT_TRUE(bodyOf(*form).contains("VmPeak"));
+    form->cleanup();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, FourGigabytesOfNothingTakeNeitherMemoryNorDisk)
+{
+    constexpr qint64 size = 4LL * 1024 * 1024 * 1024 + 5;
+    const QString path = fileWith("begin");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.resize(size) && file.seek(size - 3)
+        && file.write("end") == 3);
+    file.close();
+    rusage before {};
+    ::getrusage(RUSAGE_SELF, &before);
+    const auto form = formWith(path);
+    const auto stream = form->dataInputStream();
+    rusage after {};
+    ::getrusage(RUSAGE_SELF, &after);
+    EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 16 * 1024) << "in kilobytes";
+    struct stat information { };
+    ASSERT_EQ(::stat(QFile::encodeName(form->dataFile()).constData(), &information), 0);
+    EXPECT_EQ(information.st_size, form->dataInputLength());
+    EXPECT_LT(information.st_blocks * 512, 4 * 1024 * 1024);
+    QFile body(form->dataFile());
+    ASSERT_TRUE(body.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(body.read(200).contains("\r\n\r\nbegin"));
+    const QByteArray last = "end\r\n--" + KRHTTPMultipartFormData::boundary() + "--\r\n";
+    ASSERT_TRUE(body.seek(body.size() - last.size()));
+    EXPECT_EQ(body.readAll(), last);
+    form->cleanup();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, AFileThatChangesMeanwhileMakesAWholeBody)
+{
+    const QString path = fileWith(QByteArray(4'000'000, 'x'));
+    std::atomic<bool> ended = false;
+    std::thread changing([&] {
+        QFile file(path);
+        (void)file.open(QIODevice::ReadWrite);
+        for (qint64 size = 1; !ended; size = (size * 7 + 1) % 4'000'000)
+            file.resize(size);
+    });
+    for (int i = 0; i < 200; ++i) {
+        const auto form = formWith(path);
+        (void)form->dataInputStream();
+        QFile body(form->dataFile());
+        ASSERT_TRUE(body.open(QIODevice::ReadOnly));
+        ASSERT_EQ(body.size(), form->dataInputLength());
+        ASSERT_TRUE(body.readAll().endsWith("--\r\n"));
+        form->cleanup();
+    }
+    ended = true;
+    changing.join();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, AFullDiskIsAnErrorAndNothingIsSent)
+{
+    KRTestServer server([](const auto&, auto& connection) { connection.respond(200, {}); });
+    const QString path = fileWith(QByteArray(1'000'000, 'x'));
+    for (const rlim_t room : { 0U, 300U, 500'000U }) {
+        KRTestRequest request(server.url());
+        request->setMethod(u"POST"_s);
+        {
+            const FullDisk disk(room);
+            request->setMultipartFormData(formWith(path));
+        }
+        EXPECT_EQ(bodyFiles(), QStringList()) << "the disk is full enough";
+        ASSERT_TRUE(request.run());
+        EXPECT_EQ(request.errorCode(), EFBIG);
+        EXPECT_EQ(request.callbackCount(), 1);
+    }
+    // Half of a body would keep the server waiting for the rest.
+    KRTestRequest cut(server.url());
+    cut->setMethod(u"POST"_s);
+    cut->setMultipartFormData(formWith(path));
+    ASSERT_TRUE(QFile::resize(cut->multipartFormData()->dataFile(), 1000));
+    ASSERT_TRUE(cut.run());
+    EXPECT_EQ(cut.errorCode(), KRHTTPConnectionErrorUnreadableBody);
+    EXPECT_EQ(server.requestCount(), 0);
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, BodiesOfProgramsThatWereKilledGoAtTheNextStart)
+{
+    const auto alive = formWith(fileWith("x"));
+    (void)alive->dataInputStream();
+    EXPECT_EXIT(
+        {
+            (void)alive->dataInputStream();
+            (void)formWith(folder.filePath(u"picture"_s))->dataInputStream();
+            ::kill(::getpid(), SIGKILL);
+        },
+        testing::KilledBySignal(SIGKILL),
+        "");
+    const auto listed = KRHTTPRequest::request();
+    listed->setMultipartFormData(formWith(folder.filePath(u"picture"_s)));
+    KRHTTPRequest::addPersistentRequest(listed);
+    EXPECT_EQ(bodyFiles().size(), 3);
+    KRHTTPRequest::removeAbandonedBodies();
+    EXPECT_EQ(bodyFiles().size(), 2) << "what is in use or will be sent stays";
+    EXPECT_TRUE(QFile::exists(alive->dataFile()));
+    KRHTTPRequest::removePersistentRequest(listed);
+    listed->multipartFormData()->cleanup();
+    alive->cleanup();
+}
+
+TEST_F(KRHTTPMultipartFormDataTest, ARetryBuildsTheSameBodyOrFails)
+{
+    std::atomic<int> failures = 1;
+    KRTestServer server(
+        [&failures](const auto&, auto& connection) { connection.respond(failures-- > 0 ? 503 : 200, {}); });
+    const QString path = fileWith(QByteArray(200'000, 'x'));
+    KRTestRequest request(server.url());
+    request->setMethod(u"POST"_s);
+    request->setMaxRetries(5);
+    request->setMultipartFormData(formWith(path));
+    ASSERT_TRUE(request.run());
+    EXPECT_EQ(bodyFiles(), QStringList()) << "gone after a failure";
+    KRHTTPRequest::servicePersistentRequests();
+    ASSERT_TRUE(KRWaitUntil([] { return KRHTTPRequest::persistentRequests().isEmpty(); }));
+    ASSERT_EQ(server.requestCount(), 2);
+    EXPECT_EQ(server.requests().at(1).body, server.requests().at(0).body);
+    ASSERT_TRUE(KRWaitUntil([] { return bodyFiles().isEmpty(); }));
+
+    failures = 1;
+    KRTestRequest lost(server.url());
+    KRTestLog log;
+    lost->setMethod(u"POST"_s);
+    lost->setMaxRetries(1);
+    lost->setMultipartFormData(formWith(path));
+    ASSERT_TRUE(lost.run());
+    ASSERT_TRUE(QFile::remove(path));
+    KRHTTPRequest::servicePersistentRequests();
+    ASSERT_TRUE(KRWaitUntil([] { return KRHTTPRequest::persistentRequests().isEmpty(); }));
+    EXPECT_EQ(server.requestCount(), 3) << "a body without its picture is not sent";
+    EXPECT_TRUE(log.contains(u"was attempted too many times"_s));
 }

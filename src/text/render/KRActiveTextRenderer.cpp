@@ -3,42 +3,10 @@
 #include "foundation/KRLog.h"
 #include "text/render/KRColorConversion.h"
 
-#include <QGlyphRun>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
-#include <vector>
-
-namespace {
-
-// The rectangles of a part of the line, from left to right. Where directions mix, what is one piece of the
-// text may be several on the line.
-QList<QRectF> rectsInLine(const KRTextLayout::Line& place, int start, int end)
-{
-    const QTextLine& line = place.line;
-    if (start == place.start() && end == place.end())
-        return { line.naturalTextRect() };
-    std::vector<std::pair<qreal, qreal>> pieces;
-    for (int at = start - place.offset; at < end - place.offset; ++at)
-        pieces.push_back(
-            std::minmax(line.cursorToX(at, QTextLine::Leading), line.cursorToX(at, QTextLine::Trailing)));
-    std::sort(pieces.begin(), pieces.end());
-    constexpr qreal Touching = 0.5;
-    QList<QRectF> rects;
-    for (const auto& [left, right] : pieces) {
-        if (right <= left)
-            continue;
-        if (!rects.isEmpty() && left <= rects.last().right() + Touching)
-            rects.last().setRight(std::max(rects.last().right(), right));
-        else
-            rects.append(QRectF(left, line.y(), right - left, line.height()));
-    }
-    return rects;
-}
-
-} // namespace
 
 KRActiveTextRenderer::KRActiveTextRenderer() = default;
 KRActiveTextRenderer::~KRActiveTextRenderer() = default;
@@ -73,7 +41,7 @@ void KRActiveTextRenderer::_layOut()
 void KRActiveTextRenderer::drawAtPoint(QPainter& painter, QPointF point, const QRectF& clip) const
 {
     for (const KRTextLayout::Line& place : _shownLines()) {
-        if (!clip.isNull() && point.y() + place.line.y() > clip.bottom())
+        if (!clip.isNull() && point.y() + place.y() > clip.bottom())
             break;
         if (clip.isNull() || point.y() + place.bottom() >= clip.top())
             _drawLine(painter, point, place);
@@ -88,11 +56,11 @@ void KRActiveTextRenderer::_drawLine(QPainter& painter, QPointF point, const KRT
         return candidate.range.end() <= place.start();
     });
     if (run == m_runs.end() || run->range.location >= place.end()) {
-        place.line.draw(&painter, point);
+        place.draw(painter, point);
         return;
     }
     const auto drawGlyphs = [&](qsizetype from, qsizetype to) {
-        for (const QGlyphRun& glyphs : place.line.glyphRuns(int(from) - place.offset, int(to - from)))
+        for (const QGlyphRun& glyphs : place.glyphRuns(int(from), int(to)))
             painter.drawGlyphRun(point, glyphs);
     };
     const QPen plainPen = painter.pen();
@@ -130,18 +98,20 @@ const KRTextLayout::Line* KRActiveTextRenderer::_lineNearest(qreal y) const
 qsizetype KRActiveTextRenderer::characterIndexAtPoint(QPointF point) const
 {
     const KRTextLayout::Line* place = _lineNearest(point.y());
-    return place ? place->offset + place->line.xToCursor(point.x(), QTextLine::CursorBetweenCharacters) : 0;
+    return place ? place->caretAt(point.x()) : 0;
 }
 
 KRRange KRActiveTextRenderer::activeRangeAtPoint(QPointF point) const
 {
     const KRTextLayout::Line* place = _lineNearest(point.y());
-    if (!place || !place->line.naturalTextRect().contains(point))
+    if (!place || !place->textRect().contains(point))
         return { KRNotFound, 0 };
-    const qsizetype character
-        = place->offset + place->line.xToCursor(point.x(), QTextLine::CursorOnCharacter);
     for (const KRRange& range : m_activeTextRanges.activeRanges()) {
-        if (range.contains(character))
+        if (range.location >= place->end() || range.end() <= place->start())
+            continue;
+        const QList<QRectF> rects = place->rects(int(std::max<qsizetype>(range.location, place->start())),
+            int(std::min<qsizetype>(range.end(), place->end())));
+        if (std::any_of(rects.begin(), rects.end(), [&](const QRectF& rect) { return rect.contains(point); }))
             return range;
     }
     return { KRNotFound, 0 };
@@ -158,8 +128,29 @@ QList<QRectF> KRActiveTextRenderer::rectArrayForRange(KRRange range) const
         return line.end() <= from;
     });
     for (; place != lines.end() && place->start() < to; ++place)
-        rects += rectsInLine(*place, std::max(from, place->start()), std::min(to, place->end()));
+        rects += place->rects(std::max(from, place->start()), std::min(to, place->end()));
     return rects;
+}
+
+QRectF KRActiveTextRenderer::caretRect(qsizetype character) const
+{
+    const auto lines = _shownLines();
+    if (lines.empty())
+        return {};
+    const qsizetype place = std::clamp<qsizetype>(character, 0, m_attributedString.text().size());
+    const auto behind = std::partition_point(lines.begin(),
+        lines.end(),
+        [place](const KRTextLayout::Line& line) { return line.end() <= place; });
+    const KRTextLayout::Line& line = behind == lines.end() ? lines.back() : *behind;
+    return { line.caretX(int(place)), line.y(), 0, line.bottom() - line.y() };
+}
+
+std::optional<KRColor> KRActiveTextRenderer::foregroundAt(qsizetype character) const
+{
+    const auto run = std::find_if(m_runs.begin(), m_runs.end(), [character](const auto& candidate) {
+        return candidate.range.contains(character);
+    });
+    return run == m_runs.end() ? std::nullopt : std::optional(run->attributes.foreground);
 }
 
 void KRActiveTextRenderer::addTrackingAreasForView(KRTrackingAreaView& view, QPointF offset) const

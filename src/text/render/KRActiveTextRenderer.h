@@ -8,6 +8,7 @@
 #include <QRectF>
 
 #include <limits>
+#include <optional>
 #include <span>
 
 class QPainter;
@@ -53,6 +54,10 @@ public:
     [[nodiscard]] KRRange activeRangeAtPoint(QPointF point) const;
     /// The range's rectangles, one for each line it touches; more where a line's directions mix.
     [[nodiscard]] QList<QRectF> rectArrayForRange(KRRange range) const;
+    /// Where a caret before the character stands: of no width, as tall as its line.
+    [[nodiscard]] QRectF caretRect(qsizetype character) const;
+    /// The colour the character is given; nothing when it is drawn in the painter's.
+    [[nodiscard]] std::optional<KRColor> foregroundAt(qsizetype character) const;
     /// Hands every rectangle of every active range, moved by the offset, to the view.
     void addTrackingAreasForView(KRTrackingAreaView& view, QPointF offset) const;
 

@@ -41,6 +41,45 @@ Qt::LayoutDirection directionOfText(const QString& text, const KRActiveTextRange
     return Qt::LayoutDirectionAuto;
 }
 
+bool hasRightToLeft(const QString& text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) {
+        const char16_t unit = c.unicode();
+        // The blocks of the scripts that are written from right to left, the first halves of those beyond
+        // the basic plane, and the control characters that ask for it.
+        return unit >= 0x590
+            && (unit <= 0x8FF || (unit >= 0xFB1D && unit <= 0xFDFF) || (unit >= 0xFE70 && unit <= 0xFEFF)
+                || unit == 0xD802 || unit == 0xD803 || unit == 0xD83A || unit == 0xD83B || unit == 0x200F
+                || unit == 0x202B || unit == 0x202E || unit == 0x2067);
+    });
+}
+
+// Between words that are written from right to left, the sign of "@name" would go to the other side. What is
+// ASCII by its nature is read from left to right, a hashtag as its own letters are.
+QList<KRAttributedString::Isolate> isolatedSpans(const KRActiveTextRanges& ranges)
+{
+    QList<KRAttributedString::Isolate> spans;
+    const KRRangeList& active = ranges.activeRanges();
+    const qsizetype hashtagsStart = ranges.links().size();
+    const qsizetype hashtagsEnd = hashtagsStart + ranges.hashtags().size();
+    for (qsizetype at = 0; at < active.size(); ++at) {
+        const bool isHashtag = at >= hashtagsStart && at < hashtagsEnd;
+        spans.append({ active.at(at), isHashtag ? Qt::LayoutDirectionAuto : Qt::LeftToRight });
+    }
+    // Of spans that overlap the first one stays, of those that begin together the one a click means.
+    std::stable_sort(spans.begin(), spans.end(), [](const auto& a, const auto& b) {
+        return a.range.location < b.range.location;
+    });
+    qsizetype free = 0;
+    spans.removeIf([&free](const KRAttributedString::Isolate& span) {
+        if (span.range.location < free)
+            return true;
+        free = span.range.end();
+        return false;
+    });
+    return spans;
+}
+
 KRAttributedString styledText(const QString& text,
     const KRActiveTextRanges& ranges,
     const QFont& font,
@@ -48,6 +87,8 @@ KRAttributedString styledText(const QString& text,
 {
     KRAttributedString attributedString(text, font);
     attributedString.setDirection(directionOfText(text, ranges));
+    if (hasRightToLeft(text))
+        attributedString.setIsolates(isolatedSpans(ranges));
     const auto add = [&](const KRColor& foreground, const KRRangeList& list) {
         KRAddAttributesToAttributedStringForRanges(attributedString, { foreground }, list);
     };

@@ -24,6 +24,15 @@ public:
         bool operator==(const Run&) const = default;
     };
 
+    /// A part that keeps to itself where directions mix: neither do the letters around it order it, nor it
+    /// them. With the automatic direction its first letter decides.
+    struct Isolate {
+        KRRange range;
+        Qt::LayoutDirection direction = Qt::LayoutDirectionAuto;
+
+        bool operator==(const Isolate&) const = default;
+    };
+
     /// No text at all, which is not the same as an empty one.
     KRAttributedString() = default;
     KRAttributedString(const QString& text, const QFont& font);
@@ -36,6 +45,10 @@ public:
     Qt::LayoutDirection direction() const { return m_direction; }
     void setDirection(Qt::LayoutDirection direction) { m_direction = direction; }
 
+    /// Inside the text, in text order, none overlapping another.
+    const QList<Isolate>& isolates() const { return m_isolates; }
+    void setIsolates(const QList<Isolate>& isolates) { m_isolates = isolates; }
+
     /// Sets the attributes on the part of the range that lies in the text, replacing those that are there.
     void addAttributes(const KRTextAttributes& attributes, KRRange range);
 
@@ -46,6 +59,7 @@ private:
     QString m_text;
     QFont m_font;
     Qt::LayoutDirection m_direction = Qt::LayoutDirectionAuto;
+    QList<Isolate> m_isolates;
     // As they were added; a later one wins.
     QList<Run> m_additions;
 };

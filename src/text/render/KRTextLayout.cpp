@@ -1,6 +1,9 @@
 #include "text/render/KRTextLayout.h"
 
+#include <QPainter>
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -51,15 +54,71 @@ qreal layOutLines(QTextLayout& layout, qreal width, qreal y)
     return y;
 }
 
+} // namespace
+
+// The text and its layout
+
+int KRTextLayout::PositionMap::toLayout(int position) const
+{
+    const auto behind = std::upper_bound(m_insertions.begin(), m_insertions.end(), position);
+    return position + int(behind - m_insertions.begin());
+}
+
+int KRTextLayout::PositionMap::toText(int position) const
+{
+    // The number of control characters in front; the one of number n is laid out n behind its place.
+    int low = 0;
+    int high = int(m_insertions.size());
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (m_insertions[size_t(middle)] + middle < position)
+            low = middle + 1;
+        else
+            high = middle;
+    }
+    return position - low;
+}
+
+QString KRTextLayout::_textToLayOut(const KRAttributedString& attributedString, PositionMap& positions)
+{
+    constexpr QChar LeftToRightIsolate(0x2066);
+    constexpr QChar RightToLeftIsolate(0x2067);
+    constexpr QChar FirstStrongIsolate(0x2068);
+    constexpr QChar PopDirectionalIsolate(0x2069);
+    positions.clear();
+    const QString text = withLineSeparators(attributedString.text());
+    if (attributedString.isolates().isEmpty())
+        return text;
+    QString result;
+    result.reserve(text.size() + 2 * attributedString.isolates().size());
+    qsizetype taken = 0;
+    const auto insert = [&](qsizetype position, QChar control) {
+        result += QStringView(text).sliced(taken, position - taken);
+        result += control;
+        taken = position;
+        positions.add(int(position));
+    };
+    for (const KRAttributedString::Isolate& isolate : attributedString.isolates()) {
+        insert(isolate.range.location,
+            isolate.direction == Qt::LeftToRight       ? LeftToRightIsolate
+                : isolate.direction == Qt::RightToLeft ? RightToLeftIsolate
+                                                       : FirstStrongIsolate);
+        insert(isolate.range.end(), PopDirectionalIsolate);
+    }
+    result += QStringView(text).sliced(taken);
+    return result;
+}
+
 // Lays the text out piece by piece, each in the layout that `layoutForPiece` answers, and hands each piece's
 // layout, offset and number of lines to `take`. Returns the height of all.
 template <class LayoutForPiece, class Take>
-qreal layOutPieces(const KRAttributedString& attributedString,
+qreal KRTextLayout::_layOutPieces(const KRAttributedString& attributedString,
     qreal width,
+    PositionMap& positions,
     LayoutForPiece layoutForPiece,
     Take take)
 {
-    const QString text = withLineSeparators(attributedString.text());
+    const QString text = _textToLayOut(attributedString, positions);
     const int textLength = int(text.size());
     const qreal lineWidth = std::clamp(width, 0.0, WidestLine);
     QTextOption option;
@@ -68,6 +127,9 @@ qreal layOutPieces(const KRAttributedString& attributedString,
     const bool isRightToLeft = attributedString.direction() == Qt::RightToLeft
         || (attributedString.direction() == Qt::LayoutDirectionAuto && text.isRightToLeft());
     option.setTextDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+    // A line begins at the side its text is read from, which an unbounded width does not have.
+    if (isRightToLeft && lineWidth < WidestLine)
+        option.setAlignment(Qt::AlignRight);
 
     qreal y = 0;
     int start = 0;
@@ -92,15 +154,14 @@ qreal layOutPieces(const KRAttributedString& attributedString,
     return y;
 }
 
-} // namespace
-
 void KRTextLayout::layOut(const KRAttributedString& attributedString, qreal width)
 {
     m_lines.clear();
     m_pieces.clear();
-    layOutPieces(
+    _layOutPieces(
         attributedString,
         width,
+        m_positions,
         [this]() -> QTextLayout& {
             m_pieces.push_back(std::make_unique<QTextLayout>());
             // Drawn again and again as a list scrolls.
@@ -109,7 +170,7 @@ void KRTextLayout::layOut(const KRAttributedString& attributedString, qreal widt
         },
         [this](QTextLayout& layout, int offset, int lineCount) {
             for (int number = 0; number < lineCount; ++number)
-                m_lines.push_back({ layout.lineAt(number), offset });
+                m_lines.push_back(Line(layout.lineAt(number), offset, m_positions));
         });
 }
 
@@ -118,9 +179,62 @@ qreal KRTextLayout::height(const KRAttributedString& attributedString, qreal wid
     // Kept, since setting a layout up costs as much as a short text. Never destroyed: fonts may be gone by
     // the time static objects are.
     static auto* shared = new QTextLayout;
-    return layOutPieces(
+    PositionMap positions;
+    return _layOutPieces(
         attributedString,
         width,
+        positions,
         []() -> QTextLayout& { return *shared; },
         [](QTextLayout&, int, int) {});
+}
+
+// A line
+
+KRTextLayout::Line::Line(const QTextLine& line, int offset, const PositionMap& positions)
+    : m_line(line)
+    , m_offset(offset)
+    , m_positions(&positions)
+    , m_start(positions.toText(offset + line.textStart()))
+    , m_end(positions.toText(offset + line.textStart() + line.textLength()))
+{
+}
+
+int KRTextLayout::Line::caretAt(qreal x) const
+{
+    return m_positions->toText(m_offset + m_line.xToCursor(x, QTextLine::CursorBetweenCharacters));
+}
+
+qreal KRTextLayout::Line::caretX(int position) const
+{
+    return m_line.cursorToX(_toLine(position));
+}
+
+QList<QRectF> KRTextLayout::Line::rects(int start, int end) const
+{
+    if (start >= end)
+        return {};
+    if (start == m_start && end == m_end)
+        return { textRect() };
+    // Not from the places of carets, which at a change of direction are on the other side.
+    std::vector<std::pair<qreal, qreal>> pieces;
+    for (const QGlyphRun& run : glyphRuns(start, end))
+        pieces.emplace_back(run.boundingRect().left(), run.boundingRect().right());
+    std::sort(pieces.begin(), pieces.end());
+    constexpr qreal Touching = 0.5;
+    QList<QRectF> rects;
+    for (const auto& [left, right] : pieces) {
+        if (right <= left)
+            continue;
+        if (!rects.isEmpty() && left <= rects.last().right() + Touching)
+            rects.last().setRight(std::max(rects.last().right(), right));
+        else
+            rects.append(QRectF(left, m_line.y(), right - left, m_line.height()));
+    }
+    return rects;
+}
+
+QList<QGlyphRun> KRTextLayout::Line::glyphRuns(int start, int end) const
+{
+    const int first = _toLine(start);
+    return m_line.glyphRuns(first, _toLine(end) - first);
 }

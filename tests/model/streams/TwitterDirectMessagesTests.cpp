@@ -4,6 +4,7 @@
 #include "support/KRTestLog.h"
 #include "support/KRTestWait.h"
 
+#include <future>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -87,6 +88,7 @@ TEST_F(DirectMessages, BothListsFoldIntoConversations)
     m_site.answer("/direct_messages.xml", page(4, 4, "carol", "me"));
     m_manager->refresh();
     ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"carol: 4, bob: 3 2 1"_s; }));
+    ASSERT_TRUE(KRWaitUntil([&] { return m_site.targets().size() == 4; }));
     QList<QByteArray> targets = m_site.targets();
     std::sort(targets.begin(), targets.end());
     EXPECT_EQ(targets,
@@ -100,9 +102,14 @@ TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
 {
     const auto stream = m_manager->receivedStream();
     const auto loadOlder = [&](const QByteArray& body, int status) {
-        m_site.answer("/direct_messages.xml", body, status);
+        std::promise<void> askedTwice;
+        m_site.answer("/direct_messages.xml", [&, gate = askedTwice.get_future().share()](const auto&) {
+            gate.wait();
+            return KRTestSite::Answer { status, body };
+        });
         stream->loadOlder();
         stream->loadOlder();
+        askedTwice.set_value();
         return KRWaitUntil([&] { return !stream->isLoadingOlder(); });
     };
     ASSERT_TRUE(loadOlder(page(21, 39, "bob", "me"), 200));

@@ -150,10 +150,12 @@ TEST(KRActiveTextRendererTests, FindsTheSpanUnderAPointInEveryDirection)
                 ASSERT_FALSE(rects.isEmpty());
                 for (const QRectF& rect : rects) {
                     EXPECT_GT(rect.width(), 0);
-                    const KRRange found = renderer.activeRangeAtPoint(rect.center());
-                    ASSERT_NE(found.location, KRNotFound) << text.toStdString() << ' ' << width;
-                    EXPECT_LE(found.location, range.location);
-                    EXPECT_GE(found.end(), range.end()) << "a link wins over the hashtag in it";
+                    for (const qreal x : { rect.left() + 1, rect.center().x(), rect.right() - 1 }) {
+                        const KRRange found = renderer.activeRangeAtPoint({ x, rect.center().y() });
+                        ASSERT_NE(found.location, KRNotFound) << text.toStdString() << ' ' << width;
+                        EXPECT_LE(found.location, range.location);
+                        EXPECT_GE(found.end(), range.end()) << "a link wins over the hashtag in it";
+                    }
                     const qsizetype caret = renderer.characterIndexAtPoint(rect.center());
                     EXPECT_TRUE(caret >= range.location && caret <= range.end());
                 }
@@ -161,6 +163,51 @@ TEST(KRActiveTextRendererTests, FindsTheSpanUnderAPointInEveryDirection)
             EXPECT_EQ(renderer.activeRangeAtPoint({ -3, 3 }).location, KRNotFound);
             EXPECT_EQ(renderer.activeRangeAtPoint({ 10, 5000 }).location, KRNotFound);
             EXPECT_EQ(renderer.activeRangeAtPoint({ 10, -1 }).location, KRNotFound);
+        }
+    }
+}
+
+TEST(KRActiveTextRendererTests, SpansKeepTheirOwnDirection)
+{
+    struct {
+        QStringView text;
+        // The first of these characters is drawn to the left of the second.
+        QStringView left;
+        QStringView right;
+    } const cases[] = {
+        { u"שלום @name וגם", u"@", u"name" },
+        { u"@name مرحبا", u"@", u"name" },
+        { u"مرحبا #tag و", u"#", u"tag" },
+        { u"مرحبا #وسم و", u"وسم", u"#" },
+        { u"hello #תג and", u"תג", u"#" },
+        { u"שלום http://example.org/a/ או", u"http", u"/a/" },
+        { u"שלום a.b@example.org!", u"a.b", u"example" },
+        { u"see http://example.org/שלום/דף now", u"example", u"שלום" },
+        { u"مرحبا $SYM", u"$", u"SYM" },
+        { u"plain @name", u"@", u"name" },
+    };
+    for (const auto& [text, left, right] : cases) {
+        SCOPED_TRACE(text.toString().toStdString());
+        KRActiveTextRenderer renderer;
+        setText(renderer, text.toString(), 400);
+        const auto rectOf = [&](QStringView part) {
+            const QList<QRectF> rects = renderer.rectArrayForRange({ text.indexOf(part), part.size() });
+            return rects.size() == 1 ? rects.first() : QRectF();
+        };
+        ASSERT_FALSE(rectOf(left).isEmpty());
+        ASSERT_FALSE(rectOf(right).isEmpty());
+        EXPECT_LT(rectOf(left).left(), rectOf(right).left());
+        EXPECT_EQ(renderer.text(), text) << "nothing of this is in the text";
+        const bool isRightToLeft = styled(text.toString()).direction() == Qt::RightToLeft;
+        EXPECT_EQ(rectOf(text).right() > 390, isRightToLeft) << "lines begin at the reader's side";
+        // Every character's place and the carets around it are those of the original text.
+        for (qsizetype at = 0; at < text.size(); ++at) {
+            const QList<QRectF> rects = renderer.rectArrayForRange({ at, 1 });
+            ASSERT_LE(rects.size(), 1);
+            if (rects.isEmpty() || rects.first().width() < 3)
+                continue;
+            const qsizetype caret = renderer.characterIndexAtPoint(rects.first().center());
+            EXPECT_TRUE(caret == at || caret == at + 1) << at << ' ' << caret;
         }
     }
 }

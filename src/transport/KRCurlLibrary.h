@@ -1,0 +1,35 @@
+#pragma once
+
+// The checks behind the macros of these names would call the functions themselves.
+#define CURL_DISABLE_TYPECHECK
+#include <curl/curl.h>
+
+/// libcurl's functions, from the library as it is installed. It is opened by the first who asks and not when
+/// the program starts: with all it needs (TLS, Kerberos, LDAP) it would take a third of the time to the first
+/// window. Any thread.
+struct KRCurlLibrary {
+    /// Opens the library and prepares it for use. Without it there is no network: the program ends with the
+    /// linker's words.
+    static const KRCurlLibrary& shared();
+
+    decltype(&curl_easy_init) easyInit;
+    decltype(&curl_easy_cleanup) easyCleanup;
+    decltype(&curl_easy_reset) easyReset;
+    decltype(&curl_easy_setopt) easySetOption;
+    decltype(&curl_easy_getinfo) easyGetInfo;
+    decltype(&curl_easy_strerror) easyErrorText;
+    decltype(&curl_multi_init) multiInit;
+    decltype(&curl_multi_cleanup) multiCleanup;
+    decltype(&curl_multi_setopt) multiSetOption;
+    decltype(&curl_multi_add_handle) multiAddHandle;
+    decltype(&curl_multi_remove_handle) multiRemoveHandle;
+    decltype(&curl_multi_perform) multiPerform;
+    decltype(&curl_multi_poll) multiPoll;
+    decltype(&curl_multi_wakeup) multiWakeUp;
+    decltype(&curl_multi_info_read) multiInfoRead;
+    decltype(&curl_slist_append) listAppend;
+    decltype(&curl_slist_free_all) listFree;
+
+private:
+    KRCurlLibrary();
+};
