@@ -1,11 +1,10 @@
+#include "app/PelinorApplication.h"
 #include "app/PelinorApplicationDelegate.h"
 #include "app/PelinorLaunchOptions.h"
 #include "core/KRSecretService.h"
 #include "foundation/KRUserDefaults.h"
 #include "platform/KRQtRunLoopDriver.h"
 #include "transport/KRBackgroundThread.h"
-
-#include <QApplication>
 
 #include <cstdio>
 
@@ -51,10 +50,6 @@ int run(const PelinorLaunchOptions& options)
 
 int main(int argc, char** argv)
 {
-    QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("pelinor"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Pelinor"));
-    QApplication::setApplicationVersion(QStringLiteral("1.2.6"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("com.kestrin.Pelinor"));
+    PelinorApplication application(argc, argv);
     return run(PelinorLaunchOptions::parse(QApplication::arguments()));
 }

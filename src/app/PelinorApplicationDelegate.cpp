@@ -4,6 +4,7 @@
 #include "app/PelinorProfileImage.h"
 #include "core/KRKeychain.h"
 #include "foundation/KRUserDefaults.h"
+#include "toolkit/transitions/KRMotion.h"
 #include "transport/KRHTTPRequest.h"
 
 #include <QPixmap>
@@ -47,6 +48,7 @@ void PelinorApplicationDelegate::openMainWindow(const TwitterAccountPtr& account
                 "No keyring answers. Your password is kept in memory and asked for again next time."));
         });
     m_window->show();
+    m_motionSetting = std::make_unique<KRDesktopMotionSetting>(&KRMotion::setReducedByDesktop);
 }
 
 void PelinorApplicationDelegate::takeScreenshot(const QString& file,

@@ -5,6 +5,7 @@
 #include "app/PelinorListAccount.h"
 #include "app/PelinorMainWindow.h"
 #include "core/Twitter.h"
+#include "platform/KRDesktopMotionSetting.h"
 #include "text/render/KRTextHeightCache.h"
 
 #include <atomic>
@@ -63,6 +64,7 @@ private:
     std::unique_ptr<PelinorTwitterAccount> m_account;
     std::unique_ptr<PelinorMainWindow> m_window;
     KRObservation m_keychainObservation;
+    std::unique_ptr<KRDesktopMotionSetting> m_motionSetting;
 
     QString m_screenshotFile;
     std::function<void(bool)> m_screenshotFinished;

@@ -49,6 +49,35 @@ TEST(KRImageTests, CapsKeepTheirSizeAtEveryScale)
     }
 }
 
+TEST(KRImageTests, CapsAreWholeWhereverThePictureStands)
+{
+    for (const qreal scale : { 1.0, 1.25, 1.5, 1.75, 2.0 }) {
+        for (const bool mirrored : { false, true }) {
+            for (int x = 0; x < 8; ++x) {
+                QImage canvas(400, 40, QImage::Format_RGB32);
+                canvas.setDevicePixelRatio(scale);
+                canvas.fill(Qt::white);
+                QPainter painter(&canvas);
+                if (mirrored) {
+                    painter.translate(150, 0);
+                    painter.scale(-1, 1);
+                }
+                framedImage().drawInContext(painter, QRectF(x, 2, 101, 11), KRImage::Flipped::Yes);
+                painter.end();
+                const int y = qRound(7 * scale);
+                int red = 0;
+                int blue = 0;
+                for (int column = 0; column < canvas.width(); ++column) {
+                    red += canvas.pixelColor(column, y) == QColor(Qt::red);
+                    blue += canvas.pixelColor(column, y) == QColor(Qt::blue);
+                }
+                EXPECT_EQ(red, 2 * qRound(2 * scale)) << x << ' ' << scale;
+                EXPECT_NEAR(red + blue, 101 * scale, 0.75) << x << ' ' << scale;
+            }
+        }
+    }
+}
+
 TEST(KRImageTests, OddSizesAndEmptyImagesAreDrawn)
 {
     for (const QSize size : { QSize(1, 1), QSize(3, 1), QSize(1, 20), QSize(2, 2) }) {

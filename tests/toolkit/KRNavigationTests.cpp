@@ -79,12 +79,12 @@ TEST_F(KRNavigationTests, PushingAndPoppingCallTheHooksAndAskForTheAnimation)
     controller->pushViewController(screens[2], KRAnimated::No);
     calls.clear();
 
-    EXPECT_EQ(controller->popViewController(KRAnimated::Yes), screens[2]);
+    EXPECT_EQ(controller->popViewControllerAnimated(KRAnimated::Yes), screens[2]);
     // The screen that comes back wants none.
     EXPECT_EQ(calls, QByteArrayList({ "B will+", "C will-", "B did+", "C did-" }));
-    EXPECT_THAT(controller->popToRootViewController(KRAnimated::No), ElementsAre(screens[1]));
-    EXPECT_THAT(controller->popToRootViewController(KRAnimated::No), ElementsAre());
-    EXPECT_EQ(controller->popViewController(KRAnimated::Yes), nullptr);
+    EXPECT_THAT(controller->popToRootViewControllerAnimated(KRAnimated::No), ElementsAre(screens[1]));
+    EXPECT_THAT(controller->popToRootViewControllerAnimated(KRAnimated::No), ElementsAre());
+    EXPECT_EQ(controller->popViewControllerAnimated(KRAnimated::Yes), nullptr);
     EXPECT_THAT(controller->popToViewController(*screens[3], KRAnimated::No), ElementsAre());
     EXPECT_EQ(crumbs().breadcrumbs().size(), 1U);
 }
@@ -174,7 +174,7 @@ TEST_F(KRNavigationTests, ChangesAskedForByHooksFollow)
     EXPECT_THAT(controller->viewControllers(), ElementsAre(screens[0], screens[1]));
     EXPECT_EQ(crumb(0).text() + crumb(1).text(), QStringLiteral("AB"));
     screens[0]->onDidAppear = {};
-    screens[2]->onWillAppear = [this] { controller->popToRootViewController(KRAnimated::No); };
+    screens[2]->onWillAppear = [this] { controller->popToRootViewControllerAnimated(KRAnimated::No); };
     controller->pushViewController(screens[2], KRAnimated::Yes);
     EXPECT_THAT(controller->viewControllers(), ElementsAre(screens[0]));
     EXPECT_EQ(crumbs().breadcrumbs().size(), 1U);
@@ -204,6 +204,26 @@ TEST_F(KRNavigationTests, AStackHearsOfItsWindowOnceAndKeepsTheFocusOnTop)
     EXPECT_EQ(calls.mid(2), QByteArrayList({ "A will- animated", "A did- animated" }));
 }
 
+TEST_F(KRNavigationTests, AStackOutlivesItsWindow)
+{
+    auto shortLived = std::make_unique<QWidget>();
+    auto* const content = new QWidget(shortLived.get());
+    content->resize(300, 200);
+    KRViewControllerSwitcher other;
+    other.setTargetView(content);
+    const auto stack = std::make_shared<KRNavigationController>(screens[0]);
+    stack->pushViewController(screens[1], KRAnimated::No);
+    other.switchToViewController(stack, 0);
+    shortLived.reset();
+
+    switcher.switchToViewController(stack, 0);
+    EXPECT_TRUE(screens[1]->view()->isVisible());
+    EXPECT_EQ(screens[1]->view()->size(), QSize(940, 652));
+    EXPECT_EQ(stack->navigationBar()->breadcrumbs()->breadcrumbs().size(), 2U);
+    EXPECT_EQ(stack->popViewControllerAnimated(KRAnimated::No), screens[1]);
+    EXPECT_TRUE(screens[0]->view()->isVisible());
+}
+
 TEST_F(KRNavigationTests, TheBarDividesItsWidthInWholePoints)
 {
     pushAll();
@@ -224,7 +244,7 @@ TEST_F(KRNavigationTests, TheBarDividesItsWidthInWholePoints)
     EXPECT_EQ(bar.currentRightView()->geometry(), QRect(0, 0, 376, 26));
     EXPECT_EQ(crumbs().geometry(), QRect(386, 0, 554, 26));
     window.setLayoutDirection(Qt::LeftToRight);
-    controller->popViewController(KRAnimated::No);
+    controller->popViewControllerAnimated(KRAnimated::No);
     EXPECT_EQ(bar.currentRightView(), nullptr);
     EXPECT_FALSE(search->navigationItem()->rightBarButtonItem()->view()->isVisible());
     EXPECT_EQ(crumbs().width(), 836);
@@ -259,7 +279,7 @@ TEST_F(KRNavigationTests, CrumbsThatFindNoRoomSlideOutPastTheStart)
     window.setLayoutDirection(Qt::RightToLeft);
     EXPECT_EQ(crumb(12).geometry().left(), 0);
     checkNeighbours(true);
-    controller->popToRootViewController(KRAnimated::No);
+    controller->popToRootViewControllerAnimated(KRAnimated::No);
     EXPECT_EQ(crumb(0).geometry().right() + 1, width);
 }
 
@@ -372,7 +392,7 @@ TEST(KRViewControllerTests, AScreenWithoutAViewIsLoggedAndStillSwitchedTo)
         log.contains(QStringLiteral("ERROR: subclasses must either implement -loadView or -nibName")));
     QByteArrayList calls;
     controller.pushViewController(KRTestScreen::make(QStringLiteral("A"), calls), KRAnimated::Yes);
-    EXPECT_NE(controller.popViewController(KRAnimated::Yes), nullptr);
+    EXPECT_NE(controller.popViewControllerAnimated(KRAnimated::Yes), nullptr);
     EXPECT_EQ(controller.topViewController(), blank);
 }
 

@@ -16,7 +16,7 @@ struct KRImage::Source {
 };
 
 struct KRImage::Rendering {
-    QSizeF size;
+    QSize size;
     qreal scale = 0;
     QPixmap pixmap;
 };
@@ -91,23 +91,50 @@ void KRImage::drawInContext(QPainter& painter, const QRectF& rect, Flipped flipp
         return;
     const QTransform& transform = painter.deviceTransform();
     const qreal scale = std::max(std::abs(transform.m11()), std::abs(transform.m12()));
-    const QPixmap pixmap = _rendering(rect.size(), scale > 0 ? scale : 1);
     painter.save();
     if (flipped == Flipped::No) {
         painter.translate(0, rect.top() + rect.bottom());
         painter.scale(1, -1);
     }
-    painter.drawPixmap(rect, pixmap, QRectF(pixmap.rect()));
+    if (transform.type() <= QTransform::TxScale)
+        _drawOnWholePixels(painter, rect, scale);
+    else
+        painter.drawPixmap(rect, _rendering(_pixelSize(rect.size() * scale), scale), QRectF());
     painter.restore();
 }
 
-QPixmap KRImage::_rendering(QSizeF size, qreal scale) const
+// Where the edges fall between two pixels of the screen, as they do at broken scales, they move to the
+// closest whole one: a rendering is never resampled.
+void KRImage::_drawOnWholePixels(QPainter& painter, const QRectF& rect, qreal scale) const
 {
-    if (m_rendering->size == size && m_rendering->scale == scale)
+    const QTransform transform = painter.deviceTransform();
+    const QRectF exact = transform.mapRect(rect);
+    const QPointF topLeft(std::round(exact.left()), std::round(exact.top()));
+    const QPointF bottomRight(std::round(exact.right()), std::round(exact.bottom()));
+    const QPixmap pixmap
+        = _rendering(_pixelSize({ bottomRight.x() - topLeft.x(), bottomRight.y() - topLeft.y() }), scale);
+    const bool isMirrored = transform.m11() < 0;
+    const bool isOverturned = transform.m22() < 0;
+    const QTransform pixels(isMirrored ? -1 : 1,
+        0,
+        0,
+        isOverturned ? -1 : 1,
+        isMirrored ? topLeft.x() + pixmap.width() : topLeft.x(),
+        isOverturned ? topLeft.y() + pixmap.height() : topLeft.y());
+    painter.setTransform(pixels * transform.inverted(), true);
+    painter.drawPixmap(0, 0, pixmap);
+}
+
+QSize KRImage::_pixelSize(QSizeF size)
+{
+    return { std::max(1, int(std::round(size.width()))), std::max(1, int(std::round(size.height()))) };
+}
+
+QPixmap KRImage::_rendering(QSize pixels, qreal scale) const
+{
+    if (m_rendering->size == pixels && m_rendering->scale == scale)
         return m_rendering->pixmap;
 
-    const QSize pixels(std::max(1, int(std::round(size.width() * scale))),
-        std::max(1, int(std::round(size.height() * scale))));
     QPixmap pixmap(pixels);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -133,6 +160,6 @@ QPixmap KRImage::_rendering(QSizeF size, qreal scale) const
         }
     }
     painter.end();
-    *m_rendering = { size, scale, pixmap };
+    *m_rendering = { pixels, scale, pixmap };
     return pixmap;
 }

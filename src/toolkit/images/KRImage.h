@@ -42,7 +42,9 @@ private:
     struct Source;
     struct Rendering;
 
-    [[nodiscard]] QPixmap _rendering(QSizeF size, qreal scale) const;
+    void _drawOnWholePixels(QPainter& painter, const QRectF& rect, qreal scale) const;
+    static QSize _pixelSize(QSizeF size);
+    [[nodiscard]] QPixmap _rendering(QSize pixels, qreal scale) const;
 
     std::shared_ptr<const Source> m_source;
     // The last rendering: a list draws the same few pictures at the same size over and over.

@@ -28,7 +28,7 @@ public:
         state.selectable = true;
         const auto* const crumbs
             = qobject_cast<const KRNavigationBarBreadcrumbView*>(widget()->parentWidget());
-        state.selected = crumbs && crumbs->breadcrumbs().back() == widget();
+        state.selected = crumbs && !crumbs->breadcrumbs().empty() && crumbs->breadcrumbs().back() == widget();
         return state;
     }
 

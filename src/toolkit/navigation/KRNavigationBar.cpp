@@ -20,6 +20,7 @@ constexpr int CrumbTenths = 9;
 constexpr int CrumbTenthsBesideCustomView = 6;
 constexpr int CrumbMargin = 10;
 constexpr int FadeWidth = 10;
+constexpr QColor Light(0xE4, 0xE4, 0xE4);
 
 } // namespace
 
@@ -29,6 +30,8 @@ KRNavigationBar::KRNavigationBar(QWidget* parent)
     , m_fadeyView(new KRFadeyView(this))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    // The bar is light everywhere, and so is what is put into it.
+    setPalette(QPalette(Light));
     _layOut();
 }
 

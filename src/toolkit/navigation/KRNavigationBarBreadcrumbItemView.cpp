@@ -20,7 +20,9 @@ constexpr int ShownLength = 15;
 constexpr QSize MeasuringBox(100, 50);
 constexpr int Padding = 30;
 constexpr int TitleX = 10;
+// Where the title's first line begins when it is as high as that; other fonts have the same middle.
 constexpr int TitleTop = 7;
+constexpr int TitleLineHeight = 13;
 constexpr int TitleHeight = 20;
 constexpr int DividerWidth = 11;
 constexpr int DividerHeight = 26;
@@ -94,11 +96,11 @@ QString KRNavigationBarBreadcrumbItemView::shownTitle(const QString& title)
 
 int KRNavigationBarBreadcrumbItemView::widthForTitle(const QString& title)
 {
-    return int(boundingWidth(shownTitle(title), attributes(Embossed::No, false).font)) + Padding;
+    return int(boundingWidth(shownTitle(title), attributesEmbossed(Embossed::No, false).font)) + Padding;
 }
 
-KRNavigationBarBreadcrumbItemView::Attributes KRNavigationBarBreadcrumbItemView::attributes(Embossed embossed,
-    bool selected)
+KRNavigationBarBreadcrumbItemView::Attributes
+KRNavigationBarBreadcrumbItemView::attributesEmbossed(Embossed embossed, bool selected)
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setPointSize(FontSize);
@@ -174,12 +176,12 @@ void KRNavigationBarBreadcrumbItemView::focusOutEvent(QFocusEvent* event)
 
 void KRNavigationBarBreadcrumbItemView::_drawTitle(QPainter& painter, Embossed embossed, int top) const
 {
-    const Attributes look = attributes(embossed, isSelected());
-    const QRect area(TitleX, top, width() - TitleX - DividerWidth, TitleHeight);
-    const QString title = QFontMetrics(look.font).elidedText(shownTitle(m_text),
-        Qt::ElideRight,
-        area.width(),
-        Qt::TextSingleLine);
+    const Attributes look = attributesEmbossed(embossed, isSelected());
+    const QFontMetrics metrics(look.font);
+    const int y = top + (TitleLineHeight - metrics.height()) / 2;
+    const QRect area(TitleX, y, width() - TitleX - DividerWidth, std::max(TitleHeight, metrics.height()));
+    const QString title
+        = metrics.elidedText(shownTitle(m_text), Qt::ElideRight, area.width(), Qt::TextSingleLine);
     painter.setFont(look.font);
     painter.setPen(look.color);
     painter.drawText(QStyle::visualRect(layoutDirection(), rect(), area),

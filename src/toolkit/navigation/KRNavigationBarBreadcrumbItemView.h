@@ -35,7 +35,7 @@ public:
     };
     /// The embossed ones are those of the light shadow below the text.
     enum class Embossed { No, Yes };
-    static Attributes attributes(Embossed embossed, bool selected);
+    static Attributes attributesEmbossed(Embossed embossed, bool selected);
 
     /// Whether the mouse is held down on it.
     [[nodiscard]] bool isSelected() const { return m_flags.selected; }

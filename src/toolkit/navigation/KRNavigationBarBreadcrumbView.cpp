@@ -25,7 +25,7 @@ void KRNavigationBarBreadcrumbView::pushBreadcrumb(std::unique_ptr<KRNavigationB
 {
     // From here on it is this view's child.
     KRNavigationBarBreadcrumbItemView* const added = crumb.release();
-    const QRect frame = frameForTitle(added->text());
+    const QRect frame = frameForIndex(int(m_breadcrumbs.size()), added->text());
     added->setParent(this);
     added->setGeometry(frame);
     m_breadcrumbs.push_back(added);
@@ -54,7 +54,7 @@ int KRNavigationBarBreadcrumbView::totalWidth() const
     return width;
 }
 
-QRect KRNavigationBarBreadcrumbView::frameForTitle(const QString& title) const
+QRect KRNavigationBarBreadcrumbView::frameForIndex(int /*index*/, const QString& title) const
 {
     return { totalWidth(),
         height() - CrumbBottomDistance,

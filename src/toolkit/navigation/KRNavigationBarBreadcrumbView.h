@@ -23,8 +23,9 @@ public:
 
     /// Of all crumbs, in points.
     [[nodiscard]] int totalWidth() const;
-    /// Where a further crumb of that title goes, in a left-to-right layout with room for it.
-    [[nodiscard]] QRect frameForTitle(const QString& title) const;
+    /// Where a further crumb of that title goes, in a left-to-right layout with room for it. The index is
+    /// that of the crumb, which always comes last.
+    [[nodiscard]] QRect frameForIndex(int /*index*/, const QString& title) const;
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

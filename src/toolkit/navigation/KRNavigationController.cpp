@@ -6,6 +6,7 @@
 #include "toolkit/navigation/KRNavigationControllerView.h"
 #include "toolkit/navigation/KRNavigationItem.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 
 #include <algorithm>
@@ -37,6 +38,7 @@ public:
         if (!m_controller)
             return;
         m_controller->m_isChanging = false;
+        m_controller->_topDidChange();
         while (m_controller && !m_controller->m_isChanging && !m_controller->m_waitingChanges.empty()) {
             const std::function<void()> change = std::move(m_controller->m_waitingChanges.front());
             m_controller->m_waitingChanges.erase(m_controller->m_waitingChanges.begin());
@@ -82,6 +84,13 @@ void KRNavigationController::loadView()
     QWidget& placedView = *view;
     setView(std::move(view));
     KRSetViewFrame(placedView, QRect(QPoint(0, 0), InitialSize));
+    // A stack whose former view went with its window.
+    for (const KRViewControllerPtr& controller : m_viewControllers)
+        m_navigationBar->pushNavigationItem(controller->navigationItem(), KRAnimated::No);
+    if (const KRViewControllerPtr top = topViewController()) {
+        _setTargetFrame();
+        m_switcher.switchToViewController(top, KRTransitionNone);
+    }
 }
 
 KRNavigationBar* KRNavigationController::navigationBar()
@@ -95,6 +104,14 @@ void KRNavigationController::_setTargetFrame()
     const QSize size = view()->size();
     m_switcher.setTargetFrame(
         { 0, KRNavigationBar::Height, size.width(), std::max(0, size.height() - KRNavigationBar::Height) });
+}
+
+void KRNavigationController::_topDidChange()
+{
+    if (!m_controllerView)
+        return;
+    QAccessibleEvent nameChange(m_controllerView, QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&nameChange);
 }
 
 bool KRNavigationController::_postpone(std::function<void()> change)
@@ -151,9 +168,9 @@ KRPoppedViewControllers KRNavigationController::popToViewController(const KRView
     return popped;
 }
 
-KRViewControllerPtr KRNavigationController::popViewController(KRAnimated animated)
+KRViewControllerPtr KRNavigationController::popViewControllerAnimated(KRAnimated animated)
 {
-    if (_postpone([this, animated] { popViewController(animated); }) || m_viewControllers.size() < 2)
+    if (_postpone([this, animated] { popViewControllerAnimated(animated); }) || m_viewControllers.size() < 2)
         return nullptr;
     const KRPoppedViewControllers popped
         = popToViewController(*m_viewControllers[m_viewControllers.size() - 2], animated);
@@ -163,9 +180,10 @@ KRViewControllerPtr KRNavigationController::popViewController(KRAnimated animate
     return nullptr;
 }
 
-KRPoppedViewControllers KRNavigationController::popToRootViewController(KRAnimated animated)
+KRPoppedViewControllers KRNavigationController::popToRootViewControllerAnimated(KRAnimated animated)
 {
-    if (_postpone([this, animated] { popToRootViewController(animated); }) || m_viewControllers.size() < 2)
+    if (_postpone([this, animated] { popToRootViewControllerAnimated(animated); })
+        || m_viewControllers.size() < 2)
         return {};
     return popToViewController(*m_viewControllers.front(), animated);
 }
@@ -174,21 +192,21 @@ KRPoppedViewControllers KRNavigationController::popToRootViewController(KRAnimat
 
 void KRNavigationController::navigationBarDidClickBack(KRNavigationBar& /*bar*/)
 {
-    popViewController(KRAnimated::Yes);
+    popViewControllerAnimated(KRAnimated::Yes);
 }
 
 bool KRNavigationController::keyUp(const QKeyEvent& event)
 {
     if (event.key() != Qt::Key_Escape && event.key() != Qt::Key_Left)
         return false;
-    popViewController(KRAnimated::Yes);
+    popViewControllerAnimated(KRAnimated::Yes);
     return true;
 }
 
 bool KRNavigationController::swipeWithEvent(double deltaX)
 {
     if (deltaX > 0)
-        popViewController(KRAnimated::Yes);
+        popViewControllerAnimated(KRAnimated::Yes);
     return true;
 }
 

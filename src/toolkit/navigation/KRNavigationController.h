@@ -21,11 +21,11 @@ public:
     /// Nothing for the screen that is on top already. The screen that is covered chooses the animation.
     void pushViewController(const KRViewControllerPtr& controller, KRAnimated animated);
     /// The screen that was popped; null from a stack of one.
-    KRViewControllerPtr popViewController(KRAnimated animated);
+    KRViewControllerPtr popViewControllerAnimated(KRAnimated animated);
     /// Everything above the screen, which chooses the animation; nothing when it is the top or not here.
     KRPoppedViewControllers popToViewController(const KRViewController& controller,
         KRAnimated animated) override;
-    KRPoppedViewControllers popToRootViewController(KRAnimated animated);
+    KRPoppedViewControllers popToRootViewControllerAnimated(KRAnimated animated);
 
     /// Null for an empty stack.
     KRViewControllerPtr topViewController() const;
@@ -52,6 +52,7 @@ private:
     class Change;
 
     void _setTargetFrame();
+    void _topDidChange();
     bool _postpone(std::function<void()> change);
 
     QPointer<KRNavigationControllerView> m_controllerView;

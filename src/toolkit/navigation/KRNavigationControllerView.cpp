@@ -108,7 +108,7 @@ void KRNavigationControllerView::mouseReleaseEvent(QMouseEvent* event)
     if (event->button() == Qt::BackButton)
         m_backButtonIsDown = false;
     if (wasClicked && m_navigationController)
-        m_navigationController->popViewController(KRAnimated::Yes);
+        m_navigationController->popViewControllerAnimated(KRAnimated::Yes);
 }
 
 void KRNavigationControllerView::resizeEvent(QResizeEvent* event)

@@ -70,8 +70,10 @@ void KRViewControllerSwitcher::_switch(const Request& request)
 {
     QWidget* const view = request.controller->view();
     if (request.controller == m_currentViewController) {
-        if (view && m_targetView)
+        if (view && m_targetView && !m_transition) {
             _placeView(*view);
+            view->show();
+        }
         return;
     }
     const int code = m_currentViewController ? request.code : KRTransitionNone;
@@ -86,9 +88,9 @@ void KRViewControllerSwitcher::_switch(const Request& request)
     _pre_swap();
     if (!self)
         return;
-    transition(code,
-        m_oldViewController ? m_oldViewController->view() : nullptr,
-        m_newViewController->view());
+    // A view that went with its window is not made again only to be taken away.
+    const bool hasOldView = m_oldViewController && m_oldViewController->isViewLoaded();
+    transition(code, hasOldView ? m_oldViewController->view() : nullptr, m_newViewController->view());
 }
 
 void KRViewControllerSwitcher::_placeView(QWidget& view)
@@ -134,49 +136,22 @@ void KRViewControllerSwitcher::transition(int code, QWidget* oldView, QWidget* n
     m_ignoredUserInteraction = std::make_unique<KRIgnoredUserInteraction>();
     const bool moves = code != KRTransitionNone && KRMotion::isEnabled() && oldView && newView && m_targetView
         && m_targetView->isVisible();
-    if (moves) {
-        const QPixmap oldImage = CreateCGImageScreenshot(*oldView);
-        const QPixmap newImage = CreateCGImageScreenshot(*newView);
-        if (!oldImage.isNull() && !newImage.isNull()
-            && _beginTransition(code, oldImage, newImage, oldView->geometry())) {
-            oldView->hide();
-            oldView->setParent(nullptr);
-            return;
-        }
-    }
-    _swapInstantly(oldView, newView);
+    if (!moves || !_transitionInMotion(code, *oldView, *newView))
+        _swapInstantly(oldView, newView);
 }
 
-void KRViewControllerSwitcher::_swapInstantly(QWidget* oldView, QWidget* newView)
+bool KRViewControllerSwitcher::_transitionInMotion(int code, QWidget& oldView, QWidget& newView)
 {
-    // The focus moves first: a view that is taken away with it would hand it to whatever comes next.
-    _showNewView(newView);
-    if (oldView && oldView != newView) {
-        oldView->hide();
-        oldView->setParent(nullptr);
-    }
-    m_ignoredUserInteraction.reset();
-    _post_swap();
-}
-
-bool KRViewControllerSwitcher::_beginTransition(int code,
-    const QPixmap& oldImage,
-    const QPixmap& newImage,
-    const QRect& frame)
-{
-    const auto fromLayer = std::make_shared<KRTransitionLayer>(oldImage, frame.size());
-    const auto toLayer = std::make_shared<KRTransitionLayer>(newImage, frame.size());
-    m_transition = std::make_unique<KRViewControllerSwitcherTransition>();
-    m_transition->setFromLayer(fromLayer);
-    m_transition->setToLayer(toLayer);
-    m_transition->setDelegate(this);
-    if (!m_transition->start(code)) {
-        KRLog(QStringLiteral("Warning: unknown transition %1").arg(code));
-        m_transition.reset();
+    const QPixmap oldImage = CreateCGImageScreenshot(oldView);
+    const QPixmap newImage = CreateCGImageScreenshot(newView);
+    if (oldImage.isNull() || newImage.isNull())
         return false;
-    }
+    const auto fromLayer = std::make_shared<KRTransitionLayer>(oldImage, oldView.size());
+    const auto toLayer = std::make_shared<KRTransitionLayer>(newImage, oldView.size());
+    if (!beginTransition(code, fromLayer, toLayer))
+        return false;
     m_transitionView = new KRTransitionView(m_targetView);
-    m_transitionView->setGeometry(frame);
+    m_transitionView->setGeometry(oldView.geometry());
     m_transitionView->addLayer(toLayer);
     m_transitionView->addLayer(fromLayer);
     connect(m_transitionView,
@@ -185,7 +160,42 @@ bool KRViewControllerSwitcher::_beginTransition(int code,
         &KRViewControllerSwitcher::_transitionViewWentAway);
     m_transitionView->show();
     m_transitionView->setFocus();
+    _removeView(oldView);
     return true;
+}
+
+bool KRViewControllerSwitcher::beginTransition(int code,
+    const std::shared_ptr<KRTransitionLayer>& fromLayer,
+    const std::shared_ptr<KRTransitionLayer>& toLayer)
+{
+    m_transition = std::make_unique<KRViewControllerSwitcherTransition>();
+    m_transition->setFromLayer(fromLayer);
+    m_transition->setToLayer(toLayer);
+    m_transition->setDelegate(this);
+    if (m_transition->start(code))
+        return true;
+    KRLog(QStringLiteral("Warning: unknown transition %1").arg(code));
+    m_transition.reset();
+    return false;
+}
+
+void KRViewControllerSwitcher::_swapInstantly(QWidget* oldView, QWidget* newView)
+{
+    // The focus moves first: a view that is taken away with it would hand it to whatever comes next.
+    _showNewView(newView);
+    if (oldView && oldView != newView)
+        _removeView(*oldView);
+    m_ignoredUserInteraction.reset();
+    _post_swap();
+}
+
+void KRViewControllerSwitcher::_removeView(QWidget& view)
+{
+    // It may have been placed elsewhere meanwhile.
+    if (view.parentWidget() != m_targetView)
+        return;
+    view.hide();
+    view.setParent(nullptr);
 }
 
 void KRViewControllerSwitcher::_showNewView(QWidget* newView)
@@ -216,7 +226,7 @@ void KRViewControllerSwitcher::transitionDidFinish(KRViewControllerSwitcherTrans
 {
     m_finishTimer.invalidate();
     m_transition.reset();
-    _showNewView(m_newViewController->view());
+    _showNewView(m_targetView ? m_newViewController->view() : nullptr);
     _removeTransitionView();
     m_ignoredUserInteraction.reset();
 

@@ -65,7 +65,11 @@ private:
     void _post_swap();
     void _swapInstantly(QWidget* oldView, QWidget* newView);
     void transition(int code, QWidget* oldView, QWidget* newView);
-    bool _beginTransition(int code, const QPixmap& oldImage, const QPixmap& newImage, const QRect& frame);
+    bool _transitionInMotion(int code, QWidget& oldView, QWidget& newView);
+    bool beginTransition(int code,
+        const std::shared_ptr<KRTransitionLayer>& fromLayer,
+        const std::shared_ptr<KRTransitionLayer>& toLayer);
+    void _removeView(QWidget& view);
     void _showNewView(QWidget* newView);
     void _removeTransitionView();
     void _transitionViewWentAway();
