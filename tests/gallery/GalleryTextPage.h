@@ -2,7 +2,7 @@
 
 #include "toolkit/navigation/KRViewController.h"
 
-/// Text.
+/// Texts with every kind of active span, to press, walk through and select.
 class GalleryTextPage final : public KRViewController {
 public:
     void loadView() override;
