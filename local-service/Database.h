@@ -3,8 +3,11 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -31,6 +34,23 @@ public:
 
     // True while there is a row to read.
     [[nodiscard]] bool step();
+    // What the function makes of every row.
+    template <typename Read>
+    [[nodiscard]] auto all(Read read)
+    {
+        std::vector<std::invoke_result_t<Read, Statement&>> values;
+        while (step())
+            values.push_back(read(*this));
+        return values;
+    }
+
+    // The same for the first row, if there is one.
+    template <typename Read>
+    [[nodiscard]] auto first(Read read)
+    {
+        return step() ? std::optional(read(*this)) : std::nullopt;
+    }
+
     // Runs a statement that gives no rows.
     void run();
 

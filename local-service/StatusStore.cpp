@@ -34,14 +34,6 @@ Status readStatus(Statement& row)
     return status;
 }
 
-std::vector<Status> readStatuses(Statement& rows)
-{
-    std::vector<Status> statuses;
-    while (rows.step())
-        statuses.push_back(readStatus(rows));
-    return statuses;
-}
-
 Statement& bindPage(Statement& statement, const Page& page)
 {
     const std::int64_t maxID = page.maxID > 0 ? page.maxID : std::numeric_limits<std::int64_t>::max();
@@ -98,7 +90,7 @@ void StatusStore::remove(std::int64_t id)
 std::optional<Status> StatusStore::withID(std::int64_t id)
 {
     Statement row(m_database, "SELECT " STATUS_COLUMNS "FROM statuses s WHERE s.id = ?");
-    return row.bind(id).step() ? std::optional(readStatus(row)) : std::nullopt;
+    return row.bind(id).first(readStatus);
 }
 
 std::optional<Status> StatusStore::newestOf(std::int64_t author)
@@ -106,7 +98,7 @@ std::optional<Status> StatusStore::newestOf(std::int64_t author)
     Statement row(m_database,
         "SELECT " STATUS_COLUMNS
         "FROM statuses s WHERE s.user_id = ? AND NOT s.is_deleted ORDER BY s.id DESC LIMIT 1");
-    return row.bind(author).step() ? std::optional(readStatus(row)) : std::nullopt;
+    return row.bind(author).first(readStatus);
 }
 
 bool StatusStore::hasSameText(std::int64_t author, std::string_view text, std::int64_t sinceTime)
@@ -128,7 +120,7 @@ std::vector<Status> StatusStore::homeTimeline(std::int64_t viewer, const Page& p
         "SELECT " STATUS_COLUMNS "FROM statuses s WHERE " IN_PAGE
         "AND (s.user_id = ?5 OR s.user_id IN (SELECT followed FROM follows WHERE follower = ?5 AND "
         "is_accepted)) " ORDERED);
-    return readStatuses(bindPage(rows, page).bind(viewer));
+    return bindPage(rows, page).bind(viewer).all(readStatus);
 }
 
 std::vector<Status> StatusStore::repliesTo(std::int64_t viewer, const Page& page)
@@ -137,14 +129,14 @@ std::vector<Status> StatusStore::repliesTo(std::int64_t viewer, const Page& page
         "SELECT " STATUS_COLUMNS
         "FROM mentions m JOIN statuses s ON s.id = m.status_id JOIN users u ON u.id = s.user_id "
         "WHERE m.user_id = ?5 AND s.user_id <> ?5 AND " IN_PAGE "AND " VISIBLE ORDERED);
-    return readStatuses(bindPage(rows, page).bind(viewer));
+    return bindPage(rows, page).bind(viewer).all(readStatus);
 }
 
 std::vector<Status> StatusStore::userTimeline(std::int64_t author, const Page& page)
 {
     Statement rows(m_database,
         "SELECT " STATUS_COLUMNS "FROM statuses s WHERE s.user_id = ?5 AND " IN_PAGE ORDERED);
-    return readStatuses(bindPage(rows, page).bind(author));
+    return bindPage(rows, page).bind(author).all(readStatus);
 }
 
 std::vector<Status> StatusStore::publicTimeline(const Page& page)
@@ -152,7 +144,7 @@ std::vector<Status> StatusStore::publicTimeline(const Page& page)
     Statement rows(m_database,
         "SELECT " STATUS_COLUMNS "FROM statuses s JOIN users u ON u.id = s.user_id "
         "WHERE NOT u.is_protected AND " IN_PAGE ORDERED);
-    return readStatuses(bindPage(rows, page));
+    return bindPage(rows, page).all(readStatus);
 }
 
 std::vector<Status> StatusStore::favoritesOf(std::int64_t viewer, std::int64_t owner, const Page& page)
@@ -161,7 +153,7 @@ std::vector<Status> StatusStore::favoritesOf(std::int64_t viewer, std::int64_t o
         "SELECT " STATUS_COLUMNS
         "FROM favorites v JOIN statuses s ON s.id = v.status_id JOIN users u ON u.id = s.user_id "
         "WHERE v.user_id = ?6 AND " IN_PAGE "AND " VISIBLE ORDERED);
-    return readStatuses(bindPage(rows, page).bind(viewer, owner));
+    return bindPage(rows, page).bind(viewer, owner).all(readStatus);
 }
 
 std::vector<Status> StatusStore::conversation(std::int64_t viewer, std::int64_t conversationID)
@@ -171,7 +163,7 @@ std::vector<Status> StatusStore::conversation(std::int64_t viewer, std::int64_t 
         "WHERE s.conversation_id = ?6 AND " IN_PAGE "AND " VISIBLE ORDERED);
     Page everything;
     everything.count = 1000;
-    return readStatuses(bindPage(rows, everything).bind(viewer, conversationID));
+    return bindPage(rows, everything).bind(viewer, conversationID).all(readStatus);
 }
 
 std::vector<Status> StatusStore::publicSince(std::int64_t sinceTime)
@@ -179,7 +171,7 @@ std::vector<Status> StatusStore::publicSince(std::int64_t sinceTime)
     Statement rows(m_database,
         "SELECT " STATUS_COLUMNS "FROM statuses s JOIN users u ON u.id = s.user_id "
         "WHERE NOT u.is_protected AND NOT s.is_deleted AND s.created_at > ? ORDER BY s.id DESC");
-    return readStatuses(rows.bind(sinceTime));
+    return rows.bind(sinceTime).all(readStatus);
 }
 
 bool StatusStore::isFavorite(std::int64_t user, std::int64_t status)

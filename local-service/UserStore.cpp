@@ -27,19 +27,6 @@ User readUser(Statement& row)
     return user;
 }
 
-std::vector<User> readUsers(Statement& rows)
-{
-    std::vector<User> users;
-    while (rows.step())
-        users.push_back(readUser(rows));
-    return users;
-}
-
-std::optional<User> readOneUser(Statement& rows)
-{
-    return rows.step() ? std::optional(readUser(rows)) : std::nullopt;
-}
-
 } // namespace
 
 std::int64_t UserStore::add(const User& user)
@@ -64,19 +51,19 @@ std::int64_t UserStore::add(const User& user)
 std::vector<User> UserStore::all()
 {
     Statement rows(m_database, "SELECT " USER_COLUMNS "FROM users u ORDER BY u.id");
-    return readUsers(rows);
+    return rows.all(readUser);
 }
 
 std::optional<User> UserStore::withID(std::int64_t id)
 {
     Statement row(m_database, "SELECT " USER_COLUMNS "FROM users u WHERE u.id = ?");
-    return readOneUser(row.bind(id));
+    return row.bind(id).first(readUser);
 }
 
 std::optional<User> UserStore::withScreenName(std::string_view screenName)
 {
     Statement row(m_database, "SELECT " USER_COLUMNS "FROM users u WHERE u.screen_name = ?");
-    return readOneUser(row.bind(screenName));
+    return row.bind(screenName).first(readUser);
 }
 
 std::optional<User> UserStore::withIDOrScreenName(std::string_view text)
@@ -142,7 +129,7 @@ std::vector<User> UserStore::friendsOf(std::int64_t id, const Page& page)
     Statement rows(m_database,
         "SELECT " USER_COLUMNS "FROM follows f JOIN users u ON u.id = f.followed WHERE f.follower = ? AND"
         " f.is_accepted ORDER BY f.sequence DESC LIMIT ? OFFSET ?");
-    return readUsers(rows.bind(id, page.count, page.offset));
+    return rows.bind(id, page.count, page.offset).all(readUser);
 }
 
 std::vector<User> UserStore::followersOf(std::int64_t id, const Page& page)
@@ -150,7 +137,7 @@ std::vector<User> UserStore::followersOf(std::int64_t id, const Page& page)
     Statement rows(m_database,
         "SELECT " USER_COLUMNS "FROM follows f JOIN users u ON u.id = f.follower WHERE f.followed = ? AND"
         " f.is_accepted ORDER BY f.sequence DESC LIMIT ? OFFSET ?");
-    return readUsers(rows.bind(id, page.count, page.offset));
+    return rows.bind(id, page.count, page.offset).all(readUser);
 }
 
 } // namespace localservice

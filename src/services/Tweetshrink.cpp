@@ -30,26 +30,16 @@ void Tweetshrink::shrink(const TwitterServiceHosts& hosts,
     TwitterServiceRequest::GET(
         hosts.publicURLForPath(TwitterServiceRequest::pathWithQuery(u"shrink"_s, query),
             TwitterServiceHostKeys::TweetshrinkAPIHost),
-        TwitterServiceRequest::answerHandler(&Tweetshrink::_didShrink, std::move(callback)));
+        TwitterServiceRequest::answerHandler(&Tweetshrink::didShrink, std::move(callback)));
 }
 
-KRResult<Tweetshrink> Tweetshrink::_didShrink(const KRHTTPRequest& request)
+KRResult<Tweetshrink> Tweetshrink::didShrink(const KRHTTPRequest& request)
 {
-    return TwitterAnswers::parsed(request, _parse);
+    return TwitterAnswers::parsed(request,
+        TwitterServiceRequest::resultWithXML<Tweetshrink, &Tweetshrink::parseXML>);
 }
 
-KRResult<Tweetshrink> Tweetshrink::_parse(const QByteArray& data)
-{
-    Tweetshrink answer;
-    const auto handler
-        = KRXMLParser::Handler::withFunction([&answer](KRXMLParser& parser) { answer._parseXML(parser); });
-    const KRResult<void> parsed = KRXMLParser::parseData(data, handler);
-    if (parsed.isError())
-        return parsed.error();
-    return answer;
-}
-
-void Tweetshrink::_parseXML(KRXMLParser& parser)
+void Tweetshrink::parseXML(KRXMLParser& parser)
 {
     if (!parser.hasCharacters())
         return;

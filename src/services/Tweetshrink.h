@@ -22,9 +22,8 @@ public:
     [[nodiscard]] qint32 difference() const { return m_difference; }
 
 private:
-    static KRResult<Tweetshrink> _didShrink(const KRHTTPRequest& request);
-    static KRResult<Tweetshrink> _parse(const QByteArray& data);
-    void _parseXML(KRXMLParser& parser);
+    static KRResult<Tweetshrink> didShrink(const KRHTTPRequest& request);
+    void parseXML(KRXMLParser& parser);
 
     QString m_text;
     qint32 m_difference = 0;

@@ -135,13 +135,9 @@ void TwitPicCompatibleImageService::_post(Media media,
     const TwitterCredentials& account,
     KRCallback<QUrl> callback) const
 {
-    const auto answered = [tag = mediaURLResponseTag().toUtf8(), callback](KRHTTPRequest& answer) {
-        if (answer.error())
-            callback.invoke(*answer.error());
-        else
-            callback.invoke(linkInAnswer(answer.data(), tag));
-    };
-    const auto handler = KRCallback<KRHTTPRequest&>::withFunction(answered);
+    // The services live as long as the program.
+    const auto handler = KRCallback<KRHTTPRequest&>::withFunction(
+        [this, callback](KRHTTPRequest& request) { didPostImage(request, callback); });
     const KRResult<QUrl> address = checkedAddress(apiRoot(hosts), path, account);
     if (address.isError()) {
         TwitterServiceRequest::GET(address, handler);
@@ -156,4 +152,13 @@ void TwitPicCompatibleImageService::_post(Media media,
     else
         form->addVideoFile(path, mediaParameterName());
     backgroundProxy(std::make_shared<Upload>(form, address.value(), handler))->perform(&Upload::send);
+}
+
+void TwitPicCompatibleImageService::didPostImage(const KRHTTPRequest& request,
+    const KRCallback<QUrl>& callback) const
+{
+    if (request.error())
+        callback.invoke(*request.error());
+    else
+        callback.invoke(linkInAnswer(request.data(), mediaURLResponseTag().toUtf8()));
 }

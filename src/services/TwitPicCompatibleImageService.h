@@ -42,4 +42,5 @@ private:
         const QString& path,
         const TwitterCredentials& account,
         KRCallback<QUrl> callback) const;
+    void didPostImage(const KRHTTPRequest& request, const KRCallback<QUrl>& callback) const;
 };

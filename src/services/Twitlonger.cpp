@@ -22,7 +22,7 @@ void Twitlonger::post(const TwitterServiceHosts& hosts,
     request->setBody(KRAdditions::URLParameterString(form).toUtf8());
     TwitterServiceRequest::start(request,
         hosts.publicURLForPath(u"api_post"_s, TwitterServiceHostKeys::TwitlongerAPIHost),
-        TwitterServiceRequest::answerHandler(&Twitlonger::_didPost, std::move(callback)));
+        TwitterServiceRequest::answerHandler(&Twitlonger::didPost, std::move(callback)));
 }
 
 QString Twitlonger::applicationKey()
@@ -30,26 +30,16 @@ QString Twitlonger::applicationKey()
     return u"Zq4TnB7wKd2XuR9e"_s;
 }
 
-KRResult<Twitlonger> Twitlonger::_didPost(const KRHTTPRequest& request)
+KRResult<Twitlonger> Twitlonger::didPost(const KRHTTPRequest& request)
 {
-    KRResult<Twitlonger> result = TwitterAnswers::parsed(request, _parse);
+    KRResult<Twitlonger> result = TwitterAnswers::parsed(request,
+        TwitterServiceRequest::resultWithXML<Twitlonger, &Twitlonger::parseXML>);
     if (!result.isError() && result.value().content().isEmpty())
         return TwitterAnswers::errorForMissingRecord(request);
     return result;
 }
 
-KRResult<Twitlonger> Twitlonger::_parse(const QByteArray& data)
-{
-    Twitlonger answer;
-    const auto handler
-        = KRXMLParser::Handler::withFunction([&answer](KRXMLParser& parser) { answer._parseXML(parser); });
-    const KRResult<void> parsed = KRXMLParser::parseData(data, handler);
-    if (parsed.isError())
-        return parsed.error();
-    return answer;
-}
-
-void Twitlonger::_parseXML(KRXMLParser& parser)
+void Twitlonger::parseXML(KRXMLParser& parser)
 {
     if (!parser.hasCharacters())
         return;

@@ -32,9 +32,8 @@ public:
     void setUsername(const QString& username) { m_username = username; }
 
 private:
-    static KRResult<Twitlonger> _didPost(const KRHTTPRequest& request);
-    static KRResult<Twitlonger> _parse(const QByteArray& data);
-    void _parseXML(KRXMLParser& parser);
+    static KRResult<Twitlonger> didPost(const KRHTTPRequest& request);
+    void parseXML(KRXMLParser& parser);
 
     QString m_identifier;
     QUrl m_link;

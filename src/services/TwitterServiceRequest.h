@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/KRResult.h"
+#include "parsing/KRXMLParser.h"
 #include "text/KRParameters.h"
 #include "transport/KRHTTPRequest.h"
 
@@ -33,6 +34,19 @@ template <class Result>
         else
             callback.invoke(read(request));
     });
+}
+
+/// A new result, which takes what it knows of the document's elements.
+template <class Result, void (Result::*parseXML)(KRXMLParser&)>
+[[nodiscard]] KRResult<Result> resultWithXML(const QByteArray& data)
+{
+    Result result;
+    const auto handler
+        = KRXMLParser::Handler::withFunction([&result](KRXMLParser& parser) { (result.*parseXML)(parser); });
+    const KRResult<void> parsed = KRXMLParser::parseData(data, handler);
+    if (parsed.isError())
+        return parsed.error();
+    return result;
 }
 
 } // namespace TwitterServiceRequest

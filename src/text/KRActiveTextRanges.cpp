@@ -156,13 +156,17 @@ public:
     // Neither prefix can hold a part of the other, so the first one that has a body begins the first match.
     std::optional<KRRange> firstFrom(qsizetype from)
     {
-        for (qsizetype position = from; position < m_text.size(); ++position) {
+        qsizetype scheme = _schemeEndFrom(from);
+        qsizetype web = _webPrefixFrom(from, from);
+        while (scheme >= 0 || web >= 0) {
             std::optional<KRRange> link;
-            const char16_t unit = m_text[position].unicode();
-            if (unit == u':' && m_text.sliced(position).startsWith(viewOf(schemeEnd)))
-                link = _linkWithSchemeBefore(position, from);
-            else if (unit == u'w' && m_text.sliced(position).startsWith(viewOf(webPrefix)))
-                link = _linkWithWebPrefixAt(position);
+            if (web < 0 || (scheme >= 0 && scheme < web)) {
+                link = _linkWithSchemeBefore(scheme, from);
+                scheme = _schemeEndFrom(scheme + 1);
+            } else {
+                link = _linkWithWebPrefixAt(web);
+                web = _webPrefixFrom(web + 1, from);
+            }
             if (link)
                 return link;
         }
@@ -170,6 +174,29 @@ public:
     }
 
 private:
+    // Both look for the rarest character of what they seek.
+    [[nodiscard]] qsizetype _schemeEndFrom(qsizetype position) const
+    {
+        do {
+            position = m_text.indexOf(schemeEnd[0], position);
+        } while (position >= 0 && !m_text.sliced(position).startsWith(viewOf(schemeEnd)) && ++position > 0);
+        return position;
+    }
+
+    [[nodiscard]] qsizetype _webPrefixFrom(qsizetype position, qsizetype from) const
+    {
+        constexpr auto length = static_cast<qsizetype>(webPrefix.size());
+        qsizetype dot = position + length - 2;
+        for (;;) {
+            dot = m_text.indexOf(webPrefix.back(), dot + 1);
+            if (dot < 0)
+                return -1;
+            const qsizetype start = dot + 1 - length;
+            if (start >= from && m_text.sliced(start).startsWith(viewOf(webPrefix)))
+                return start;
+        }
+    }
+
     // A scheme reaches back over letters, digits and hyphens to the first letter that begins a word.
     std::optional<KRRange> _linkWithSchemeBefore(qsizetype colon, qsizetype from)
     {
@@ -304,12 +331,20 @@ KRActiveStringType activeStringType(QStringView text)
 } // namespace KRAdditions
 
 KRActiveTextRanges::KRActiveTextRanges(QStringView text)
-    : m_links(allRanges(LinkFinder(text), text))
-    , m_hashtags(allRanges(hashtagFinder(text), text))
-    , m_usernames(allRanges(usernameFinder(text), text))
-    , m_stockSymbols(allRanges(stockSymbolFinder(text), text))
-    , m_emailAddresses(allRanges(EmailFinder(text), text))
-    // Appending to an empty list shares the other's memory: most texts have spans of one kind at most.
-    , m_activeRanges(m_links + m_hashtags + m_usernames + m_stockSymbols + m_emailAddresses)
 {
+    // One pass for the characters without which there is no span of any kind; most texts hold none.
+    bool holdsMark = false;
+    for (const QChar character : text) {
+        const char16_t unit = character.unicode();
+        holdsMark |= (unit == u'#') | (unit == u'@') | (unit == u'$') | (unit == u':') | (unit == u'.');
+    }
+    if (!holdsMark)
+        return;
+    m_links = allRanges(LinkFinder(text), text);
+    m_hashtags = allRanges(hashtagFinder(text), text);
+    m_usernames = allRanges(usernameFinder(text), text);
+    m_stockSymbols = allRanges(stockSymbolFinder(text), text);
+    m_emailAddresses = allRanges(EmailFinder(text), text);
+    // Appending to an empty list shares the other's memory: most texts have spans of one kind at most.
+    m_activeRanges = m_links + m_hashtags + m_usernames + m_stockSymbols + m_emailAddresses;
 }

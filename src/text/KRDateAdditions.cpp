@@ -12,20 +12,31 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::array<std::u16string_view, 7>
-    dayNames { u"Mon", u"Tue", u"Wed", u"Thu", u"Fri", u"Sat", u"Sun" };
-constexpr std::array<std::u16string_view, 12> monthNames { u"Jan",
-    u"Feb",
-    u"Mar",
-    u"Apr",
-    u"May",
-    u"Jun",
-    u"Jul",
-    u"Aug",
-    u"Sep",
-    u"Oct",
-    u"Nov",
-    u"Dec" };
+// The three letters of a name in one number.
+constexpr quint64 packed(std::u16string_view name)
+{
+    return quint64(name[0]) << 32 | quint64(name[1]) << 16 | name[2];
+}
+
+constexpr std::array dayNames { packed(u"Mon"),
+    packed(u"Tue"),
+    packed(u"Wed"),
+    packed(u"Thu"),
+    packed(u"Fri"),
+    packed(u"Sat"),
+    packed(u"Sun") };
+constexpr std::array monthNames { packed(u"Jan"),
+    packed(u"Feb"),
+    packed(u"Mar"),
+    packed(u"Apr"),
+    packed(u"May"),
+    packed(u"Jun"),
+    packed(u"Jul"),
+    packed(u"Aug"),
+    packed(u"Sep"),
+    packed(u"Oct"),
+    packed(u"Nov"),
+    packed(u"Dec") };
 
 // Reads a date from left to right. Written by hand because every status carries two dates and a locale-aware
 // reader costs more than the rest of the record. After the first mismatch everything reads as nothing.
@@ -88,9 +99,10 @@ public:
 
 private:
     template <size_t Count>
-    int _readName(const std::array<std::u16string_view, Count>& names)
+    int _readName(const std::array<quint64, Count>& names)
     {
-        const auto found = std::find(names.begin(), names.end(), m_rest.substr(0, 3));
+        const auto found
+            = m_rest.size() < 3 ? names.end() : std::find(names.begin(), names.end(), packed(m_rest));
         if (found == names.end()) {
             m_matches = false;
             return 0;

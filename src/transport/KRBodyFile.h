@@ -35,12 +35,12 @@ public:
 private:
     /// Whether the file is there and this object's.
     [[nodiscard]] bool _create();
-    [[nodiscard]] qint64 _copyUpTo(int source, qint64 offset, qint64 end);
-    [[nodiscard]] qint64 _copyThroughMemory(int source, qint64 offset, qint64 end);
+    [[nodiscard]] qint64 _copy(int source, qint64 offset, qint64 end);
     [[nodiscard]] bool _write(const char* bytes, qint64 length);
     void _fail(const QString& what);
 
     QString m_path;
     int m_descriptor = -1;
+    qint64 m_size = 0;
     std::optional<KRError> m_error;
 };

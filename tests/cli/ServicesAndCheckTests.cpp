@@ -58,6 +58,9 @@ TEST_F(ServiceCommands, LinksBecomeShortAndLongAgain)
             arguments += { "--service", service };
         const QByteArray link = objectOf(arguments).value(u"url").toString().toUtf8();
         EXPECT_EQ(s_cli->alice(arguments).output, link + '\n');
+        // DiggBar's links are not among the known ones.
+        const bool isKnown = s_cli->alice({ "shorten", link }).errors.contains("Already shortened");
+        EXPECT_EQ(isKnown, service != std::string_view("diggbar"));
         for (const QList<QByteArray>& option :
             { QList<QByteArray> {}, { "--service", "bitly" }, { "--service", "longurl" } }) {
             const QList<QByteArray> expansion = QList<QByteArray> { "expand", link } + option;

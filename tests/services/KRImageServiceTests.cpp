@@ -206,18 +206,6 @@ TEST_F(KRImageServiceTest, ARedirectTakesNoPasswordElsewhere)
     EXPECT_EQ(server.requestCount(), 5);
 }
 
-TEST_F(KRImageServiceTest, ALargeFileArrivesWhole)
-{
-    const QByteArray content(3'000'001, 'x');
-    path = folder.filePath(u"large"_s);
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(content);
-    file.close();
-    EXPECT_FALSE(postVideo().isError());
-    EXPECT_TRUE(server.requests().last().body.contains("\r\n\r\n" + content + "\r\n--"));
-}
-
 TEST_F(KRImageServiceTest, RecognisesTheLinksOfPicturesAndMovies)
 {
     const struct {

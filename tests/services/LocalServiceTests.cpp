@@ -1,9 +1,6 @@
 #include "LocalService.h"
 #include "ServicesFixture.h"
 #include "services/KRImageService.h"
-#include "services/Tweetshrink.h"
-#include "services/Twitlonger.h"
-#include "services/URLShorteners.h"
 #include "transport/KRHTTPRequest.h"
 
 using namespace Qt::StringLiterals;
@@ -66,46 +63,9 @@ private:
 
 protected:
     TwitterServiceContext context { {}, &m_defaults };
-    KRUserDefaults& defaults = m_defaults;
 };
 
 } // namespace
-
-TEST_F(LocalServiceTest, ShortensAndExpandsLinks)
-{
-    const QString target = u"http://example.org/a_(b)?x=1&y=2#z"_s;
-    const BitlyShortener bitly;
-    const LongURLShortener longURL;
-    for (int preference = 0; preference <= 4; ++preference) {
-        defaults.setInteger(URLShorteningServicePreferredServiceDefaultsKey, preference);
-        const auto shortened = [this](const QString& url) {
-            return resultOf<QString>([&](const KRCallback<QString>& callback) {
-                URLShorteningService::shortenURLString(context, url, callback);
-            });
-        };
-        const KRResult<QString> link = shortened(target);
-        ASSERT_FALSE(link.isError()) << preference << qPrintable(link.error().description);
-        // DiggBar's links are not among the known ones.
-        EXPECT_EQ(URLShorteningService::isShortURLString(context.hosts, link.value()), preference != 4);
-        const auto expansion = [&](const auto& expand) {
-            const KRResult<QString> result = resultOf<QString>(expand);
-            return result.isError() ? result.error().description : result.value();
-        };
-        EXPECT_EQ(expansion([&](const KRCallback<QString>& callback) {
-            URLShorteningService::expandURLString(context, link.value(), callback);
-        }),
-            target);
-        EXPECT_EQ(expansion([&](const KRCallback<QString>& callback) {
-            longURL.expandURLString(context.hosts, link.value(), callback);
-        }),
-            target);
-        EXPECT_EQ(expansion([&](const KRCallback<QString>& callback) {
-            bitly.expandURLString(context.hosts, link.value(), callback);
-        }),
-            target);
-        EXPECT_TRUE(shortened(u"no link"_s).isError());
-    }
-}
 
 TEST_F(LocalServiceTest, UploadedFilesAreBehindTheirLinks)
 {
@@ -136,30 +96,4 @@ TEST_F(LocalServiceTest, UploadedFilesAreBehindTheirLinks)
     const QString text = link.value().toString();
     EXPECT_FALSE(KRImageService::isImageServiceLink(context.hosts, text));
     EXPECT_EQ(bodyAt(KRImageService::isVideoServiceLink(context.hosts, text)), movie);
-}
-
-TEST_F(LocalServiceTest, StoresLongPostsAndShrinksTexts)
-{
-    QString text;
-    for (int i = 0; i < 50; ++i)
-        text += u"wört & <%1> = "_s.arg(i);
-    const KRResult<Twitlonger> stored = resultOf<Twitlonger>([&](const KRCallback<Twitlonger>& callback) {
-        Twitlonger::post(context.hosts, text, u"alice"_s, callback);
-    });
-    ASSERT_FALSE(stored.isError()) << qPrintable(stored.error().description);
-    EXPECT_LE(stored.value().content().size(), 140);
-    EXPECT_TRUE(stored.value().content().startsWith(u"wört & <0> = wört & <1>"_s));
-    EXPECT_TRUE(stored.value().content().endsWith(stored.value().shortLink()));
-    EXPECT_FALSE(stored.value().identifier().isEmpty());
-    EXPECT_TRUE(bodyAt(stored.value().link()).contains("&lt;49&gt;"));
-    EXPECT_TRUE(resultOf<Twitlonger>([&](const KRCallback<Twitlonger>& callback) {
-        Twitlonger::post(context.hosts, {}, u"alice"_s, callback);
-    }).isError());
-
-    const KRResult<Tweetshrink> shrunk = resultOf<Tweetshrink>([&](const KRCallback<Tweetshrink>& callback) {
-        Tweetshrink::shrink(context.hosts, u"Thanks to you, see later"_s, callback);
-    });
-    ASSERT_FALSE(shrunk.isError());
-    EXPECT_EQ(shrunk.value().text(), u"thx 2 u, c l8r"_s);
-    EXPECT_EQ(shrunk.value().difference(), 10);
 }

@@ -166,6 +166,26 @@ TEST_F(URLShorteningServiceTest, ReadsAnswersToTheirEnd)
     EXPECT_EQ(read(expandWith(bitly)), bitlyError);
 }
 
+TEST_F(URLShorteningServiceTest, AnswersThatAreCutOrTooDeepEndOnce)
+{
+    const std::pair<int, QByteArray> answers[] = {
+        { 0, R"({"a":{"shortUrl":"http://s/1"}})" },
+        { 4, R"(<a><shorturl short_url="http://s/1"/></a>)" },
+    };
+    for (const auto& [preference, body] : answers) {
+        for (qsizetype length = 0; length <= body.size(); ++length) {
+            answer(200, body.first(length));
+            const KRResult<QString> result = shorten(preference);
+            EXPECT_EQ(result.isError() ? u"http://s/1"_s : result.value(), u"http://s/1"_s);
+        }
+        EXPECT_FALSE(shorten(preference).isError());
+    }
+    answer(200, QByteArray(R"({"shortUrl":)").repeated(100'000));
+    EXPECT_TRUE(shorten(0).isError());
+    answer(200, QByteArray("<shorturl>").repeated(100'000));
+    EXPECT_TRUE(shorten(4).isError());
+}
+
 TEST_F(URLShorteningServiceTest, LogsWhatParsersObjectTo)
 {
     KRTestLog log;

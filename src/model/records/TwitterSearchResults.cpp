@@ -5,6 +5,9 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 using Type = KRJSONParser::Type;
@@ -46,9 +49,9 @@ private:
     {
         if (parser.type() != Type::ObjectStart)
             return;
-        m_status = std::make_shared<TwitterStatus>();
+        m_statuses.append(std::make_shared<TwitterStatus>());
+        m_status = m_statuses.constLast().get();
         m_status->setIsPartialStatus(true);
-        m_statuses.append(m_status);
         parser.pushCallback(m_statusHandler, RepeatElement::No);
     }
 
@@ -77,14 +80,15 @@ private:
             if (const QString text = parser.stringValue(); !text.isNull())
                 m_status->setText(KRAdditions::stringByUnescapingXMLEntities(text));
         } else if (key == "created_at") {
-            _takeDate(parser.stringValue());
+            _takeDate(parser);
         } else if (key == "in_reply_to_status_id") {
             if (const QString text = parser.stringValue(); !text.isEmpty())
                 m_status->setInReplyToStatusID(text);
         } else if (m_status->isPartialStatus() && key == "from_user") {
-            if (const QString text = parser.stringValue(); !text.isEmpty()) {
-                _partialFromUser().setUsername(text);
-                _partialFromUser().setFullName(text);
+            if (const QString& text = _name(parser); !text.isEmpty()) {
+                TwitterUser& user = _partialFromUser();
+                user.setUsername(text);
+                user.setFullName(text);
             }
         } else if (m_status->isPartialStatus() && key == "profile_image_url") {
             if (!parser.bytes().empty())
@@ -92,14 +96,21 @@ private:
         }
     }
 
-    void _takeDate(const QString& text)
+    void _takeDate(const KRJSONParser& parser)
     {
-        if (const QDateTime date = KRAdditions::dateValueFromJSONTwitterDate(text); date.isValid()) {
+        // Dates are plain letters and short; only the text of a full one is kept.
+        std::array<char16_t, 40> text {};
+        const std::string_view bytes = parser.bytes();
+        if (bytes.size() > text.size())
+            return;
+        std::copy(bytes.begin(), bytes.end(), text.begin());
+        const QStringView view(text.data(), static_cast<qsizetype>(bytes.size()));
+        if (const QDateTime date = KRAdditions::dateValueFromJSONTwitterDate(view); date.isValid()) {
             m_status->setDate(date);
-        } else if (const QDateTime fullDate = KRAdditions::dateValueFromHTTPLikeDate(text);
+        } else if (const QDateTime fullDate = KRAdditions::dateValueFromHTTPLikeDate(view);
                    fullDate.isValid()) {
             m_status->setDate(fullDate);
-            m_status->setOriginalDateString(text);
+            m_status->setOriginalDateString(view.toString());
         }
     }
 
@@ -113,22 +124,34 @@ private:
         return *m_status->fromUser();
     }
 
-    const QUrl& _imageURL(const KRJSONParser& parser)
+    // What the parser is at, read once for all results that say the same.
+    template <class Value, class Read>
+    static const Value& _remembered(QHash<QByteArray, Value>& known, const KRJSONParser& parser, Read read)
     {
         const std::string_view bytes = parser.bytes();
-        const auto known = m_imageURLs.constFind(
-            QByteArray::fromRawData(bytes.data(), static_cast<qsizetype>(bytes.size())));
-        if (known != m_imageURLs.constEnd())
-            return *known;
-        return *m_imageURLs.insert(QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())),
-            TwitterUser::urlWithText(parser.stringValue()));
+        const auto length = static_cast<qsizetype>(bytes.size());
+        const auto found = known.constFind(QByteArray::fromRawData(bytes.data(), length));
+        if (found != known.constEnd())
+            return *found;
+        return *known.insert(QByteArray(bytes.data(), length), read(parser.stringValue()));
+    }
+
+    const QString& _name(const KRJSONParser& parser)
+    {
+        return _remembered(m_names, parser, [](const QString& text) { return text; });
+    }
+
+    const QUrl& _imageURL(const KRJSONParser& parser)
+    {
+        return _remembered(m_imageURLs, parser, TwitterUser::urlWithText);
     }
 
     KRJSONParser::Handler m_resultsHandler = _handler(&SearchReader::parseSearchStatusesJSON);
     KRJSONParser::Handler m_statusHandler = _handler(&SearchReader::parseStatusSearchJSON);
     KRJSONParser::Handler m_userHandler = _handler(&SearchReader::parseUserJSON);
     TwitterStatusList m_statuses;
-    TwitterStatusPtr m_status;
+    TwitterStatus* m_status = nullptr;
+    QHash<QByteArray, QString> m_names;
     QHash<QByteArray, QUrl> m_imageURLs;
     bool m_isFirstEvent = true;
 };

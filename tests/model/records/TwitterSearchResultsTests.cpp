@@ -170,4 +170,21 @@ TEST(SearchResults, WhatCameBeforeTheCutCanBeShown)
     }
 }
 
+TEST(SearchResults, HostileAnswersAreReadAsFarAsTheyGo)
+{
+    const QByteArray good = R"({"id":"7","from_user":"bob","text":"t"})";
+    const QByteArray digits(400, '9');
+    const auto IDsIn = [](const QByteArray& body) { return idsOf(resultsOf(body)); };
+    for (const QByteArray& deep :
+        { QByteArray("["), QByteArray(R"({"results":)"), QByteArray(R"({"user":)") }) {
+        const QByteArray nested = deep.repeated(100'000);
+        EXPECT_EQ(IDsIn("[" + good + ",{\"id\":1,\"entities\":" + nested), u"7"_s);
+        EXPECT_TRUE(IDsIn(nested).isEmpty());
+    }
+    EXPECT_EQ(IDsIn(R"([{"id":1,"id":2,"from_user":"a","from_user":"b"}])"), u"2"_s);
+    EXPECT_EQ(IDsIn("[{\"id\":" + digits + ",\"from_user\":\"a\"}]"), QString::fromLatin1(digits));
+    EXPECT_EQ(IDsIn("/* x */ [" + good + ", // y\n" + good + "]"), u"7 7"_s);
+    EXPECT_EQ(IDsIn("[" + good + QByteArray(1, '\0') + "," + good + "]"), u"7"_s);
+}
+
 } // namespace
