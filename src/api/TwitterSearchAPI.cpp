@@ -30,7 +30,7 @@ QString descriptionOf(const KRResult<TwitterStatusList>& result)
 
 } // namespace
 
-void TwitterSearchRequest::_GET(const QString& path)
+void TwitterSearchRequest::_sendGET(const QString& path)
 {
     const auto handler = Callback(shared_from_this(), &TwitterSearchRequest::_requestResponse);
     const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
@@ -65,7 +65,7 @@ void TwitterSearchOperations::search(const QString& query,
                                         .add("page"_L1, page)
                                         .add("since_id"_L1, sinceID)
                                         .add("geocode"_L1, geocode);
-    _GET(u"%1?%2"_s.arg(u"search.json", KRAdditions::URLParameterString(parameters)));
+    _sendGET(u"%1?%2"_s.arg(u"search.json", KRAdditions::URLParameterString(parameters)));
 }
 
 void TwitterSearchOperations::_response(KRHTTPRequest& request)
@@ -99,7 +99,7 @@ void TwitterSearchOperations::repliesToStatusIDResponse(const KRResult<TwitterSt
 
 void TwitterTrendsOperations::trends()
 {
-    _GET(u"trends.json"_s);
+    _sendGET(u"trends.json"_s);
 }
 
 void TwitterTrendsOperations::_response(KRHTTPRequest& request)

@@ -33,7 +33,7 @@ protected:
 
     [[nodiscard]] const TwitterServiceHosts& hosts() const { return m_hosts; }
     /// The path may carry a query. _response() follows, whatever happens.
-    void _GET(const QString& path);
+    void _sendGET(const QString& path);
     /// The request has ended; its error() says how.
     virtual void _response(KRHTTPRequest& request) = 0;
 

@@ -55,7 +55,7 @@ KRResult<TwitterServiceHosts> TwitterServiceHosts::hostsWithDefaults(const KRUse
 
 KRResult<QUrl> TwitterServiceHosts::RESTURLForPath(const QString& path) const
 {
-    return _URLForPath(path, RESTHostKey, "https"_L1);
+    return _urlForPath(path, RESTHostKey, "https"_L1);
 }
 
 KRResult<QUrl> TwitterServiceHosts::searchURLForPath(const QString& path) const
@@ -66,7 +66,7 @@ KRResult<QUrl> TwitterServiceHosts::searchURLForPath(const QString& path) const
 KRResult<QUrl> TwitterServiceHosts::publicURLForPath(const QString& path, const char* key) const
 {
     const bool isSecure = valueForKey(QLatin1String(key)).startsWith(httpsPrefix, Qt::CaseInsensitive);
-    return _URLForPath(path, key, isSecure ? "https"_L1 : "http"_L1);
+    return _urlForPath(path, key, isSecure ? "https"_L1 : "http"_L1);
 }
 
 KRResult<QUrl>
@@ -86,7 +86,7 @@ TwitterServiceHosts::uploadURLForPath(const QString& path, const char* key, Serv
         return written;
     }
     const bool usesPlain = isPlain || (!isSecure && isLocal && scheme == ServiceScheme::HTTP);
-    return _URLForPath(path, key, usesPlain ? "http"_L1 : "https"_L1);
+    return _urlForPath(path, key, usesPlain ? "http"_L1 : "https"_L1);
 }
 
 QString TwitterServiceHosts::linkPrefixForKey(const char* key) const
@@ -102,7 +102,7 @@ QString TwitterServiceHosts::linkPrefixForKey(const char* key) const
 
 // The host may be written with this scheme, and with no other.
 KRResult<QUrl>
-TwitterServiceHosts::_URLForPath(const QString& path, const char* key, QLatin1String scheme) const
+TwitterServiceHosts::_urlForPath(const QString& path, const char* key, QLatin1String scheme) const
 {
     const QString value = valueForKey(QLatin1String(key));
     QString host = value;

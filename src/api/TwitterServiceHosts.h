@@ -63,7 +63,7 @@ public:
     [[nodiscard]] QString linkPrefixForKey(const char* key) const;
 
 private:
-    KRResult<QUrl> _URLForPath(const QString& path, const char* key, QLatin1String scheme) const;
+    KRResult<QUrl> _urlForPath(const QString& path, const char* key, QLatin1String scheme) const;
 
     QHash<QString, QString> m_values;
 };

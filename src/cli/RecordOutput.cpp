@@ -108,7 +108,7 @@ QJsonObject jsonObject(const TwitterDirectMessageConversation& conversation)
 
 QString text(const TwitterStatus& status)
 {
-    const TwitterUserPtr author = status.fromUser();
+    const TwitterUserPtr& author = status.fromUser();
     const QString name = author ? u"%1 (%2)"_s.arg(author->username(), author->fullName()) : u"?"_s;
     const QString age = ageOf(status.date());
     QString head = u"%1, %2, %3"_s.arg(name, age, status.statusID());

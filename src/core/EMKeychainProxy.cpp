@@ -47,7 +47,7 @@ void react(const Answer& answer)
 
 Answer lookUp(const char* operation, const Attributes& attributes, bool logsErrors)
 {
-    const Answer answer = KRSecretService::lookUp(attributes);
+    Answer answer = KRSecretService::lookUp(attributes);
     if (answer.status != Status::Done) {
         if (logsErrors)
             logError(operation, answer);

@@ -84,7 +84,7 @@ void KRRunLoop::performAfterDelay(Duration delay, Task task)
     auto timer = std::make_shared<KRTimer::State>();
     timer->deadline = KRClock::shared().monotonicNow() + std::max(delay, Duration::zero());
     timer->task = std::move(task);
-    _insertTimer(std::move(timer));
+    _insertTimer(timer);
 }
 
 KRTimer KRRunLoop::scheduleTimer(Duration interval, Repeats repeats, Task task)
@@ -98,7 +98,7 @@ KRTimer KRRunLoop::scheduleTimer(Duration interval, Repeats repeats, Task task)
     return KRTimer(std::move(timer));
 }
 
-void KRRunLoop::_insertTimer(std::shared_ptr<KRTimer::State> timer)
+void KRRunLoop::_insertTimer(const std::shared_ptr<KRTimer::State>& timer)
 {
     std::scoped_lock guard(m_lock);
     timer->sequence = m_nextSequence++;

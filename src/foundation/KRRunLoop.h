@@ -74,7 +74,7 @@ public:
     void clear();
 
 private:
-    void _insertTimer(std::shared_ptr<KRTimer::State> timer);
+    void _insertTimer(const std::shared_ptr<KRTimer::State>& timer);
     bool _runQueue();
     bool _runTimers();
 

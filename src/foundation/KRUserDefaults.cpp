@@ -139,7 +139,7 @@ QStringList KRUserDefaults::keysInGroup(const QString& group) const
 {
     std::scoped_lock guard(m_lock);
     m_settings->beginGroup(group);
-    const QStringList keys = m_settings->allKeys();
+    QStringList keys = m_settings->allKeys();
     m_settings->endGroup();
     return keys;
 }

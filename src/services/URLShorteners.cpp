@@ -84,7 +84,7 @@ void BitlyShortener::shortenURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::BitlyAPIHost,
         u"shorten"_s,
         bitlyParameters("longUrl"_L1, url),
@@ -96,7 +96,7 @@ void BitlyShortener::expandURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::BitlyAPIHost,
         u"expand"_s,
         bitlyParameters("shortUrl"_L1, url),
@@ -108,7 +108,7 @@ void TinyURLShortener::shortenURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::TinyURLAPIHost,
         u"api-create.php"_s,
         KRParameters().add("url"_L1, url),
@@ -120,7 +120,7 @@ void IsGdShortener::shortenURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::IsGdAPIHost,
         u"api.php"_s,
         KRParameters().add("longurl"_L1, url),
@@ -132,7 +132,7 @@ void TrImShortener::shortenURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::TrImAPIHost,
         u"api/trim_simple"_s,
         KRParameters().add("url"_L1, url),
@@ -144,7 +144,7 @@ void DiggBarShortener::shortenURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::DiggBarAPIHost,
         u"url/short/create"_s,
         KRParameters().add("url"_L1, url).add("appkey"_L1, QString::fromUtf16(applicationURL)),
@@ -156,7 +156,7 @@ void LongURLShortener::expandURLString(const TwitterServiceHosts& hosts,
     const QString& url,
     KRCallback<QString> callback) const
 {
-    _GET(hosts,
+    _sendGET(hosts,
         TwitterServiceHostKeys::LongURLAPIHost,
         u"v1/expand"_s,
         KRParameters().add("format"_L1, u"json"_s).add("url"_L1, url),

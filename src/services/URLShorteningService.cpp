@@ -73,7 +73,7 @@ void URLShorteningService::expandURLString(const TwitterServiceContext& context,
     const QString& url,
     KRCallback<QString> callback)
 {
-    _GET(context.hosts,
+    _sendGET(context.hosts,
         TwitterServiceHostKeys::ExpansionAPIHost,
         u"api/v1.1"_s,
         KRParameters().add("q"_L1, url),
@@ -112,7 +112,7 @@ void URLShorteningService::expandURLString(const TwitterServiceHosts&,
     KRLog(u"Error: can't expand with a generic service"_s);
 }
 
-void URLShorteningService::_GET(const TwitterServiceHosts& hosts,
+void URLShorteningService::_sendGET(const TwitterServiceHosts& hosts,
     const char* hostKey,
     const QString& path,
     const KRParameters& parameters,

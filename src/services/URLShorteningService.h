@@ -55,7 +55,7 @@ public:
 protected:
     /// Reads the answer to a request that succeeded.
     using Reader = KRResult<QString> (*)(const KRHTTPRequest& request);
-    static void _GET(const TwitterServiceHosts& hosts,
+    static void _sendGET(const TwitterServiceHosts& hosts,
         const char* hostKey,
         const QString& path,
         const KRParameters& parameters,

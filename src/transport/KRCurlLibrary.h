@@ -12,23 +12,23 @@ struct KRCurlLibrary {
     /// linker's words.
     static const KRCurlLibrary& shared();
 
-    decltype(&curl_easy_init) easyInit;
-    decltype(&curl_easy_cleanup) easyCleanup;
-    decltype(&curl_easy_reset) easyReset;
-    decltype(&curl_easy_setopt) easySetOption;
-    decltype(&curl_easy_getinfo) easyGetInfo;
-    decltype(&curl_easy_strerror) easyErrorText;
-    decltype(&curl_multi_init) multiInit;
-    decltype(&curl_multi_cleanup) multiCleanup;
-    decltype(&curl_multi_setopt) multiSetOption;
-    decltype(&curl_multi_add_handle) multiAddHandle;
-    decltype(&curl_multi_remove_handle) multiRemoveHandle;
-    decltype(&curl_multi_perform) multiPerform;
-    decltype(&curl_multi_poll) multiPoll;
-    decltype(&curl_multi_wakeup) multiWakeUp;
-    decltype(&curl_multi_info_read) multiInfoRead;
-    decltype(&curl_slist_append) listAppend;
-    decltype(&curl_slist_free_all) listFree;
+    decltype(&curl_easy_init) easyInit = nullptr;
+    decltype(&curl_easy_cleanup) easyCleanup = nullptr;
+    decltype(&curl_easy_reset) easyReset = nullptr;
+    decltype(&curl_easy_setopt) easySetOption = nullptr;
+    decltype(&curl_easy_getinfo) easyGetInfo = nullptr;
+    decltype(&curl_easy_strerror) easyErrorText = nullptr;
+    decltype(&curl_multi_init) multiInit = nullptr;
+    decltype(&curl_multi_cleanup) multiCleanup = nullptr;
+    decltype(&curl_multi_setopt) multiSetOption = nullptr;
+    decltype(&curl_multi_add_handle) multiAddHandle = nullptr;
+    decltype(&curl_multi_remove_handle) multiRemoveHandle = nullptr;
+    decltype(&curl_multi_perform) multiPerform = nullptr;
+    decltype(&curl_multi_poll) multiPoll = nullptr;
+    decltype(&curl_multi_wakeup) multiWakeUp = nullptr;
+    decltype(&curl_multi_info_read) multiInfoRead = nullptr;
+    decltype(&curl_slist_append) listAppend = nullptr;
+    decltype(&curl_slist_free_all) listFree = nullptr;
 
 private:
     KRCurlLibrary();

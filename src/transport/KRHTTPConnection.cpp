@@ -18,7 +18,7 @@ const KRCurlLibrary& curl()
 }
 
 // A redirect's own body is read so that its connection can be used again, but not for ever.
-constexpr qint64 redirectBodyTolerated = 64 * 1024;
+constexpr qint64 redirectBodyTolerated = Q_INT64_C(64) * 1024;
 
 std::mutex s_settingsLock;
 
@@ -336,7 +336,7 @@ bool KRHTTPConnection::_receiveBody(const char* bytes, size_t length)
         m_ownError = connectionError(KRHTTPConnectionErrorTooLarge,
             QStringLiteral("The answer of %1 is larger than %2 MB")
                 .arg(m_url.host())
-                .arg(m_settings.maxResponseBytes / (1024 * 1024)));
+                .arg(m_settings.maxResponseBytes / (Q_INT64_C(1024) * 1024)));
         return false;
     }
     m_delegate->connectionDidReceiveData(bytes, static_cast<qint64>(length));

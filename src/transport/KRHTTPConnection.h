@@ -37,7 +37,7 @@ inline constexpr int KRHTTPStallSeconds = 60;
 inline constexpr int KRHTTPStallBytesPerSecond = 16;
 inline constexpr int KRHTTPMaxRedirects = 20;
 /// An answer larger than this, after decompression, ends with an error instead of filling the memory.
-inline constexpr qint64 KRHTTPMaxResponseBytes = 64 * 1024 * 1024;
+inline constexpr qint64 KRHTTPMaxResponseBytes = Q_INT64_C(64) * 1024 * 1024;
 
 /// What the transport allows and trusts, for every connection begun after it was set. Any thread.
 struct KRHTTPTransportSettings {

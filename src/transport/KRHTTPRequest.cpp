@@ -173,7 +173,7 @@ void KRHTTPRequest::connectionDidReceiveResponse(const KRURLResponse& response)
 void KRHTTPRequest::connectionDidReceiveData(const char* bytes, qint64 length)
 {
     // An announced length is a hint of a stranger: it saves copies, and must not reserve gigabytes.
-    constexpr qint64 largestReserve = 1024 * 1024;
+    constexpr qint64 largestReserve = Q_INT64_C(1024) * 1024;
     if (m_data.isEmpty() && m_downloadContentLength > length)
         m_data.reserve(std::min<qint64>(m_downloadContentLength, largestReserve));
     m_data.append(bytes, length);

@@ -29,7 +29,7 @@ bool TwitterStatusStreamFilterUserListFilter::validStatus(const TwitterStatus& s
 {
     if (!status.isNotADummyStatus())
         return true;
-    const TwitterUserPtr author = status.fromUser();
+    const TwitterUserPtr& author = status.fromUser();
     return author && std::any_of(m_users.begin(), m_users.end(), [&author](const TwitterUserPtr& user) {
         return user->isEqual(*author);
     });
