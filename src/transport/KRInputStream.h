@@ -29,5 +29,8 @@ public:
     bool rewind() override;
 
 private:
-    QFile m_file;
+    QString m_path;
+    // Made with the first read: a QFile belongs to the thread that makes it, and the one that makes the
+    // stream may end before it.
+    std::unique_ptr<QFile> m_file;
 };
