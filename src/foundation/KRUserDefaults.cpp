@@ -8,6 +8,10 @@
 #include <QSettings>
 #include <QStandardPaths>
 
+#include <chrono>
+#include <sys/file.h>
+#include <thread>
+
 namespace {
 
 QString standardFilePath()
@@ -31,9 +35,30 @@ void makePrivate(const QString& path)
     file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
+/// A process that is killed between making QSettings' lock and filling it leaves an empty one. It does not
+/// tell whose it was, so Qt would wait half a minute for it. A living owner fills it at once, and holds it
+/// (flock) from then on.
+void removeOrphanedLock(const QString& path)
+{
+    constexpr auto longestFilling = std::chrono::milliseconds(200);
+    constexpr auto step = std::chrono::milliseconds(10);
+    QFile lock(path + QStringLiteral(".lock"));
+    for (auto waited = step * 0; lock.exists() && lock.size() == 0; waited += step) {
+        if (waited < longestFilling) {
+            std::this_thread::sleep_for(step);
+            continue;
+        }
+        if (lock.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)
+            && ::flock(lock.handle(), LOCK_EX | LOCK_NB) == 0 && lock.size() == 0)
+            lock.remove();
+        return;
+    }
+}
+
 std::unique_ptr<QSettings> openSettings(const QString& path)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
+    removeOrphanedLock(path);
     auto settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
     if (settings->status() == QSettings::FormatError) {
         settings.reset();
