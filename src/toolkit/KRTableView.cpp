@@ -106,7 +106,7 @@ void KRTableView::_rebuildRows()
     for (qint64 row = 0; row < numberOfRows; ++row) {
         RowInfo& info = m_rowInfo[size_t(row)];
         info.offset = int(total);
-        info.height = std::max(0, m_delegate->tableViewHeightForRow(*this, row));
+        info.height = m_delegate ? std::max(0, m_delegate->tableViewHeightForRow(*this, row)) : 0;
         info.cell.clear();
         // Rows past the end of the number range share its last position rather than wrap around.
         total = std::min<qint64>(total + info.height, std::numeric_limits<int>::max());
@@ -388,6 +388,8 @@ void KRTableView::selectRow(qint64 row)
         return;
     m_documentView->update();
     _fixFirstResponder();
+    if (!self)
+        return;
     KRAnnounceSelection(*this, oldRow, m_selectedRow);
     if (m_delegate)
         m_delegate->tableViewDidSelectRow(*this, m_selectedRow);

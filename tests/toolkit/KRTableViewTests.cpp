@@ -247,6 +247,9 @@ TEST_F(KRTableViewTest, ScrollsAndRemembersOffsets)
         table.scrollToPoint({ 0, y }, KRScrollView::Animated::No);
         EXPECT_EQ(table.isScrolledToTop(), isAtTop) << y;
     }
+    table.hide();
+    table.scrollToPoint({ 0, 50 }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.cellForRow(2)->y(), 27) << "also while nobody sees it";
 }
 
 TEST_F(KRTableViewTest, SelectionClampsAndAlwaysTellsTheDelegate)
@@ -360,6 +363,11 @@ TEST_F(KRTableViewTest, AReloadWaitsForTheScroller)
         ElementsAre(QStringLiteral(
             "ERROR: done scrolling, but scroll view says it's still scrolling, this should never happen")));
     EXPECT_EQ(rows->reloads, reloads + 1);
+    const QPoint place(7, 40);
+    QMouseEvent move(QEvent::MouseMove, place, scroller->mapToGlobal(place), Qt::NoButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(scroller, &move);
+    EXPECT_FALSE(scroller->isScrolling()) << "the mouse was released while the user was ignored";
+    QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
     scroller->hide();
     EXPECT_FALSE(scroller->isScrolling()) << "nothing will release the mouse any more";
 }
