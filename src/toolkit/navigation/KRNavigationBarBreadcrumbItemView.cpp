@@ -184,6 +184,7 @@ void KRNavigationBarBreadcrumbItemView::_drawTitle(QPainter& painter, Embossed e
     painter.setPen(look.color);
     // On the base line of the font that was asked for: letters that come from another one stand beside the
     // others, not higher or lower.
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     const int x = isRightToLeft() ? width() - TitleX - metrics.horizontalAdvance(title) : TitleX;
     painter.drawText(x, y + metrics.ascent(), title);
 }
