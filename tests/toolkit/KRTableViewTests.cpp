@@ -331,6 +331,11 @@ TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1)) << "the selected row came back";
     inner->reloadData();
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    before->setFocus();
+    inner->setFocus();
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(1)) << "a table that is shown again goes on there";
     before->setFocus();
     inner->scrollToRow(30);
     EXPECT_EQ(window.focusWidget(), before);
