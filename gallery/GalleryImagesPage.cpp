@@ -53,6 +53,8 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override
     {
         QPainter painter(this);
+        // Samples and measures are the same for every reader.
+        painter.setLayoutDirection(Qt::LeftToRight);
         const GalleryLook& look = GalleryLook::forPalette(palette());
         painter.fillRect(rect(), look.page);
         int y = Margin;

@@ -6,6 +6,7 @@
 #include "toolkit/KRTableViewCell.h"
 
 #include <QPainter>
+#include <QStyle>
 
 namespace {
 
@@ -52,30 +53,36 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override
     {
         const GalleryLook& look = GalleryLook::forPalette(palette());
+        // From the left edge in left-to-right programs, from the right edge in others.
+        const auto area
+            = [this](const QRect& rect) { return QStyle::visualRect(layoutDirection(), this->rect(), rect); };
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.fillRect(rect(), selected() ? look.selection : look.card);
         if (selected())
-            painter.fillRect(QRect(0, 0, 3, height()), look.accent);
-        painter.fillRect(QRectF(TextX, height() - 1, width() - TextX, 1), look.line);
+            painter.fillRect(area({ 0, 0, 3, height() }), look.accent);
+        painter.fillRect(area({ TextX, height() - 1, width() - TextX, 1 }), look.line);
 
+        const QRect picture = area({ 16, 10, 36, 36 });
         painter.setPen(Qt::NoPen);
         painter.setBrush(QColor::fromHsl(int(m_shownRow * 47 % 360), 110, 130));
-        painter.drawRoundedRect(QRectF(16, 10, 36, 36), 6, 6);
+        painter.drawRoundedRect(picture, 6, 6);
         painter.setPen(Qt::white);
         painter.setFont(GalleryLook::font(11, true));
-        painter.drawText(QRectF(16, 10, 36, 36),
-            Qt::AlignCenter,
-            QString(QChar(int(u'A' + m_shownRow % 26))));
+        painter.drawText(picture, Qt::AlignCenter, QString(QChar(int(u'A' + m_shownRow % 26))));
 
+        // Lines stand at the program's side and are read in their own direction.
+        painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+        const int side = int(Qt::AlignVCenter | Qt::AlignAbsolute)
+            | int(isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
         painter.setPen(look.text);
         painter.setFont(GalleryLook::font(10, true));
-        painter.drawText(QRectF(TextX, 9, width() - TextX - 16, 20), Qt::AlignVCenter, _title());
+        painter.drawText(area({ TextX, 9, width() - TextX - 16, 20 }), side, _title());
         painter.setPen(look.secondaryText);
         painter.setFont(GalleryLook::font(9));
         int y = 29;
         for (const QString& line : detail(m_shownRow).split(u'\n')) {
-            painter.drawText(QRectF(TextX, y, width() - TextX - 16, LineHeight), Qt::AlignVCenter, line);
+            painter.drawText(area({ TextX, y, width() - TextX - 16, LineHeight }), side, line);
             y += LineHeight;
         }
     }

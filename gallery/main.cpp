@@ -2,6 +2,7 @@
 
 #include "GalleryLook.h"
 #include "GalleryNavigationPage.h"
+#include "GalleryTextPage.h"
 #include "GalleryTransitionsPage.h"
 #include "GalleryWindow.h"
 #include "platform/KRQtRunLoopDriver.h"
@@ -18,7 +19,7 @@ struct Options {
     QString page;
     QString screenshotFile;
     int depth = 0;
-    int focusedCrumb = -1;
+    int focused = -1;
     int transition = 0;
     std::chrono::milliseconds time { 0 };
 };
@@ -48,7 +49,7 @@ Options parseOptions()
     add("rtl", QStringLiteral("From right to left."));
     add("depth", QStringLiteral("Pushes that many screens on the navigation page."), QStringLiteral("count"));
     add("focus",
-        QStringLiteral("Gives that crumb of the navigation page the focus."),
+        QStringLiteral("Gives that crumb of the navigation page, or span of the text page, the focus."),
         QStringLiteral("number"));
     add("transition",
         QStringLiteral("Starts the transition of that code on the transitions page."),
@@ -71,9 +72,11 @@ void apply(const Options& options, GalleryWindow& window)
     const KRViewControllerPtr page = window.currentPage();
     if (const auto navigation = std::dynamic_pointer_cast<GalleryNavigationPage>(page)) {
         navigation->pushScreens(options.depth);
-        if (options.focusedCrumb >= 0)
-            navigation->focusCrumb(options.focusedCrumb);
+        if (options.focused >= 0)
+            navigation->focusCrumb(options.focused);
     }
+    if (const auto text = std::dynamic_pointer_cast<GalleryTextPage>(page); text && options.focused >= 0)
+        text->focusSpan(options.focused);
     const auto transitions = std::dynamic_pointer_cast<GalleryTransitionsPage>(page);
     if (transitions && options.transition != 0)
         transitions->play(options.transition);

@@ -74,10 +74,12 @@ int LoadingTableViewCell::heightForTableWidth(int /*width*/)
 
 void LoadingTableViewCell::setState(State state)
 {
-    if (state == State::Loading)
-        setText(tr("Loading…"), Tone::Quiet);
-    else
-        setText(tr("Show older posts"), Tone::Action);
+    setText(textForState(state), state == State::Loading ? Tone::Quiet : Tone::Action);
+}
+
+QString LoadingTableViewCell::textForState(State state)
+{
+    return state == State::Loading ? tr("Loading…") : tr("Show older posts");
 }
 
 void LoadingTableViewCell::mousePressEvent(QMouseEvent* event)
@@ -106,7 +108,12 @@ int EndOfStreamTableViewCell::heightForTableWidth(int /*width*/)
 
 void EndOfStreamTableViewCell::setHasPosts(bool hasPosts)
 {
-    setText(hasPosts ? tr("No older posts") : tr("No posts yet"), Tone::Quiet);
+    setText(textForPosts(hasPosts), Tone::Quiet);
+}
+
+QString EndOfStreamTableViewCell::textForPosts(bool hasPosts)
+{
+    return hasPosts ? tr("No older posts") : tr("No posts yet");
 }
 
 ErrorStreamTableViewCell::ErrorStreamTableViewCell()
@@ -126,5 +133,5 @@ int ErrorStreamTableViewCell::heightForTableWidth(int /*width*/)
 
 void ErrorStreamTableViewCell::setError(const KRError& error)
 {
-    setText(error.description.simplified(), Tone::Error);
+    setText(textForError(error), Tone::Error);
 }

@@ -50,6 +50,7 @@ public:
     static int heightForTableWidth(int width);
 
     void setState(State state);
+    static QString textForState(State state);
     /// Called for each click on the row.
     void setClickHandler(std::function<void()> handler) { m_clicked = std::move(handler); }
 
@@ -71,6 +72,7 @@ public:
 
     /// Whether the list above holds any post.
     void setHasPosts(bool hasPosts);
+    static QString textForPosts(bool hasPosts);
 };
 
 /// A place where loading failed.
@@ -83,4 +85,5 @@ public:
     static int heightForTableWidth(int width);
 
     void setError(const KRError& error);
+    static QString textForError(const KRError& error) { return error.description.simplified(); }
 };

@@ -266,8 +266,21 @@ KRTableViewCell* PelinorStatusListViewController::_statusCell(KRTableView& table
 QString PelinorStatusListViewController::tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row)
 {
     const TwitterStatusPtr status = statusForRow(row);
-    return status && isExactlyAStatus(*status) ? PelinorStatusTableViewCell::accessibleNameForStatus(*status)
-                                               : QString();
+    if (!status)
+        return {};
+    if (isExactlyAStatus(*status))
+        return PelinorStatusTableViewCell::accessibleNameForStatus(*status);
+    // What the row's cell will say when it comes into view.
+    if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get())) {
+        const bool isWaiting = _hasPosts() && m_loadedOlderThan == _oldestStatusID();
+        return LoadingTableViewCell::textForState(
+            isWaiting ? LoadingTableViewCell::State::Waiting : LoadingTableViewCell::State::Loading);
+    }
+    if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get()))
+        return EndOfStreamTableViewCell::textForPosts(_hasPosts());
+    if (const auto* const error = dynamic_cast<const TwitterDummyErrorStatus*>(status.get()))
+        return ErrorStreamTableViewCell::textForError(error->error());
+    return {};
 }
 
 void PelinorStatusListViewController::pelinorCellClickedLink(KRTableViewCell& cell,

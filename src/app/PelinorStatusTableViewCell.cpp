@@ -170,6 +170,8 @@ void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
         _geometry().profileImageFrame(),
         user ? user->profileImage() : nullptr,
         _colors());
+    // Names are read in their own direction.
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     _drawName(painter);
     _drawDate(painter);
     painter.setPen(_colors().text);

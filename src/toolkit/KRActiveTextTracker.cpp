@@ -262,7 +262,11 @@ void KRActiveTextTracker::draw(QPainter& painter) const
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(m_widget.palette().color(QPalette::Highlight), RingWidth));
+    // All four sides show, also around a span at the edge of the widget.
+    const QRectF room = QRectF(m_widget.rect()).adjusted(1, 1, -1, -1);
     for (const QRectF& rect : m_renderer.rectArrayForRange(*m_focusedRange))
-        painter.drawRoundedRect(rect.translated(m_origin).adjusted(-1, 0, 1, 0), RingRadius, RingRadius);
+        painter.drawRoundedRect(rect.translated(m_origin).adjusted(-1, 0, 1, 0) & room,
+            RingRadius,
+            RingRadius);
     painter.restore();
 }

@@ -20,6 +20,24 @@ using Unit = KRTextSelection::Unit;
 
 constexpr int PreferredWidth = 320;
 
+bool movesCaret(const QKeyEvent& event)
+{
+    // With other modifiers the same keys mean something to the window.
+    if (event.modifiers() & (Qt::AltModifier | Qt::MetaModifier))
+        return false;
+    switch (event.key()) {
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 KRActiveTextView::KRActiveTextView(QWidget* parent)
@@ -172,11 +190,13 @@ void KRActiveTextView::mouseDoubleClickEvent(QMouseEvent* event)
 
 bool KRActiveTextView::event(QEvent* event)
 {
-    // A window's menus have the same shortcuts; here they mean this text.
+    // A window's menus and the views around have a use for the same keys; here they mean this text.
     if (event->type() == QEvent::ShortcutOverride) {
         const auto* const key = static_cast<QKeyEvent*>(event);
-        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll))
+        if (key->matches(QKeySequence::Copy) || key->matches(QKeySequence::SelectAll) || movesCaret(*key)) {
             event->accept();
+            return true;
+        }
     }
     return QWidget::event(event);
 }
@@ -193,6 +213,8 @@ void KRActiveTextView::keyPressEvent(QKeyEvent* event)
 
 bool KRActiveTextView::_moveCaret(const QKeyEvent& event)
 {
+    if (!movesCaret(event))
+        return false;
     const Extend extend = event.modifiers() & Qt::ShiftModifier ? Extend::Yes : Extend::No;
     const Unit unit = event.modifiers() & Qt::ControlModifier ? Unit::Word : Unit::Character;
     const bool isRightToLeft = m_attributedString.direction() == Qt::RightToLeft;

@@ -7,6 +7,12 @@
 
 namespace {
 
+bool isDrag(const QEvent& event)
+{
+    return event.type() == QEvent::DragEnter || event.type() == QEvent::DragMove
+        || event.type() == QEvent::Drop;
+}
+
 bool isUserInput(const QEvent& event)
 {
     switch (event.type()) {
@@ -28,12 +34,9 @@ bool isUserInput(const QEvent& event)
     case QEvent::TabletMove:
     case QEvent::TabletRelease:
     case QEvent::NativeGesture:
-    case QEvent::DragEnter:
-    case QEvent::DragMove:
-    case QEvent::Drop:
         return true;
     default:
-        return false;
+        return isDrag(event);
     }
 }
 
@@ -80,7 +83,8 @@ bool KRApplication::notify(QObject* receiver, QEvent* event)
     // leave the mouse caught by the widget that was pressed. What it passes on to its widgets ends here.
     if (receiver->inherits("QWidgetWindow"))
         return QApplication::notify(receiver, event);
-    event->accept();
+    // What is dragged over a window was not taken: whoever moves something must not think it has arrived.
+    event->setAccepted(!isDrag(*event));
     return true;
 }
 

@@ -86,6 +86,12 @@ void KRScrollView::_updateScroller()
 
 void KRScrollView::scrollContentsBy(int /*dx*/, int dy)
 {
-    viewport()->scroll(0, dy);
+    if (viewport()->isVisible()) {
+        viewport()->scroll(0, dy);
+    } else {
+        // A widget that is not visible leaves its children where they are.
+        for (QWidget* child : viewport()->findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly))
+            child->move(child->x(), child->y() + dy);
+    }
     didScroll();
 }

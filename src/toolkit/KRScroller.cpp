@@ -110,6 +110,8 @@ KRScroller::KRScroller(QWidget* parent)
     style->setParent(this);
     setStyle(style);
     setContextMenuPolicy(Qt::NoContextMenu);
+    // See mouseMoveEvent().
+    setMouseTracking(true);
 }
 
 KRScroller::~KRScroller() = default;
@@ -126,6 +128,14 @@ void KRScroller::mousePressEvent(QMouseEvent* event)
 {
     m_isScrolling = true;
     QScrollBar::mousePressEvent(event);
+}
+
+void KRScroller::mouseMoveEvent(QMouseEvent* event)
+{
+    // The release never came here: the user was being ignored when the button went up.
+    if (event->buttons() == Qt::NoButton)
+        _mouseIsUp();
+    QScrollBar::mouseMoveEvent(event);
 }
 
 void KRScroller::mouseReleaseEvent(QMouseEvent* event)

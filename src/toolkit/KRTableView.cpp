@@ -22,6 +22,8 @@ namespace {
 constexpr int ScrolledToTopLimit = 3;
 constexpr qreal PageForward = 1.5;
 constexpr qreal PageBack = 0.5;
+// The table itself wants the focus, not the row it would otherwise go to.
+constexpr Qt::FocusReason TakenByTable = Qt::NoFocusReason;
 
 } // namespace
 
@@ -106,7 +108,7 @@ void KRTableView::_rebuildRows()
     for (qint64 row = 0; row < numberOfRows; ++row) {
         RowInfo& info = m_rowInfo[size_t(row)];
         info.offset = int(total);
-        info.height = std::max(0, m_delegate->tableViewHeightForRow(*this, row));
+        info.height = m_delegate ? std::max(0, m_delegate->tableViewHeightForRow(*this, row)) : 0;
         info.cell.clear();
         // Rows past the end of the number range share its last position rather than wrap around.
         total = std::min<qint64>(total + info.height, std::numeric_limits<int>::max());
@@ -388,6 +390,8 @@ void KRTableView::selectRow(qint64 row)
         return;
     m_documentView->update();
     _fixFirstResponder();
+    if (!self)
+        return;
     KRAnnounceSelection(*this, oldRow, m_selectedRow);
     if (m_delegate)
         m_delegate->tableViewDidSelectRow(*this, m_selectedRow);
@@ -395,7 +399,7 @@ void KRTableView::selectRow(qint64 row)
 
 void KRTableView::_makeFirstResponder(QWidget& view)
 {
-    view.setFocus(Qt::OtherFocusReason);
+    view.setFocus(&view == this ? TakenByTable : Qt::OtherFocusReason);
 }
 
 void KRTableView::_fixFirstResponder()
@@ -448,12 +452,12 @@ void KRTableView::previousPage()
 void KRTableView::focusInEvent(QFocusEvent* event)
 {
     KRScrollView::focusInEvent(event);
-    // Whoever comes by keyboard goes on at the selected row, and sees where the focus is without one.
-    const bool isFromKeyboard = event->reason() == Qt::TabFocusReason
-        || event->reason() == Qt::BacktabFocusReason || event->reason() == Qt::ShortcutFocusReason;
-    if (isFromKeyboard && selectedCell()) {
+    // Whoever comes goes on at the selected row, and sees where the focus is without one.
+    if (event->reason() == Qt::MouseFocusReason)
+        return;
+    if (event->reason() != TakenByTable && selectedCell()) {
         _fixFirstResponder();
-    } else if (event->reason() != Qt::MouseFocusReason) {
+    } else {
         m_focusRing->raise();
         m_focusRing->show();
     }
@@ -468,7 +472,7 @@ void KRTableView::focusOutEvent(QFocusEvent* event)
 bool KRTableView::leaveWithTab(bool next)
 {
     // From the table on: its cells are no stops of their own, and behind the table comes what is behind them.
-    setFocus(Qt::OtherFocusReason);
+    setFocus(TakenByTable);
     const bool hasLeft = focusNextPrevChild(next);
     if (hasFocus())
         _fixFirstResponder();

@@ -229,7 +229,10 @@ TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
     auto* const waiting = qobject_cast<LoadingTableViewCell*>(table().cellForRow(33));
     ASSERT_NE(waiting, nullptr);
     EXPECT_EQ(waiting->text(), QStringLiteral("Show older posts"));
-    QTest::mouseClick(waiting, Qt::LeftButton);
+    table().scrollToRow(0);
+    EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 33), QStringLiteral("Show older posts"));
+    table().scrollToRow(33);
+    QTest::mouseClick(table().cellForRow(33), Qt::LeftButton);
     EXPECT_EQ(account.stream->olderLoads, 2);
 
     account.stream->setStatuses(posts(102, 60));
@@ -239,6 +242,7 @@ TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
     account.stream->setStatuses(posts(102, 70));
     table().scrollToRow(71);
     EXPECT_EQ(account.stream->olderLoads, 3);
+    EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 71), QStringLiteral("No older posts"));
 }
 
 TEST_F(PelinorStatusListTest, SelectingMarksAsRead)

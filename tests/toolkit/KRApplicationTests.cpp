@@ -2,6 +2,7 @@
 #include "toolkit/KRApplication.h"
 
 #include <QAction>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -45,6 +46,9 @@ TEST(KRApplicationTests, WhileTheUserIsIgnoredInputIsDroppedAndNotKept)
     application.beginIgnoringUserInteraction();
     application.beginIgnoringUserInteraction();
     EXPECT_FALSE(tryEverything());
+    QDropEvent drop({ 5, 5 }, Qt::MoveAction, nullptr, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(field, &drop);
+    EXPECT_FALSE(drop.isAccepted()) << "who moves something here keeps it";
     application.endIgnoringUserInteraction();
     EXPECT_FALSE(tryEverything());
     EXPECT_EQ(clicks + triggers, 0);

@@ -1,6 +1,7 @@
 #include "KRTestScreen.h"
 #include "support/KRManualClock.h"
 #include "support/KRTestLog.h"
+#include "toolkit/KRActiveTextView.h"
 #include "toolkit/KRApplication.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbView.h"
@@ -129,11 +130,14 @@ TEST_F(KRNavigationTests, KeysButtonsAndSwipesGoBack)
     EXPECT_EQ(back([&] { QTest::keyClick(window.focusWidget(), Qt::Key_Left); }), 1U);
     EXPECT_EQ(back([&] { QTest::keyClick(window.focusWidget(), Qt::Key_Escape); }), 0U);
 
-    // Left moves through the text of a field.
+    // Left moves through the text of a field, and through one that is there to be read.
     pushAll();
     QLineEdit field(screens[3]->view());
-    field.show();
-    EXPECT_EQ(back([&] { QTest::keyClick(&field, Qt::Key_Left); }), 0U);
+    KRActiveTextView text(screens[3]->view());
+    for (QWidget* const view : { static_cast<QWidget*>(&field), static_cast<QWidget*>(&text) }) {
+        view->show();
+        EXPECT_EQ(back([&] { QTest::keyClick(view, Qt::Key_Left); }), 0U);
+    }
 
     const auto gesture = [&](Qt::NativeGestureType type, double value, QPointF delta) {
         QNativeGestureEvent

@@ -247,6 +247,9 @@ TEST_F(KRTableViewTest, ScrollsAndRemembersOffsets)
         table.scrollToPoint({ 0, y }, KRScrollView::Animated::No);
         EXPECT_EQ(table.isScrolledToTop(), isAtTop) << y;
     }
+    table.hide();
+    table.scrollToPoint({ 0, 50 }, KRScrollView::Animated::No);
+    EXPECT_EQ(table.cellForRow(2)->y(), 27) << "also while nobody sees it";
 }
 
 TEST_F(KRTableViewTest, SelectionClampsAndAlwaysTellsTheDelegate)
@@ -328,6 +331,11 @@ TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1)) << "the selected row came back";
     inner->reloadData();
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
+    QApplication::setActiveWindow(&window);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    before->setFocus();
+    inner->setFocus();
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(1)) << "a table that is shown again goes on there";
     before->setFocus();
     inner->scrollToRow(30);
     EXPECT_EQ(window.focusWidget(), before);
@@ -360,6 +368,11 @@ TEST_F(KRTableViewTest, AReloadWaitsForTheScroller)
         ElementsAre(QStringLiteral(
             "ERROR: done scrolling, but scroll view says it's still scrolling, this should never happen")));
     EXPECT_EQ(rows->reloads, reloads + 1);
+    const QPoint place(7, 40);
+    QMouseEvent move(QEvent::MouseMove, place, scroller->mapToGlobal(place), Qt::NoButton, Qt::NoButton, {});
+    QCoreApplication::sendEvent(scroller, &move);
+    EXPECT_FALSE(scroller->isScrolling()) << "the mouse was released while the user was ignored";
+    QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
     scroller->hide();
     EXPECT_FALSE(scroller->isScrolling()) << "nothing will release the mouse any more";
 }

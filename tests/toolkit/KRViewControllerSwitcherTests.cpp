@@ -248,6 +248,33 @@ TEST_F(KRViewControllerSwitcherTests, ViewsThatVanishMidwayAreMadeAgain)
     EXPECT_TRUE(c->view()->isVisible());
 }
 
+TEST_F(KRViewControllerSwitcherTests, WhoeverHearsOfTheFocusMayDestroyWhatItLeaves)
+{
+    QApplication::setActiveWindow(window.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    const std::function<void()> destructions[]
+        = { [this] { delete a->view(); }, [this] { switcher.reset(); } };
+    for (const auto& destroy : destructions) {
+        for (const int code : { 0, int(KRTransitionFade) }) {
+            showFirst();
+            bool isDone = false;
+            QObject context;
+            QObject::connect(qApp, &QApplication::focusChanged, &context, [&] {
+                if (!std::exchange(isDone, true))
+                    destroy();
+            });
+            switcher->switchToViewController(b, code);
+            clock.advance(400ms);
+            EXPECT_TRUE(isDone);
+            EXPECT_FALSE(isUserIgnored());
+            if (!switcher) {
+                switcher = std::make_unique<KRViewControllerSwitcher>();
+                switcher->setTargetView(content);
+            }
+        }
+    }
+}
+
 TEST_F(KRViewControllerSwitcherTests, FramesOfAnySizeWork)
 {
     for (const QRect& frame : { QRect(0, 0, 0, 0),

@@ -79,6 +79,14 @@ int KRTextLayout::PositionMap::toText(int position) const
     return position - low;
 }
 
+int KRTextLayout::PositionMap::isolateAround(int position) const
+{
+    // They come in pairs.
+    const int insertionsInFront = position - toText(position);
+    return insertionsInFront % 2 == 1 ? m_insertions[size_t(insertionsInFront) - 1] + insertionsInFront - 1
+                                      : -1;
+}
+
 QString KRTextLayout::_textToLayOut(const KRAttributedString& attributedString, PositionMap& positions)
 {
     constexpr QChar LeftToRightIsolate(0x2066);
@@ -136,19 +144,23 @@ qreal KRTextLayout::_layOutPieces(const KRAttributedString& attributedString,
     do {
         int length = pieceLength(text, start);
         const bool isLastPiece = start + length == textLength;
+        // A range that was cut goes on being isolated.
+        const int isolate = positions.isolateAround(start);
+        const QString opening = isolate < 0 ? QString() : QString(text.at(isolate));
+        const int openingLength = int(opening.size());
         QTextLayout& layout = layoutForPiece();
         layout.setFont(attributedString.font());
         layout.setTextOption(option);
-        layout.setText(length == textLength ? text : text.mid(start, length));
+        layout.setText(length == textLength ? text : opening + text.mid(start, length));
         y = layOutLines(layout, lineWidth, y);
         int lineCount = layout.lineCount();
-        if (!isLastPiece && lineCount > 1) {
+        if (!isLastPiece && lineCount > 1 && layout.lineAt(lineCount - 1).textStart() > openingLength) {
             // What follows may belong on the last line too: the next piece begins with it.
             const QTextLine last = layout.lineAt(--lineCount);
-            length = last.textStart();
+            length = last.textStart() - openingLength;
             y = last.y();
         }
-        take(layout, start, lineCount);
+        take(layout, start - openingLength, lineCount);
         start += length;
     } while (start < textLength);
     return y;
@@ -170,8 +182,16 @@ void KRTextLayout::layOut(const KRAttributedString& attributedString, qreal widt
         },
         [this](QTextLayout& layout, int offset, int lineCount) {
             for (int number = 0; number < lineCount; ++number)
-                m_lines.push_back(Line(layout.lineAt(number), offset, m_positions));
+                _addLine(Line(layout.lineAt(number), offset, m_positions));
         });
+}
+
+void KRTextLayout::_addLine(Line line)
+{
+    // One that begins a piece may have the opening of an isolate in front of what belongs to it.
+    if (!m_lines.empty())
+        line.m_start = std::max(line.m_start, m_lines.back().m_end);
+    m_lines.push_back(line);
 }
 
 qreal KRTextLayout::height(const KRAttributedString& attributedString, qreal width)
@@ -201,7 +221,8 @@ KRTextLayout::Line::Line(const QTextLine& line, int offset, const PositionMap& p
 
 int KRTextLayout::Line::caretAt(qreal x) const
 {
-    return m_positions->toText(m_offset + m_line.xToCursor(x, QTextLine::CursorBetweenCharacters));
+    return std::max(m_start,
+        m_positions->toText(m_offset + m_line.xToCursor(x, QTextLine::CursorBetweenCharacters)));
 }
 
 qreal KRTextLayout::Line::caretX(int position) const

@@ -26,6 +26,9 @@ class KRTextLayout {
         [[nodiscard]] int toLayout(int position) const;
         /// Which character of the text is laid out there; for a control character the next one.
         [[nodiscard]] int toText(int position) const;
+        /// Where in what is laid out the isolated range begins that the character laid out there is in the
+        /// middle of; negative when it is in none.
+        [[nodiscard]] int isolateAround(int position) const;
 
     private:
         std::vector<int> m_insertions;
@@ -82,6 +85,7 @@ private:
         PositionMap& positions,
         LayoutForPiece layoutForPiece,
         Take take);
+    void _addLine(Line line);
     static QString _textToLayOut(const KRAttributedString& attributedString, PositionMap& positions);
 
     std::vector<std::unique_ptr<QTextLayout>> m_pieces;

@@ -1,7 +1,7 @@
 #include "toolkit/navigation/KRNavigationBar.h"
 
 #include "toolkit/KRViewFrame.h"
-#include "toolkit/navigation/KRFadeyView.h"
+#include "toolkit/navigation/FadeyView.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbView.h"
 #include "toolkit/navigation/KRNavigationBarLook.h"
@@ -27,7 +27,7 @@ constexpr QColor Light(0xE4, 0xE4, 0xE4);
 KRNavigationBar::KRNavigationBar(QWidget* parent)
     : QWidget(parent)
     , m_breadcrumbs(new KRNavigationBarBreadcrumbView(this))
-    , m_fadeyView(new KRFadeyView(this))
+    , m_fadeyView(new FadeyView(this))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     // The bar is light everywhere, and so is what is put into it.
@@ -40,6 +40,12 @@ KRNavigationBar::~KRNavigationBar()
     // The items own their views.
     if (m_currentRightView)
         m_currentRightView->setParent(nullptr);
+}
+
+void KRNavigationBar::setDelegate(KRNavigationBarDelegate* delegate)
+{
+    m_delegate = delegate;
+    m_breadcrumbs->setDelegate(delegate);
 }
 
 void KRNavigationBar::setFrame(const QRect& frame)
@@ -56,8 +62,9 @@ KRNavigationBar::Item KRNavigationBar::topNavigationItem() const
 
 void KRNavigationBar::pushNavigationItem(Item item, KRAnimated /*animated*/)
 {
-    m_breadcrumbs->pushBreadcrumb(std::make_unique<KRNavigationBarBreadcrumbItemView>(item,
-        [this](const KRNavigationBarBreadcrumbItemView& crumb) { clickBreadcrumb(crumb); }));
+    auto crumb = std::make_unique<KRNavigationBarBreadcrumbItemView>(item);
+    crumb->setTarget(this, &KRNavigationBar::clickBreadcrumb);
+    m_breadcrumbs->pushBreadcrumb(std::move(crumb));
     m_navigationItems.push_back(std::move(item));
     _updateView();
 }

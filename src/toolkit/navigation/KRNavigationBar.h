@@ -6,7 +6,7 @@
 
 #include <vector>
 
-class KRFadeyView;
+class FadeyView;
 class KRNavigationBar;
 class KRNavigationBarBreadcrumbItemView;
 class KRNavigationBarBreadcrumbView;
@@ -45,7 +45,7 @@ public:
 
     KRNavigationBarDelegate* delegate() const { return m_delegate; }
     /// Not owned: it outlives the bar or takes itself off it.
-    void setDelegate(KRNavigationBarDelegate* delegate) { m_delegate = delegate; }
+    void setDelegate(KRNavigationBarDelegate* delegate);
 
     using Item = std::shared_ptr<KRNavigationItem>;
     // The bar shows the change at once, whether animated or not.
@@ -83,6 +83,6 @@ private:
     KRNavigationBarDelegate* m_delegate = nullptr;
     std::vector<Item> m_navigationItems;
     KRNavigationBarBreadcrumbView* m_breadcrumbs = nullptr;
-    KRFadeyView* m_fadeyView = nullptr;
+    FadeyView* m_fadeyView = nullptr;
     QPointer<QWidget> m_currentRightView;
 };

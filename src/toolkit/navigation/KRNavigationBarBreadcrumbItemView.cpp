@@ -23,7 +23,6 @@ constexpr int TitleX = 10;
 // Where the title's first line begins when it is as high as that; other fonts have the same middle.
 constexpr int TitleTop = 7;
 constexpr int TitleLineHeight = 13;
-constexpr int TitleHeight = 20;
 constexpr int DividerWidth = 11;
 constexpr int DividerHeight = 26;
 constexpr int FontSize = 10;
@@ -63,10 +62,8 @@ double boundingWidth(const QString& title, const QFont& font)
 
 } // namespace
 
-KRNavigationBarBreadcrumbItemView::KRNavigationBarBreadcrumbItemView(std::shared_ptr<KRNavigationItem> item,
-    Action action)
+KRNavigationBarBreadcrumbItemView::KRNavigationBarBreadcrumbItemView(std::shared_ptr<KRNavigationItem> item)
     : m_navigationItem(std::move(item))
-    , m_action(std::move(action))
 {
     setFocusPolicy(Qt::TabFocus);
     setText(m_navigationItem->title());
@@ -119,7 +116,7 @@ void KRNavigationBarBreadcrumbItemView::_setSelected(bool selected)
 void KRNavigationBarBreadcrumbItemView::click()
 {
     // A copy: the action may destroy the crumb.
-    const Action action = m_action;
+    const auto action = m_action;
     if (action)
         action(*this);
 }
@@ -179,15 +176,17 @@ void KRNavigationBarBreadcrumbItemView::_drawTitle(QPainter& painter, Embossed e
     const Attributes look = attributesEmbossed(embossed, isSelected());
     const QFontMetrics metrics(look.font);
     const int y = top + (TitleLineHeight - metrics.height()) / 2;
-    const QRect area(TitleX, y, width() - TitleX - DividerWidth, std::max(TitleHeight, metrics.height()));
-    const QString title
-        = metrics.elidedText(shownTitle(m_text), Qt::ElideRight, area.width(), Qt::TextSingleLine);
+    const QString title = metrics.elidedText(shownTitle(m_text),
+        Qt::ElideRight,
+        width() - TitleX - DividerWidth,
+        Qt::TextSingleLine);
     painter.setFont(look.font);
     painter.setPen(look.color);
-    painter.drawText(QStyle::visualRect(layoutDirection(), rect(), area),
-        int(Qt::TextSingleLine | Qt::AlignTop | Qt::AlignAbsolute)
-            | int(isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft),
-        title);
+    // On the base line of the font that was asked for: letters that come from another one stand beside the
+    // others, not higher or lower.
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    const int x = isRightToLeft() ? width() - TitleX - metrics.horizontalAdvance(title) : TitleX;
+    painter.drawText(x, y + metrics.ascent(), title);
 }
 
 void KRNavigationBarBreadcrumbItemView::paintEvent(QPaintEvent* /*event*/)

@@ -15,13 +15,21 @@ class KRNavigationBarBreadcrumbItemView : public QWidget {
     Q_OBJECT
 
 public:
-    using Action = std::function<void(const KRNavigationBarBreadcrumbItemView& crumb)>;
-
     /// Shows the item's title as it is now.
-    KRNavigationBarBreadcrumbItemView(std::shared_ptr<KRNavigationItem> item, Action action);
+    explicit KRNavigationBarBreadcrumbItemView(std::shared_ptr<KRNavigationItem> item);
     ~KRNavigationBarBreadcrumbItemView() override;
 
+    /// What a click calls. The target outlives the crumb.
+    template <class Target>
+    void setTarget(Target* target, void (Target::*action)(const KRNavigationBarBreadcrumbItemView& crumb))
+    {
+        m_action
+            = [target, action](const KRNavigationBarBreadcrumbItemView& crumb) { (target->*action)(crumb); };
+    }
+
     const std::shared_ptr<KRNavigationItem>& navigationItem() const { return m_navigationItem; }
+    /// Leaves the text as it is.
+    void setNavigationItem(std::shared_ptr<KRNavigationItem> item) { m_navigationItem = std::move(item); }
     /// The whole title.
     const QString& text() const { return m_text; }
     void setText(const QString& text);
@@ -56,7 +64,7 @@ private:
 
     std::shared_ptr<KRNavigationItem> m_navigationItem;
     QString m_text;
-    Action m_action;
+    std::function<void(const KRNavigationBarBreadcrumbItemView& crumb)> m_action;
     struct {
         bool selected : 1;
     } m_flags {};

@@ -1,5 +1,6 @@
 #include "toolkit/navigation/KRNavigationBarBreadcrumbView.h"
 
+#include "toolkit/KRViewFrame.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 
 #include <QEvent>
@@ -20,6 +21,11 @@ KRNavigationBarBreadcrumbView::KRNavigationBarBreadcrumbView(QWidget* parent)
 }
 
 KRNavigationBarBreadcrumbView::~KRNavigationBarBreadcrumbView() = default;
+
+void KRNavigationBarBreadcrumbView::setFrame(const QRect& frame)
+{
+    KRSetViewFrame(*this, frame);
+}
 
 void KRNavigationBarBreadcrumbView::pushBreadcrumb(std::unique_ptr<KRNavigationBarBreadcrumbItemView> crumb)
 {

@@ -6,6 +6,7 @@
 #include <vector>
 
 class KRNavigationBarBreadcrumbItemView;
+class KRNavigationBarDelegate;
 
 /// The crumbs of a navigation bar beside each other, oldest first. When they find no room, the oldest slide
 /// out past the start so that the newest stays whole. Main thread.
@@ -15,6 +16,12 @@ class KRNavigationBarBreadcrumbView : public QWidget {
 public:
     explicit KRNavigationBarBreadcrumbView(QWidget* parent);
     ~KRNavigationBarBreadcrumbView() override;
+
+    KRNavigationBarDelegate* delegate() const { return m_delegate; }
+    /// The bar's own. Not owned.
+    void setDelegate(KRNavigationBarDelegate* delegate) { m_delegate = delegate; }
+
+    void setFrame(const QRect& frame);
 
     void pushBreadcrumb(std::unique_ptr<KRNavigationBarBreadcrumbItemView> crumb);
     /// Removes the newest, where there is one.
@@ -34,5 +41,6 @@ protected:
 private:
     void _fixBreadcrumbs();
 
+    KRNavigationBarDelegate* m_delegate = nullptr;
     std::vector<KRNavigationBarBreadcrumbItemView*> m_breadcrumbs;
 };

@@ -58,6 +58,10 @@ bool KRNavigationControllerView::event(QEvent* event)
         // Comes before every press, also of those that a view keeps to itself without a use for them.
         m_pressedKeys.insert(static_cast<QKeyEvent*>(event)->key());
         break;
+    case QEvent::WindowDeactivate:
+        // They are let go of over another window.
+        m_pressedKeys.clear();
+        break;
     case QEvent::NativeGesture:
         if (_gestureEvent(*static_cast<QNativeGestureEvent*>(event)))
             return true;

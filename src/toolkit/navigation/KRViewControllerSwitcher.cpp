@@ -159,8 +159,11 @@ bool KRViewControllerSwitcher::_transitionInMotion(int code, QWidget& oldView, Q
         this,
         &KRViewControllerSwitcher::_transitionViewWentAway);
     m_transitionView->show();
+    const QPointer<KRViewControllerSwitcher> self(this);
+    const QPointer<QWidget> leavingView(&oldView);
     m_transitionView->setFocus();
-    _removeView(oldView);
+    if (self && leavingView)
+        _removeView(*leavingView);
     return true;
 }
 
@@ -181,10 +184,15 @@ bool KRViewControllerSwitcher::beginTransition(int code,
 
 void KRViewControllerSwitcher::_swapInstantly(QWidget* oldView, QWidget* newView)
 {
-    // The focus moves first: a view that is taken away with it would hand it to whatever comes next.
+    const QPointer<KRViewControllerSwitcher> self(this);
+    const QPointer<QWidget> leavingView(oldView != newView ? oldView : nullptr);
+    // The focus moves first: a view that is taken away with it would hand it to whatever comes next. Whoever
+    // hears of it may destroy any of these.
     _showNewView(newView);
-    if (oldView && oldView != newView)
-        _removeView(*oldView);
+    if (!self)
+        return;
+    if (leavingView)
+        _removeView(*leavingView);
     m_ignoredUserInteraction.reset();
     _post_swap();
 }
@@ -204,8 +212,10 @@ void KRViewControllerSwitcher::_showNewView(QWidget* newView)
         return;
     if (newView->parentWidget() != m_targetView)
         _placeView(*newView);
+    const QPointer<QWidget> shownView(newView);
     newView->show();
-    newView->setFocus();
+    if (shownView)
+        shownView->setFocus();
 }
 
 // The end of a transition
@@ -226,11 +236,13 @@ void KRViewControllerSwitcher::transitionDidFinish(KRViewControllerSwitcherTrans
 {
     m_finishTimer.invalidate();
     m_transition.reset();
+    const QPointer<KRViewControllerSwitcher> self(this);
     _showNewView(m_targetView ? m_newViewController->view() : nullptr);
+    if (!self)
+        return;
     _removeTransitionView();
     m_ignoredUserInteraction.reset();
 
-    const QPointer<KRViewControllerSwitcher> self(this);
     const bool wasSwitching = std::exchange(m_isSwitching, true);
     _post_swap();
     if (!self)

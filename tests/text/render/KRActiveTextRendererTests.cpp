@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr qreal Unbounded = KRActiveTextRenderer::UnboundedHeight;
@@ -250,6 +252,18 @@ TEST(KRActiveTextRendererTests, LongTextsWrapAsIfTheyWereShort)
         ASSERT_EQ(rects.size(), 1) << name.location;
         EXPECT_EQ(rects.first().left(), 0);
         EXPECT_EQ(renderer.activeRangeAtPoint(rects.first().center()), name);
+    }
+
+    setText(renderer, u"שלום http://example.org/"_s + QString(5000, u'-') + u'a', width);
+    const KRRange link = renderer.activeTextRanges().links().first();
+    QRectF before;
+    for (qsizetype at = link.location; at < link.end(); ++at) {
+        const QRectF rect = renderer.rectArrayForRange({ at, 1 }).value(0);
+        ASSERT_FALSE(rect.isEmpty()) << at;
+        ASSERT_TRUE(rect.top() > before.top() || rect.left() > before.left()) << at;
+        const qsizetype caret = renderer.characterIndexAtPoint(rect.center());
+        ASSERT_TRUE(caret == at || caret == at + 1) << at << ' ' << caret;
+        before = rect;
     }
 }
 

@@ -1,19 +1,19 @@
-#include "toolkit/navigation/KRFadeyView.h"
+#include "toolkit/navigation/FadeyView.h"
 
 #include "toolkit/images/KRGradient.h"
 #include "toolkit/navigation/KRNavigationBarLook.h"
 
 #include <QPainter>
 
-KRFadeyView::KRFadeyView(QWidget* parent)
+FadeyView::FadeyView(QWidget* parent)
     : QWidget(parent)
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
 
-KRFadeyView::~KRFadeyView() = default;
+FadeyView::~FadeyView() = default;
 
-void KRFadeyView::paintEvent(QPaintEvent* /*event*/)
+void FadeyView::paintEvent(QPaintEvent* /*event*/)
 {
     static const KRGradient fade(KRColor::rgba(0, 0, 0, 1), KRColor::rgba(0, 0, 0, 0));
     QPixmap background(size() * devicePixelRatioF());
