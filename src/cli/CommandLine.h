@@ -14,6 +14,8 @@ struct CommandLine {
     QString account;
     bool passwordFromStandardInput = false;
     bool asJSON = false;
+    /// Whether all of the log is shown.
+    bool isVerbose = false;
     bool showsHelp = false;
     std::optional<int> count;
     std::optional<int> page;
