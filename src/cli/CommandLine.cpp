@@ -75,11 +75,6 @@ QString synopsisOf(const CommandForm& form)
     return QString::fromLatin1(form.usage).section(u"  "_s, 0, 0);
 }
 
-KRError wrongUsage(const QString& description)
-{
-    return errorWithDomain(u"com.kestrin.pelinor.usage"_s, 2, description);
-}
-
 /// Walks the arguments; `error` is set by the first that is wrong.
 class Parser {
 public:
@@ -103,7 +98,8 @@ private:
     void _take(const QString& argument)
     {
         // Behind the command a single dash begins a text, or is one.
-        const bool isOption = m_line.command.isNull() ? argument.startsWith(u'-') : argument.startsWith(u"--");
+        const bool isOption
+            = m_line.command.isNull() ? argument.startsWith(u'-') : argument.startsWith(u"--");
         if (m_optionsEnded || !isOption || argument == u"--") {
             if (argument == u"--" && !m_optionsEnded)
                 m_optionsEnded = true;
@@ -147,7 +143,7 @@ private:
         else if (option == u"--write")
             m_line.writes = _flag(option, Write);
         else
-            m_error = wrongUsage(u"There is no option %1"_s.arg(option));
+            m_error = CommandLine::wrongUsage(u"There is no option %1"_s.arg(option));
     }
 
     QString _value(const QString& option)
@@ -155,7 +151,7 @@ private:
         // The next option is no value that was forgotten.
         if (m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(u"--"))
             return m_arguments.at(m_next++);
-        m_error = wrongUsage(u"%1 needs a value"_s.arg(option));
+        m_error = CommandLine::wrongUsage(u"%1 needs a value"_s.arg(option));
         return {};
     }
 
@@ -176,7 +172,7 @@ private:
         bool isNumber = false;
         const int number = _limit(option, bit).toInt(&isNumber);
         if (!m_error && (!isNumber || number < 0))
-            m_error = wrongUsage(u"%1 needs a number"_s.arg(option));
+            m_error = CommandLine::wrongUsage(u"%1 needs a number"_s.arg(option));
         return number;
     }
 
@@ -184,16 +180,16 @@ private:
     {
         const CommandForm* form = formOf(m_line.command);
         if (m_line.command.isNull())
-            m_error = wrongUsage(u"A command is missing"_s);
+            m_error = CommandLine::wrongUsage(u"A command is missing"_s);
         else if (!form)
-            m_error = wrongUsage(u"There is no command \"%1\""_s.arg(m_line.command));
+            m_error = CommandLine::wrongUsage(u"There is no command \"%1\""_s.arg(m_line.command));
         else if (m_line.arguments.size() != form->arguments)
-            m_error = wrongUsage(u"Usage: pelinor-cli %1"_s.arg(synopsisOf(*form)));
+            m_error = CommandLine::wrongUsage(u"Usage: pelinor-cli %1"_s.arg(synopsisOf(*form)));
         else if (m_line.passwordFromStandardInput && m_line.account.isEmpty())
-            m_error = wrongUsage(u"--password-stdin needs --account NAME"_s);
+            m_error = CommandLine::wrongUsage(u"--password-stdin needs --account NAME"_s);
         for (const auto& [option, bit] : std::as_const(m_usedOptions)) {
             if (!m_error && !(bit & form->options))
-                m_error = wrongUsage(u"\"%1\" does not take %2"_s.arg(m_line.command, option));
+                m_error = CommandLine::wrongUsage(u"\"%1\" does not take %2"_s.arg(m_line.command, option));
         }
     }
 
@@ -210,6 +206,11 @@ private:
 KRResult<CommandLine> CommandLine::parse(const QStringList& arguments)
 {
     return Parser(arguments).run();
+}
+
+KRError CommandLine::wrongUsage(const QString& description)
+{
+    return errorWithDomain(QString::fromUtf16(usageErrorDomain), 2, description);
 }
 
 bool CommandLine::takesText() const
