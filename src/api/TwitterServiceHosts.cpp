@@ -18,6 +18,11 @@ KRError serviceError(const QString& description)
 constexpr auto httpPrefix = "http://"_L1;
 constexpr auto httpsPrefix = "https://"_L1;
 
+KRError unprotectedError(const QString& value)
+{
+    return serviceError(u"%1 would take the password unprotected: only https is used there"_s.arg(value));
+}
+
 // A name or number that never leaves this computer; the host as QUrl writes it.
 bool isLoopbackHost(const QString& host)
 {
@@ -78,7 +83,7 @@ TwitterServiceHosts::uploadURLForPath(const QString& path, const char* key, Serv
     const QUrl written(isPlain || isSecure ? value : httpPrefix + value, QUrl::StrictMode);
     const bool isLocal = isLoopbackHost(written.host());
     if (isPlain && !isLocal)
-        return serviceError(u"%1 would take the password unprotected: only https is used there"_s.arg(value));
+        return unprotectedError(value);
     if ((isPlain || isSecure) && !written.path().isEmpty() && !written.path().endsWith(u'/')) {
         if (!written.isValid() || written.host().isEmpty() || !written.userInfo().isEmpty()
             || written.hasFragment())
@@ -111,6 +116,8 @@ TwitterServiceHosts::_urlForPath(const QString& path, const char* key, QLatin1St
             u"No service is set up: %1 has no value in %2"_s.arg(QLatin1String(key), QLatin1String(group)));
     }
     const QString prefix = scheme + "://"_L1;
+    if (prefix == httpsPrefix && host.startsWith(httpPrefix, Qt::CaseInsensitive))
+        return unprotectedError(value);
     if (host.startsWith(prefix, Qt::CaseInsensitive))
         host.remove(0, prefix.size());
     while (host.endsWith(u'/'))

@@ -69,9 +69,10 @@ const CommandForm* formOf(const QString& command)
     return found == std::end(forms) ? nullptr : found;
 }
 
-KRError wrongUsage(const QString& description)
+// Without what the command does, which stands behind a gap.
+QString synopsisOf(const CommandForm& form)
 {
-    return errorWithDomain(u"com.kestrin.pelinor.usage"_s, 2, description);
+    return QString::fromLatin1(form.usage).section(u"  "_s, 0, 0);
 }
 
 /// Walks the arguments; `error` is set by the first that is wrong.
@@ -96,7 +97,10 @@ public:
 private:
     void _take(const QString& argument)
     {
-        if (m_optionsEnded || !argument.startsWith(u"--"_s) || argument.size() == 2) {
+        // Behind the command a single dash begins a text, or is one.
+        const bool isOption
+            = m_line.command.isNull() ? argument.startsWith(u'-') : argument.startsWith(u"--");
+        if (m_optionsEnded || !isOption || argument == u"--") {
             if (argument == u"--" && !m_optionsEnded)
                 m_optionsEnded = true;
             else if (m_line.command.isNull())
@@ -110,10 +114,12 @@ private:
 
     void _takeOption(const QString& option)
     {
-        if (option == u"--help")
+        if (option == u"--help" || option == u"-h")
             m_line.showsHelp = true;
         else if (option == u"--json")
             m_line.asJSON = true;
+        else if (option == u"--verbose")
+            m_line.isVerbose = true;
         else if (option == u"--password-stdin")
             m_line.passwordFromStandardInput = true;
         else if (option == u"--services")
@@ -135,28 +141,29 @@ private:
         else if (option == u"--service")
             m_line.service = _limit(option, Service);
         else if (option == u"--write")
-            m_line.writes = _flag(Write);
+            m_line.writes = _flag(option, Write);
         else
-            m_error = wrongUsage(u"There is no option %1"_s.arg(option));
+            m_error = CommandLine::wrongUsage(u"There is no option %1"_s.arg(option));
     }
 
     QString _value(const QString& option)
     {
-        if (m_next < m_arguments.size())
+        // The next option is no value that was forgotten.
+        if (m_next < m_arguments.size() && !m_arguments.at(m_next).startsWith(u"--"))
             return m_arguments.at(m_next++);
-        m_error = wrongUsage(u"%1 needs a value"_s.arg(option));
+        m_error = CommandLine::wrongUsage(u"%1 needs a value"_s.arg(option));
         return {};
     }
 
     QString _limit(const QString& option, unsigned bit)
     {
-        m_usedOptions |= bit;
+        m_usedOptions.append({ option, bit });
         return _value(option);
     }
 
-    bool _flag(unsigned bit)
+    bool _flag(const QString& option, unsigned bit)
     {
-        m_usedOptions |= bit;
+        m_usedOptions.append({ option, bit });
         return true;
     }
 
@@ -165,7 +172,7 @@ private:
         bool isNumber = false;
         const int number = _limit(option, bit).toInt(&isNumber);
         if (!m_error && (!isNumber || number < 0))
-            m_error = wrongUsage(u"%1 needs a number"_s.arg(option));
+            m_error = CommandLine::wrongUsage(u"%1 needs a number"_s.arg(option));
         return number;
     }
 
@@ -173,19 +180,23 @@ private:
     {
         const CommandForm* form = formOf(m_line.command);
         if (m_line.command.isNull())
-            m_error = wrongUsage(u"A command is missing"_s);
+            m_error = CommandLine::wrongUsage(u"A command is missing"_s);
         else if (!form)
-            m_error = wrongUsage(u"There is no command \"%1\""_s.arg(m_line.command));
+            m_error = CommandLine::wrongUsage(u"There is no command \"%1\""_s.arg(m_line.command));
         else if (m_line.arguments.size() != form->arguments)
-            m_error = wrongUsage(u"Usage: pelinor-cli %1"_s.arg(QLatin1String(form->usage).trimmed()));
-        else if (m_usedOptions & ~form->options)
-            m_error = wrongUsage(u"\"%1\" does not take that option"_s.arg(m_line.command));
+            m_error = CommandLine::wrongUsage(u"Usage: pelinor-cli %1"_s.arg(synopsisOf(*form)));
+        else if (m_line.passwordFromStandardInput && m_line.account.isEmpty())
+            m_error = CommandLine::wrongUsage(u"--password-stdin needs --account NAME"_s);
+        for (const auto& [option, bit] : std::as_const(m_usedOptions)) {
+            if (!m_error && !(bit & form->options))
+                m_error = CommandLine::wrongUsage(u"\"%1\" does not take %2"_s.arg(m_line.command, option));
+        }
     }
 
     QStringList m_arguments;
     qsizetype m_next = 0;
     bool m_optionsEnded = false;
-    unsigned m_usedOptions = 0;
+    QList<std::pair<QString, unsigned>> m_usedOptions;
     CommandLine m_line;
     std::optional<KRError> m_error;
 };
@@ -195,6 +206,11 @@ private:
 KRResult<CommandLine> CommandLine::parse(const QStringList& arguments)
 {
     return Parser(arguments).run();
+}
+
+KRError CommandLine::wrongUsage(const QString& description)
+{
+    return errorWithDomain(QString::fromUtf16(usageErrorDomain), 2, description);
 }
 
 bool CommandLine::takesText() const
@@ -217,13 +233,14 @@ QString CommandLine::usage()
           "  --services FILE   the addresses of the service, in place of those of the preferences\n"
           "  --ca-file FILE    certificate authorities to trust beside the system's, as PEM\n"
           "  --account NAME    the account to use; without it, the first one of the preferences\n"
-          "  --password-stdin  its password is the first line of standard input\n"
+          "  --password-stdin  its password is the first line of standard input; needs --account\n"
           "  --service NAME    who shortens (bitly, tinyurl, isgd, trim, diggbar), expands (bitly, longurl) "
           "or\n"
           "                    takes the picture (yfrog, twitpic, twitgoo, posterous, imgly, pixim), in "
           "place\n"
           "                    of the one in the preferences\n"
           "  --json            one object a record a line\n"
+          "  --verbose         the log on standard error, which otherwise has its errors alone\n"
           "\n"
           "Exit status: 0 when it worked; 1 with the error's domain, code and description on standard "
           "error;\n"

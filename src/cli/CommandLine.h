@@ -14,6 +14,8 @@ struct CommandLine {
     QString account;
     bool passwordFromStandardInput = false;
     bool asJSON = false;
+    /// Whether all of the log is shown.
+    bool isVerbose = false;
     bool showsHelp = false;
     std::optional<int> count;
     std::optional<int> page;
@@ -32,4 +34,7 @@ struct CommandLine {
     /// Reads the arguments after the program's name. The error's description says what is wrong with them.
     static KRResult<CommandLine> parse(const QStringList& arguments);
     static QString usage();
+    /// What such a description is told as; its code is the exit status.
+    [[nodiscard]] static KRError wrongUsage(const QString& description);
+    static constexpr char16_t usageErrorDomain[] = u"com.kestrin.pelinor.usage";
 };

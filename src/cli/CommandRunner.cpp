@@ -158,8 +158,16 @@ void CommandRunner::_printObject(const QJsonObject& object, const QString& text)
 
 void CommandRunner::_fail(const KRError& error)
 {
+    if (error.domain == QStringView(CommandLine::usageErrorDomain)) {
+        m_errors << error.description << "\nTry pelinor-cli --help" << Qt::endl;
+        m_exitCode = error.code;
+        return;
+    }
+    // Some errors of the services carry no text.
+    const QString description
+        = error.description.isEmpty() ? u"The answer does not hold what was asked for"_s : error.description;
     m_errors << RecordOutput::safeForTerminal(
-        u"%1 %2: %3"_s.arg(error.domain).arg(error.code).arg(error.description))
+        u"%1 %2: %3"_s.arg(error.domain).arg(error.code).arg(description))
              << Qt::endl;
     m_exitCode = 1;
 }

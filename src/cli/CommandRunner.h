@@ -2,7 +2,7 @@
 
 #include "cli/CommandLine.h"
 #include "cli/RecordOutput.h"
-#include "cli/ServerCheckRules.h"
+#include "cli/ServerCheck.h"
 #include "core/Twitter.h"
 #include "model/streams/TwitterConversationStream.h"
 #include "services/Tweetshrink.h"
@@ -65,7 +65,7 @@ private:
     void gotLongPost(const KRResult<Twitlonger>& result);
     void gotShrunkText(const KRResult<Tweetshrink>& result);
     void gotCheckResult(const KRResult<ServerCheckResult>& result);
-    void checkDidEnd(const KRResult<bool>& isUsable);
+    void checkDidEnd(const KRResult<ServerCheck::Verdict>& verdict);
     void messagesDidUpdate(const TwitterDirectMessagesStream* stream);
     void messagesDidFail(const KRError& error);
 

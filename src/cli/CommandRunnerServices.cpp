@@ -34,11 +34,16 @@ constexpr NamedService imageServices[] = {
     { u"pixim", KRImageServicePixIm },
 };
 
-KRError unknownService(const QString& name)
+// No preference chooses among these.
+constexpr NamedService expanders[] = { { u"bitly", 0 }, { u"longurl", 0 } };
+
+KRError unknownService(const QString& name, std::span<const NamedService> services)
 {
-    return errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain),
-        -1,
-        u"There is no service \"%1\" for this"_s.arg(name));
+    QStringList names;
+    for (const NamedService& service : services)
+        names.append(QString::fromUtf16(service.name));
+    return CommandLine::wrongUsage(
+        u"There is no service \"%1\" for this; there are %2"_s.arg(name, names.join(u", "_s)));
 }
 
 /// No name leaves the choice to the preferences.
@@ -54,7 +59,7 @@ contextFor(const TwitterServiceHosts& hosts, const QString& name, std::span<cons
             return context;
         }
     }
-    return unknownService(name);
+    return unknownService(name, services);
 }
 
 bool isMovie(const QString& path)
@@ -114,7 +119,7 @@ void CommandRunner::_startExpanding()
     else if (m_line.service == u"longurl")
         LongURLShortener().expandURLString(hosts, link, callback);
     else
-        _fail(unknownService(m_line.service));
+        _fail(unknownService(m_line.service, expanders));
 }
 
 void CommandRunner::_startUpload()
@@ -192,11 +197,26 @@ void CommandRunner::gotCheckResult(const KRResult<ServerCheckResult>& result)
     m_output.flush();
 }
 
-void CommandRunner::checkDidEnd(const KRResult<bool>& isUsable)
+void CommandRunner::checkDidEnd(const KRResult<ServerCheck::Verdict>& verdict)
 {
-    _printLine("usable",
-        isUsable.value(),
-        isUsable.value() ? u"Pelinor can be used with this server."_s
-                         : u"Pelinor cannot be used with this server: see sign-in and home timeline."_s);
-    m_exitCode = isUsable.value() ? 0 : 1;
+    switch (verdict.value()) {
+    case ServerCheck::Verdict::Usable:
+        _printLine("usable", true, u"Pelinor can be used with this server."_s);
+        break;
+    case ServerCheck::Verdict::NotUsable:
+        _printLine("usable",
+            false,
+            u"Pelinor cannot be used with this server: see sign-in and home timeline."_s);
+        break;
+    case ServerCheck::Verdict::NotReached:
+        _printLine("usable", false, u"Pelinor cannot be used with this server: it was not reached."_s);
+        break;
+    case ServerCheck::Verdict::NotSignedIn:
+        _printLine("usable",
+            QJsonValue::Null,
+            u"Whether Pelinor can be used with this server shows when it signs in: give --account and "
+            "--password-stdin."_s);
+        break;
+    }
+    m_exitCode = verdict.value() == ServerCheck::Verdict::Usable ? 0 : 1;
 }

@@ -48,7 +48,7 @@ ServerCheck::ServerCheck(TwitterAccountPtr account, Writing writing)
 {
 }
 
-void ServerCheck::start(KRCallback<ServerCheckResult> resultCallback, KRCallback<bool> endCallback)
+void ServerCheck::start(KRCallback<ServerCheckResult> resultCallback, KRCallback<Verdict> endCallback)
 {
     m_resultCallback = std::move(resultCallback);
     m_endCallback = std::move(endCallback);
@@ -64,7 +64,9 @@ void ServerCheck::_next()
 {
     m_step = static_cast<Step>(static_cast<int>(m_step) + 1);
     if (m_step == Step::End)
-        m_endCallback.invoke(m_isUsable);
+        m_endCallback.invoke(m_isUsable ? Verdict::Usable
+                : _hasCredentials()     ? Verdict::NotUsable
+                                        : Verdict::NotSignedIn);
     else
         _startStep();
 }
@@ -75,7 +77,7 @@ void ServerCheck::_giveUp(const QString& reason)
         m_step = static_cast<Step>(static_cast<int>(m_step) + 1);
         _report(ServerCheckRules::notTried(QString::fromUtf16(stepNames[static_cast<int>(m_step)]), reason));
     }
-    m_endCallback.invoke(false);
+    m_endCallback.invoke(Verdict::NotReached);
 }
 
 bool ServerCheck::_needsSignIn() const
@@ -103,7 +105,7 @@ void ServerCheck::_startStep()
     const QString name = QString::fromUtf16(stepNames[static_cast<int>(m_step)]);
     const bool writes = m_step == Step::Posting || m_step == Step::Deleting;
     QString reason;
-    if (m_step == Step::SignIn && m_account->password().isNull())
+    if (m_step == Step::SignIn && !_hasCredentials())
         reason = u"No name and password were given (--account, --password-stdin)"_s;
     else if (writes && m_writing == Writing::No)
         reason = u"Only with --write"_s;
@@ -184,6 +186,9 @@ void ServerCheck::_startStep()
 void ServerCheck::_startSearch()
 {
     m_searchWord = ServerCheckRules::searchWord(m_publicStatuses);
+    m_isWordOfAPost = !m_searchWord.isNull();
+    if (!m_isWordOfAPost)
+        m_searchWord = u"hello"_s;
     const KRParameters query = KRParameters().add("q"_L1, m_searchWord).add("rpp"_L1, timelineCount);
     const KRResult<QUrl> url = m_account->context().hosts.searchURLForPath(
         u"search.json?"_s + KRAdditions::URLParameterString(query));
@@ -229,10 +234,13 @@ void ServerCheck::_startUploads()
 
 void ServerCheck::gotStatuses(const KRResult<TwitterStatusList>& result)
 {
+    const bool isDead = m_step == Step::PublicTimeline && result.isError()
+        && ServerCheckRules::isUnreachable(result.error());
     QString meaning = u"This list stays empty."_s;
     if (m_step == Step::PublicTimeline) {
         _report(ServerCheckRules::tls(result));
-        meaning = u"Pelinor does not need it to show an account."_s;
+        meaning = isDead ? u"Look at RESTHost and at the network: nothing else was tried."_s
+                         : u"Pelinor does not need it to show an account."_s;
         if (!result.isError())
             m_publicStatuses = result.value();
     }
@@ -241,8 +249,7 @@ void ServerCheck::gotStatuses(const KRResult<TwitterStatusList>& result)
             result,
             meaning);
     _report(judged);
-    if (m_step == Step::PublicTimeline && result.isError()
-        && ServerCheckRules::isUnreachable(result.error())) {
+    if (isDead) {
         _giveUp(u"No server was reached"_s);
         return;
     }
@@ -278,7 +285,7 @@ void ServerCheck::gotSignIn(const KRResult<bool>& result)
 
 void ServerCheck::gotSearch(const KRResult<QByteArray>& result)
 {
-    _report(ServerCheckRules::search(m_searchWord, result));
+    _report(ServerCheckRules::search(m_searchWord, m_isWordOfAPost, result));
     _next();
 }
 

@@ -12,12 +12,14 @@
 class ServerCheck : public std::enable_shared_from_this<ServerCheck> {
 public:
     enum class Writing { No, Yes };
+    /// Whether Pelinor is of use there: signing in and the home timeline work.
+    enum class Verdict { Usable, NotUsable, NotReached, NotSignedIn };
 
     ServerCheck(TwitterAccountPtr account, Writing writing);
 
-    /// `resultCallback` is invoked for every question, in order, then `endCallback` once, with whether
-    /// Pelinor is of use there: signing in and the home timeline work. Both on the main thread.
-    void start(KRCallback<ServerCheckResult> resultCallback, KRCallback<bool> endCallback);
+    /// `resultCallback` is invoked for every question, in order, then `endCallback` once. Both on the main
+    /// thread.
+    void start(KRCallback<ServerCheckResult> resultCallback, KRCallback<Verdict> endCallback);
 
 private:
     enum class Step {
@@ -47,6 +49,7 @@ private:
     void _report(const ServerCheckResult& result);
     /// The rest is told as not tried.
     void _giveUp(const QString& reason);
+    [[nodiscard]] bool _hasCredentials() const { return !m_account->password().isNull(); }
     [[nodiscard]] bool _needsSignIn() const;
     [[nodiscard]] bool _needsPosts() const;
 
@@ -68,13 +71,14 @@ private:
     TwitterAccountPtr m_account;
     Writing m_writing;
     KRCallback<ServerCheckResult> m_resultCallback;
-    KRCallback<bool> m_endCallback;
+    KRCallback<Verdict> m_endCallback;
     Step m_step = Step::PublicTimeline;
     bool m_isSignedIn = false;
     bool m_isUsable = false;
     QStringList m_known;
     TwitterStatusList m_publicStatuses;
     QString m_searchWord;
+    bool m_isWordOfAPost = false;
     QUrl m_uploadAddress;
     QString m_postText;
     QString m_postID;

@@ -69,8 +69,13 @@ namespace ServerCheckRules {
 
 bool isUnreachable(const KRError& error)
 {
+    // Somebody sent the redirect that was not followed, or the answer without end.
+    static const QList<int> answered { KRHTTPConnectionErrorTooManyRedirects,
+        KRHTTPConnectionErrorInsecureRedirect,
+        KRHTTPConnectionErrorBadRedirect,
+        KRHTTPConnectionErrorTooLarge };
     // Without an address there is nothing to reach either.
-    return error.domain == QStringView(KRHTTPConnectionErrorDomain)
+    return (error.domain == QStringView(KRHTTPConnectionErrorDomain) && !answered.contains(error.code))
         || (error.domain == QStringView(TwitterServiceErrorDomain) && error.code == -1);
 }
 
@@ -199,11 +204,11 @@ ServerCheckResult page(const QStringList& known, const KRResult<QStringList>& an
     const QStringList& got = answer.value();
     if (got.isEmpty())
         return { check, Outcome::Fails, u"The second page is empty"_s, firstPageOnly };
-    // A post that came meanwhile moves the pages by one.
+    // A post that came meanwhile moves the pages by one, towards the newest.
     const qsizetype first = known.indexOf(got.at(0));
     if (first == 0)
         return { check, Outcome::Fails, u"The second page is the first"_s, firstPageOnly };
-    if (first < 0) {
+    if (first < 0 || first > pageSize) {
         return { check,
             Outcome::Differs,
             u"The second page does not follow the first"_s,
@@ -214,16 +219,22 @@ ServerCheckResult page(const QStringList& known, const KRResult<QStringList>& an
 
 QString searchWord(const TwitterStatusList& statuses)
 {
-    static const QRegularExpression word(u"\\b[A-Za-z]{4,20}\\b"_s);
+    // Standing alone: no part of a link, a name or a tag. The longest is the rarest, and no word that
+    // searches leave out.
+    static const QRegularExpression word(u"(?<!\\S)[A-Za-z]{4,20}(?=[.,;:!?]*(\\s|$))"_s);
     for (const TwitterStatusPtr& status : statuses) {
-        const QRegularExpressionMatch match = word.match(status->text());
-        if (match.hasMatch())
-            return match.captured();
+        QString longest;
+        for (const QRegularExpressionMatch& match : word.globalMatch(status->text())) {
+            if (match.capturedLength() > longest.size())
+                longest = match.captured();
+        }
+        if (!longest.isNull())
+            return longest;
     }
-    return u"hello"_s;
+    return {};
 }
 
-ServerCheckResult search(const QString& word, const KRResult<QByteArray>& answer)
+ServerCheckResult search(const QString& word, bool isOfAPost, const KRResult<QByteArray>& answer)
 {
     const QString check = u"search"_s;
     const QString nothing = u"Searches and saved searches stay empty."_s;
@@ -237,6 +248,12 @@ ServerCheckResult search(const QString& word, const KRResult<QByteArray>& answer
     if (statuses.isError())
         return failure(check, statuses.error(), nothing);
     const QString found = u"%1 with \"%2\""_s.arg(numberOf(statuses.value().size(), u"post"_s), word);
+    if (isOfAPost && statuses.value().isEmpty()) {
+        return { check,
+            Outcome::Differs,
+            u"%1, a word of a public post"_s.arg(found),
+            u"Searches may miss posts."_s };
+    }
     if (isBare) {
         return { check,
             Outcome::Differs,

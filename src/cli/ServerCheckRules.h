@@ -56,9 +56,11 @@ timeline(const QString& check, const KRResult<TwitterStatusList>& answer, const 
 [[nodiscard]] ServerCheckResult maxID(const QStringList& known, const KRResult<QStringList>& answer);
 [[nodiscard]] ServerCheckResult page(const QStringList& known, const KRResult<QStringList>& answer);
 
-/// A word that the newest post holds, to search for.
+/// A word to search for, of the newest post that has one: its longest. Null when there is none.
 [[nodiscard]] QString searchWord(const TwitterStatusList& statuses);
-[[nodiscard]] ServerCheckResult search(const QString& word, const KRResult<QByteArray>& answer);
+/// `isOfAPost` tells whether something must be found.
+[[nodiscard]] ServerCheckResult
+search(const QString& word, bool isOfAPost, const KRResult<QByteArray>& answer);
 [[nodiscard]] ServerCheckResult trends(const KRResult<QStringList>& answer);
 [[nodiscard]] ServerCheckResult messages(const QString& check, const KRResult<qsizetype>& answer);
 /// The status with which the service answers to a GET, which uploads nothing.

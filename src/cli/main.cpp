@@ -1,6 +1,7 @@
 #include "cli/CommandRunner.h"
 #include "core/KRSecretService.h"
 #include "foundation/KRBlockingRunLoopDriver.h"
+#include "foundation/KRLog.h"
 #include "foundation/KRUserDefaults.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPConnection.h"
@@ -18,12 +19,23 @@ QString readPassword(QTextStream& input)
     return line.isNull() ? QStringLiteral("") : line;
 }
 
+/// Scripts want silence when all is well: of the log only what went wrong is shown, for whoever looks.
+void showErrorsAlone(const QString& line)
+{
+    if (line.startsWith(u"Error") || line.startsWith(u"Critical Error"))
+        std::fprintf(stderr, "%s\n", RecordOutput::safeForTerminal(line).toUtf8().constData());
+}
+
 int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& errors)
 {
     const KRResult<TwitterServiceHosts> hosts
         = TwitterServiceHosts::hostsWithDefaults(KRUserDefaults::standardUserDefaults(), line.servicesFile);
     if (hosts.isError()) {
         errors << hosts.error().description << Qt::endl;
+        return 2;
+    }
+    if (!line.caFile.isEmpty() && !QFile(line.caFile).open(QIODevice::ReadOnly)) {
+        errors << QStringLiteral("The file %1 cannot be read").arg(line.caFile) << Qt::endl;
         return 2;
     }
     KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
@@ -63,6 +75,8 @@ int main(int argc, char** argv)
         errors << line.error().description << "\nTry pelinor-cli --help" << Qt::endl;
         return 2;
     }
+    if (!line.value().isVerbose)
+        KRSetLogSink(showErrorsAlone);
     if (!line.value().showsHelp)
         return run(line.value(), input, output, errors);
     output << CommandLine::usage();

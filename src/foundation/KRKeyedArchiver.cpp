@@ -114,7 +114,10 @@ bool KRKeyedUnarchiver::contains(QLatin1String key) const
 
 QString KRKeyedUnarchiver::decodeString(QLatin1String key) const
 {
-    return m_map.value(key).toString();
+    const QCborValue value = m_map.value(key);
+    const QString text = value.toString();
+    // An empty one comes back from the map as null, which would be none.
+    return value.isString() && text.isNull() ? QStringLiteral("") : text;
 }
 
 std::optional<qint64> KRKeyedUnarchiver::decodeInteger(QLatin1String key) const
@@ -142,7 +145,9 @@ QUrl KRKeyedUnarchiver::decodeURL(QLatin1String key) const
 
 QByteArray KRKeyedUnarchiver::decodeData(QLatin1String key) const
 {
-    return m_map.value(key).toByteArray();
+    const QCborValue value = m_map.value(key);
+    const QByteArray data = value.toByteArray();
+    return value.isByteArray() && data.isNull() ? QByteArray("") : data;
 }
 
 QStringList KRKeyedUnarchiver::decodeStrings(QLatin1String key) const

@@ -56,6 +56,8 @@ checkedAddress(const KRResult<QUrl>& address, const QString& path, const Twitter
     const QFileInfo file(path);
     if (!file.isFile() || !file.isReadable())
         return programError(u"The file %1 cannot be read"_s.arg(path));
+    if (account.username().isEmpty())
+        return programError(u"There is no account to send the file with"_s);
     if (account.password().isNull())
         return programError(u"The password of %1 is not known"_s.arg(account.username()));
     return address;

@@ -88,6 +88,9 @@ TEST_F(ServiceHosts, TheRESTInterfaceIsAlwaysHTTPSAndSearchWhereItsHostSaysSo)
                 << qPrintable(test.host);
         }
     }
+    TwitterServiceHosts hosts;
+    hosts.setValueForKey(u"http://example.org"_s, u"RESTHost"_s);
+    EXPECT_TRUE(hosts.RESTURLForPath({}).error().description.contains(u"only https"_s));
 }
 
 TEST_F(ServiceHosts, PasswordsLeaveThisComputerOverHTTPSAlone)

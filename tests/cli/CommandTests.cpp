@@ -153,6 +153,7 @@ TEST_F(Commands, SignInAndSayWhatIsWrong)
     EXPECT_EQ(noHost.exitCode, 1);
     EXPECT_TRUE(noHost.errors.startsWith("com.kestrin.pelinor "));
     EXPECT_EQ(s_cli->run({ "--services", "/no/such/file", "public" }).exitCode, 2);
+    EXPECT_EQ(s_cli->alice({ "--ca-file", "/no/such/file", "public" }).exitCode, 2);
     EXPECT_EQ(s_cli->run({ "--help" }).exitCode, 0);
     EXPECT_EQ(s_cli->run({ "dance" }).exitCode, 2);
 }
@@ -167,10 +168,19 @@ TEST(CommandLine, RefusesWhatMakesNoSense)
              QStringList { u"timeline"_s, u"--count"_s, u"-1"_s },
              QStringList { u"public"_s, u"--count"_s, u"3"_s },
              QStringList { u"verify"_s, u"--reply-to"_s, u"3"_s },
-             QStringList { u"--nonsense"_s, u"verify"_s } }) {
+             QStringList { u"--nonsense"_s, u"verify"_s },
+             QStringList { u"-x"_s, u"verify"_s },
+             QStringList { u"verify"_s, u"--account"_s, u"--json"_s },
+             QStringList { u"verify"_s, u"--password-stdin"_s } }) {
         const auto line = CommandLine::parse(arguments);
         EXPECT_TRUE(line.isError()) << arguments.join(u' ').toStdString();
     }
+    EXPECT_EQ(CommandLine::parse({ u"public"_s, u"--count"_s, u"3"_s }).error().description,
+        u"\"public\" does not take --count"_s);
+    EXPECT_EQ(CommandLine::parse({ u"show"_s }).error().description, u"Usage: pelinor-cli show ID"_s);
+    EXPECT_TRUE(CommandLine::parse({ u"-h"_s }).value().showsHelp);
+    EXPECT_EQ(CommandLine::parse({ u"post"_s, u"-3 degrees"_s }).value().arguments,
+        QStringList { u"-3 degrees"_s });
     const auto dashes = CommandLine::parse({ u"--json"_s, u"post"_s, u"--"_s, u"--json is a text here"_s });
     ASSERT_FALSE(dashes.isError());
     EXPECT_EQ(dashes.value().arguments, QStringList { u"--json is a text here"_s });

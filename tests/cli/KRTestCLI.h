@@ -38,6 +38,12 @@ public:
     {
         return runAs("bob", "builder", arguments);
     }
+    /// Runs the program against the service, without an account.
+    [[nodiscard]] Outcome runAnonymously(const QList<QByteArray>& arguments) const
+    {
+        return run(
+            QList<QByteArray> { "--services", m_servicesFile, "--ca-file", m_authorityFile } + arguments);
+    }
     /// Runs the program with nothing but these arguments.
     [[nodiscard]] Outcome run(const QList<QByteArray>& arguments, const QByteArray& input = {}) const;
 

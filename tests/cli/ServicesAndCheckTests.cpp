@@ -1,6 +1,7 @@
 #include "KRTestCLI.h"
 #include "cli/ServerCheckRules.h"
 #include "support/KRTestSite.h"
+#include "transport/KRHTTPConnection.h"
 
 #include <QFile>
 
@@ -69,7 +70,12 @@ TEST_F(ServiceCommands, LinksBecomeShortAndLongAgain)
     }
     EXPECT_TRUE(
         s_cli->alice({ "shorten", target.toUtf8(), "--service", "longurl" }).errors.contains("longurl"));
-    EXPECT_EQ(s_cli->alice({ "expand", "x", "--service", "tinyurl" }).exitCode, 1);
+    const KRTestCLI::Outcome unknown = s_cli->alice({ "expand", "x", "--service", "tinyurl" });
+    EXPECT_EQ(unknown.exitCode, 2);
+    EXPECT_TRUE(unknown.errors.contains("bitly, longurl\n")) << unknown.errors.toStdString();
+    const KRTestCLI::Outcome noAddress = s_cli->alice({ "shorten", "no address" });
+    EXPECT_TRUE(noAddress.errors.startsWith("com.kestrin.bitly-parsing-error -1: The answer"))
+        << noAddress.errors.toStdString();
     EXPECT_EQ(s_cli->alice({ "timeline", "--service", "bitly" }).exitCode, 2);
 }
 
@@ -146,6 +152,10 @@ TEST_F(ServiceCommands, CheckOfTheLocalServiceFindsAllInOrder)
     EXPECT_TRUE(plain.output.contains("works     sign-in         Signed in as alice\n"));
     EXPECT_TRUE(plain.output.endsWith("Pelinor can be used with this server.\n"));
 
+    const KRTestCLI::Outcome nobody = s_cli->runAnonymously({ "--json", "check" });
+    EXPECT_EQ(nobody.exitCode, 1);
+    EXPECT_TRUE(nobody.objects().last().value(u"usable").isNull()) << "nobody knows";
+
     const KRTestCLI::Outcome refused = s_cli->runAs("alice", "wrong", { "--json", "check", "--write" });
     EXPECT_EQ(refused.exitCode, 1);
     outcomes = outcomesIn(refused);
@@ -216,6 +226,8 @@ TEST_F(ServiceCommands, CheckNamesWhatASiteDoesDifferently)
     EXPECT_EQ(dead.exitCode, 1);
     EXPECT_TRUE(dead.output.startsWith("not tried tls ")) << dead.output.toStdString();
     EXPECT_EQ(dead.output.count("No server was reached"), 16);
+    EXPECT_TRUE(dead.output.contains("Look at RESTHost"));
+    EXPECT_TRUE(dead.output.endsWith("it was not reached.\n"));
 }
 
 TEST(ServerCheckRules, JudgePages)
@@ -241,13 +253,25 @@ TEST(ServerCheckRules, JudgePages)
             { page(known, IDs("7 6 5")), Outcome::Works },
             { page(known, IDs("9 8 7")), Outcome::Fails },
             { page(known, IDs("1")), Outcome::Differs },
+            { page(known, IDs("5 4 3")), Outcome::Differs },
             { page(known, IDs("")), Outcome::Fails } }) {
         EXPECT_EQ(judged.outcome, expected) << qPrintable(judged.text());
         EXPECT_EQ(judged.meaning.isEmpty(), expected == Outcome::Works);
     }
     for (const QByteArray& body :
         { QByteArray("<div>"), QByteArray(), QByteArray("{}"), QByteArray("\"x\"") })
-        EXPECT_EQ(search(u"x"_s, body).outcome, Outcome::Fails) << body.toStdString();
+        EXPECT_EQ(search(u"x"_s, false, body).outcome, Outcome::Fails) << body.toStdString();
+    EXPECT_EQ(search(u"x"_s, false, QByteArray("{\"results\":[]}")).outcome, Outcome::Works);
+    EXPECT_EQ(search(u"x"_s, true, QByteArray("{\"results\":[]}")).outcome, Outcome::Differs);
+    const auto post = std::make_shared<TwitterStatus>();
+    EXPECT_TRUE(searchWord({ post }).isNull());
+    post->setText(u"@somebody_else at https://example.org/longest sees a #hashtagged heron."_s);
+    EXPECT_EQ(searchWord({ post }), u"heron"_s);
+    const auto unreachable = [](int code) {
+        return isUnreachable(errorWithDomain(QString::fromUtf16(KRHTTPConnectionErrorDomain), code, {}));
+    };
+    EXPECT_TRUE(unreachable(7) && unreachable(KRHTTPConnectionErrorBadURL));
+    EXPECT_FALSE(unreachable(KRHTTPConnectionErrorTooManyRedirects));
     EXPECT_EQ(uploads(QUrl(u"https://a.example/"_s), 404).outcome, Outcome::Fails);
     EXPECT_EQ(uploads(QUrl(u"https://a.example/"_s), 405).outcome, Outcome::Works);
 }

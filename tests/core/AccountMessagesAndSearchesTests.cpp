@@ -229,6 +229,32 @@ TEST_F(MessagesAndSearches, KnowsWhatIsFresh)
     EXPECT_FALSE(account->hasFreshSearches());
 }
 
+TEST_F(MessagesAndSearches, EachKindAnswersToItsOwnBits)
+{
+    const QDateTime fresh = KRNow().addSecs(60);
+    const std::function<void()> makeFresh[]
+        = { [&] { m_account->timelineStream()->addStatuses({ status(u"1"_s, fresh) }); },
+              [&] { m_account->repliesStream()->addStatuses({ status(u"2"_s, fresh) }); },
+              [&] {
+                  m_account->directMessagesManager()->receivedStream()->addMessages(
+                      { message(1, u"bob"_s, fresh) });
+              } };
+    const quint32 statusItemBits[] = { 0x2, 0x40, 0x800 };
+    const quint32 dockBadgeBits[] = { 0x4, 0x80, 0x1000 };
+    for (int kind = 0; kind < 3; ++kind) {
+        m_account = TwitterAccount::accountWithUsername(u"Alice"_s, u"pw"_s, m_context);
+        makeFresh[kind]();
+        for (int other = 0; other < 3; ++other) {
+            m_account->setNotificationOptions(statusItemBits[other]);
+            EXPECT_EQ(m_account->hasFreshAnythingApplicableToStatusItem(), kind == other) << kind << other;
+            EXPECT_FALSE(m_account->hasFreshAnythingApplicableToDockBadge());
+            m_account->setNotificationOptions(dockBadgeBits[other]);
+            EXPECT_EQ(m_account->hasFreshAnythingApplicableToDockBadge(), kind == other) << kind << other;
+            EXPECT_FALSE(m_account->hasFreshAnythingApplicableToStatusItem());
+        }
+    }
+}
+
 TEST_F(MessagesAndSearches, AnnouncesEachIncomingMessageOnce)
 {
     m_account->setNotificationOptions(TwitterAccountMessagesGrowl);

@@ -138,6 +138,16 @@ TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
         { status(u"1"_s, u"bob"_s, now), status(u"3"_s, u"bob"_s, now.addSecs(2)) });
     m_account->repliesStream()->addStatuses({});
     EXPECT_EQ(announced.join(u""_s), u"[2 1][3][]"_s);
+
+    m_account->setNotificationOptions(TwitterAccountMentionsGrowl);
+    QStringList mentions;
+    const KRObservation mentionsObservation
+        = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewMentionStatuses>(
+            [&](const auto& notification) { mentions.append(QString::number(notification.object->size())); });
+    m_account->repliesStream()->addStatuses({ status(u"4"_s, u"bob"_s, now) });
+    m_account->timelineStream()->addStatuses({ status(u"5"_s, u"bob"_s, now) });
+    EXPECT_EQ(mentions, (QStringList { u"1"_s, u"0"_s }));
+    EXPECT_EQ(announced.size(), 3) << "each kind answers to its own bit";
 }
 
 TEST_F(TwitterAccountTest, RefreshesWithItsCredentials)

@@ -57,6 +57,14 @@ TEST(KRKeyedArchiver, AbsentKeysAndOtherTypesReadAsNothing)
     EXPECT_FALSE(values.contains("absent"_L1));
     EXPECT_TRUE(values.decodeString("absent"_L1).isNull());
     EXPECT_TRUE(values.decodeString("number"_L1).isNull());
+    KRKeyedArchiver empty;
+    empty.encodeString("text"_L1, u""_s);
+    empty.encodeData("data"_L1, "");
+    empty.encodeString("null"_L1, {});
+    const auto restored = KRKeyedUnarchiver::unarchiverWithData(empty.archivedData());
+    EXPECT_FALSE(restored.value().decodeString("text"_L1).isNull()) << "empty is not absent";
+    EXPECT_FALSE(restored.value().decodeData("data"_L1).isNull());
+    EXPECT_TRUE(restored.value().decodeString("null"_L1).isNull());
     EXPECT_EQ(values.decodeInteger("text"_L1), std::nullopt);
     EXPECT_EQ(values.decodeBool("number"_L1), std::nullopt);
     EXPECT_FALSE(values.decodeDate("text"_L1).isValid());

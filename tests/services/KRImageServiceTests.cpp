@@ -173,6 +173,7 @@ TEST_F(KRImageServiceTest, NothingIsSentWhereThePasswordWouldBeLostOrOfNoUse)
 
     EXPECT_EQ(postImage(1, TestCredentials(u"alice"_s, {})).error().description,
         u"The password of alice is not known"_s);
+    EXPECT_TRUE(postImage(1, TestCredentials({}, {})).error().description.contains(u"no account"_s));
     for (const QString& file : { folder.filePath(u"missing.png"_s), folder.path(), QString() }) {
         path = file;
         EXPECT_TRUE(postImage(1).error().description.contains(u"cannot be read"_s));

@@ -182,6 +182,30 @@ TEST_F(KRHTTPMultipartFormDataTest, SurvivesArchivingWithinItsRequest)
     rebuilt->multipartFormData()->cleanup();
 }
 
+TEST_F(KRHTTPMultipartFormDataTest, OnlyAPartWithNothingAtAllIsLogged)
+{
+    struct Part {
+        QByteArray data;
+        void encodeWithCoder(KRKeyedArchiver& coder) const
+        {
+            coder.encodeString("name"_L1, u"bare"_s);
+            coder.encodeData("data"_L1, data);
+        }
+    };
+    const Part empty { "" };
+    const Part nothing { {} };
+    for (const Part* part : { &empty, &nothing }) {
+        KRTestLog log;
+        KRKeyedArchiver archiver;
+        archiver.encodeObjects("parts"_L1, QList<const Part*> { part });
+        const auto coder = KRKeyedUnarchiver::unarchiverWithData(archiver.archivedData());
+        KRHTTPMultipartFormData form(coder.value());
+        EXPECT_TRUE(bodyOf(form).contains("name=\"bare\"\r\n\r\n\r\n--"));
+        EXPECT_EQ(log.contains(u"Error: no data or file specified for bare"_s), part == &nothing);
+        form.cleanup();
+    }
+}
+
 TEST_F(KRHTTPMultipartFormDataTest, NamesCannotEndTheirHeader)
 {
     KRHTTPMultipartFormData form;
