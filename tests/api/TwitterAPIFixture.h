@@ -42,9 +42,7 @@ protected:
         hosts.setValueForKey(server.host() + QStringLiteral("/api"), QStringLiteral("RESTHost"));
     }
 
-    void answer(int status,
-        const QByteArray& body,
-        const QByteArray& headers = "Content-Type: application/xml\r\n")
+    void answer(int status, const QByteArray& body, const QByteArray& headers = "Content-Type: text/xml\r\n")
     {
         std::scoped_lock guard(m_lock);
         m_status = status;
@@ -60,18 +58,33 @@ protected:
         return file.readAll();
     }
 
-    /// Sends one operation with the account and waits for its result.
-    template <class T, class Operation>
-    KRResult<T> resultOf(Operation operation)
+    /// What an operation sent with the callback delivers.
+    template <class T, class Send>
+    KRResult<T> received(Send send)
     {
         const auto receiver = std::make_shared<TestReceiver<T>>();
-        operation(*TwitterAPI::authenticatedRequest(hosts,
-            TestCredentials(),
-            Callback(receiver, &TestReceiver<T>::received)));
+        send(Callback(receiver, &TestReceiver<T>::received));
         EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }));
         EXPECT_EQ(receiver->count, 1);
         EXPECT_TRUE(receiver->wasOnBackgroundThread);
         return receiver->result.value_or(errorWithDomain({}, 0, QStringLiteral("no result")));
+    }
+
+    /// Sends one operation with the account and waits for its result.
+    template <class T, class Operation>
+    KRResult<T> resultOf(Operation operation)
+    {
+        return received<T>([&](KRCallback<T> callback) {
+            operation(*TwitterAPI::authenticatedRequest(hosts, TestCredentials(), std::move(callback)));
+        });
+    }
+
+    /// The same for the answer of a real site.
+    template <class T, class Operation>
+    KRResult<T> resultFrom(const QString& name, Operation operation)
+    {
+        answer(200, realAnswer(name + QStringLiteral(".body.xml")));
+        return resultOf<T>(operation);
     }
 
     TwitterServiceHosts hosts;

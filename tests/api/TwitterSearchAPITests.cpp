@@ -15,23 +15,20 @@ protected:
     template <class T, class Operation>
     KRResult<T> searchResultOf(Operation operation)
     {
-        const auto receiver = std::make_shared<TestReceiver<T>>();
-        operation(*TwitterSearchAPI::request(hosts, Callback(receiver, &TestReceiver<T>::received)));
-        EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }));
-        EXPECT_EQ(receiver->count, 1);
-        EXPECT_TRUE(receiver->wasOnBackgroundThread);
-        return receiver->result.value_or(errorWithDomain({}, 0, u"no result"_s));
+        return received<T>([&](KRCallback<T> callback) {
+            operation(*TwitterSearchAPI::request(hosts, std::move(callback)));
+        });
     }
 
     KRResult<TwitterStatusList> resultsOfSearch(const QString& query)
     {
         return searchResultOf<TwitterStatusList>(
-            [&query](TwitterSearchOperations& operations) { operations.search(query, {}, {}, {}, {}); });
+            [&query](auto& operations) { operations.search(query, {}, {}, {}, {}); });
     }
 
     KRResult<QStringList> trends()
     {
-        return searchResultOf<QStringList>([](TwitterTrendsOperations& operations) { operations.trends(); });
+        return searchResultOf<QStringList>([](auto& operations) { operations.trends(); });
     }
 };
 
@@ -43,7 +40,7 @@ TEST_F(TwitterSearchAPITest, SendsWhatWasGivenAndNothingElse)
 {
     answer(200, realAnswer(u"search_classic.word.body.json"_s), JSONType);
     ASSERT_EQ(resultsOfSearch(u"a&b #c é"_s).value().size(), 12);
-    const auto all = searchResultOf<TwitterStatusList>([](TwitterSearchOperations& operations) {
+    const auto all = searchResultOf<TwitterStatusList>([](auto& operations) {
         operations.search(u"x"_s, TwitterAPIMaxSearchCount, 2, u"404"_s, u"51,0,1km"_s);
     });
     EXPECT_EQ(all.value().first()->statusID(), u"404"_s);

@@ -59,8 +59,7 @@ TEST_F(ServiceHosts, TheRESTInterfaceIsAlwaysHTTPSAndSearchWhereItsHostSaysSo)
 {
     const struct {
         QString host;
-        QByteArray REST; // the address of "a.xml?c=%26+d"
-        QByteArray search;
+        QByteArray REST, search; // the address of "a.xml?c=%26+d"
     } cases[] = {
         { u"example.org"_s, "https://example.org/", "http://example.org/" },
         { u"example.org:8443/api/"_s, "https://example.org:8443/api/", "http://example.org:8443/api/" },
@@ -95,24 +94,24 @@ TEST_F(ServiceHosts, TheRESTInterfaceIsAlwaysHTTPSAndSearchWhereItsHostSaysSo)
 
 TEST_F(ServiceHosts, PasswordsLeaveThisComputerOverHTTPSAlone)
 {
+    const QByteArray path = "api/upload";
     const struct {
         QString value;
-        QByteArray secure; // of a service that speaks https
-        QByteArray plain; // of one that speaks http
+        QByteArray secure, plain; // of a service that speaks https, and of one that speaks http
     } cases[] = {
-        { u"m.example"_s, "https://m.example/api/upload", "https://m.example/api/upload" },
-        { u"m.example:81/f/"_s, "https://m.example:81/f/api/upload", "https://m.example:81/f/api/upload" },
-        { u"https://m.example"_s, "https://m.example/api/upload", "https://m.example/api/upload" },
-        { u"https://m.example/f/"_s, "https://m.example/f/api/upload", "https://m.example/f/api/upload" },
+        { u"m.example"_s, "https://m.example/" + path, "https://m.example/" + path },
+        { u"m.example:81/f/"_s, "https://m.example:81/f/" + path, "https://m.example:81/f/" + path },
+        { u"https://m.example"_s, "https://m.example/" + path, "https://m.example/" + path },
+        { u"https://m.example/f/"_s, "https://m.example/f/" + path, "https://m.example/f/" + path },
         { u"https://m.example/up.php?a=b"_s, "https://m.example/up.php?a=b", "https://m.example/up.php?a=b" },
-        { u"127.0.0.1:8/f"_s, "https://127.0.0.1:8/f/api/upload", "http://127.0.0.1:8/f/api/upload" },
-        { u"localhost:8"_s, "https://localhost:8/api/upload", "http://localhost:8/api/upload" },
-        { u"[::1]:8"_s, "https://[::1]:8/api/upload", "http://[::1]:8/api/upload" },
-        { u"http://127.0.0.1:8"_s, "http://127.0.0.1:8/api/upload", "http://127.0.0.1:8/api/upload" },
+        { u"127.0.0.1:8/f"_s, "https://127.0.0.1:8/f/" + path, "http://127.0.0.1:8/f/" + path },
+        { u"localhost:8"_s, "https://localhost:8/" + path, "http://localhost:8/" + path },
+        { u"[::1]:8"_s, "https://[::1]:8/" + path, "http://[::1]:8/" + path },
+        { u"http://127.0.0.1:8"_s, "http://127.0.0.1:8/" + path, "http://127.0.0.1:8/" + path },
         { u"HTTP://LocalHost/up"_s, "http://localhost/up", "http://localhost/up" },
         { u"127.0.0.1.m.example"_s,
-            "https://127.0.0.1.m.example/api/upload",
-            "https://127.0.0.1.m.example/api/upload" },
+            "https://127.0.0.1.m.example/" + path,
+            "https://127.0.0.1.m.example/" + path },
         { u"http://m.example"_s, {}, {} },
         { u"http://m.example/up"_s, {}, {} },
         { u"http://127.0.0.1@m.example/up"_s, {}, {} },

@@ -1,35 +1,18 @@
+#include "KRTestAccount.h"
 #include "core/Twitter.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRUserDefaults.h"
 #include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestSite.h"
-#include "support/KRTestWait.h"
-#include "transport/KRHTTPConnection.h"
 
 #include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-class MessagesAndSearches : public testing::Test {
+class MessagesAndSearches : public KRTestAccount {
 protected:
-    MessagesAndSearches()
-    {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
-        m_hosts.setValueForKey(m_site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
-        m_hosts.setValueForKey(u"https://"_s + m_site.host(),
-            QLatin1String(TwitterServiceHosts::searchHostKey));
-        m_context = { std::make_shared<TwitterUniquingTables>(), m_hosts };
-        m_account = TwitterAccount::accountWithUsername(u"Alice"_s, u"pw"_s, m_context);
-    }
-
     TwitterSearchPtr search(const QString& query) const
     {
         auto search = std::make_shared<TwitterSearch>(m_context.tables, m_context.hosts);
@@ -40,78 +23,34 @@ protected:
 
     static TwitterDirectMessagePtr message(int id, const QString& sender, const QDateTime& date)
     {
-        auto message = std::make_shared<TwitterDirectMessage>();
-        message->setMessageID(QString::number(id));
-        message->setDate(date);
-        const auto person = [](const QString& name) {
-            auto user = std::make_shared<TwitterUser>();
-            user->setUsername(name);
-            return user;
-        };
-        message->setSender(person(sender));
-        message->setRecipient(person(u"alice"_s));
-        return message;
+        return KRTestMessage(QString::number(id), KRTestUser({}, sender), KRTestUser({}, u"alice"_s), date);
     }
 
-    static TwitterStatusPtr status(const QString& id, const QDateTime& date)
+    static TwitterStatusPtr found(const QString& id, const QDateTime& date)
     {
-        auto status = std::make_shared<TwitterStatus>();
-        status->setStatusID(id);
-        status->setDate(date);
-        status->setFromUser(std::make_shared<TwitterUser>());
-        return status;
-    }
-
-    KRTestLog m_log;
-    KRTestSite m_site;
-    TwitterServiceHosts m_hosts;
-    TwitterAccountContext m_context;
-    TwitterAccountPtr m_account;
-};
-
-/// Keeps what a callback brings.
-struct MessageReceiver {
-    std::atomic<int> count = 0;
-    std::optional<KRResult<TwitterDirectMessagePtr>> result;
-    void took(const KRResult<TwitterDirectMessagePtr>& value)
-    {
-        result.emplace(value);
-        ++count;
+        return status(id, u"bob"_s, date);
     }
 };
-
-QByteArray messageElement(int id, const QByteArray& recipient)
-{
-    return "<direct_message><id>" + QByteArray::number(id)
-        + "</id><text>hi</text><sender><id>1</id><screen_name>alice</screen_name></sender><recipient><id>2</"
-          "id>"
-          "<screen_name>"
-        + recipient + "</screen_name></recipient></direct_message>";
-}
 
 } // namespace
 
 TEST_F(MessagesAndSearches, KeepsEverySearchOnceAndHearsOfIt)
 {
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            m_account.get());
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account);
     const auto tea = search(u"tea"_s);
     m_account->addSavedSearch(tea);
     m_account->addSavedSearch(tea);
     m_account->addSavedSearch(search(u"TEA"_s));
     EXPECT_EQ(m_account->savedSearches(), QList<TwitterSearchPtr> { tea });
     EXPECT_TRUE(m_account->containsSavedSearch(*search(u"Tea"_s)));
-    tea->stream()->addStatuses({ status(u"1"_s, KRNow()) });
-    EXPECT_EQ(updates, 1);
+    tea->stream()->addStatuses({ found(u"1"_s, KRNow()) });
+    EXPECT_EQ(updates.count, 1);
     m_account->removeSavedSearch(search(u"coffee"_s));
     EXPECT_EQ(m_account->savedSearches().size(), 1);
     m_account->removeSavedSearch(search(u"tEa"_s));
     EXPECT_TRUE(m_account->savedSearches().isEmpty());
-    tea->stream()->addStatuses({ status(u"2"_s, KRNow()) });
-    EXPECT_EQ(updates, 1) << "no longer observed";
+    tea->stream()->addStatuses({ found(u"2"_s, KRNow()) });
+    EXPECT_EQ(updates.count, 1) << "no longer observed";
     EXPECT_TRUE(m_log.lines().isEmpty());
 
     const auto bare = search({});
@@ -138,21 +77,16 @@ TEST_F(MessagesAndSearches, ArchivesItsSearches)
     EXPECT_EQ(restored->savedSearches()[0]->displayName(), u"Cups"_s);
     EXPECT_EQ(restored->savedSearches()[1]->query(), u"#b"_s);
 
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            restored.get());
-    restored->savedSearches()[1]->stream()->addStatuses({ status(u"1"_s, KRNow()) });
-    EXPECT_EQ(updates, 1) << "a restored search is observed as an added one is";
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(restored);
+    restored->savedSearches()[1]->stream()->addStatuses({ found(u"1"_s, KRNow()) });
+    EXPECT_EQ(updates.count, 1) << "a restored search is observed as an added one is";
 }
 
 TEST_F(MessagesAndSearches, SearchesFollowThreeFourAndFiveSecondsAfterTheRest)
 {
-    for (const char* path : { "/statuses/home_timeline.xml",
-             "/statuses/replies.xml",
-             "/direct_messages.xml",
-             "/direct_messages/sent.xml" })
+    for (const char* path : { "/statuses/home_timeline.xml", "/statuses/replies.xml" })
+        m_site.answer(path, "<nothing/>");
+    for (const char* path : { "/direct_messages.xml", "/direct_messages/sent.xml" })
         m_site.answer(path, "<nothing/>");
     m_site.answer("/search.json", "{}");
     KRManualClock clock;
@@ -192,7 +126,7 @@ TEST_F(MessagesAndSearches, SearchesFollowThreeFourAndFiveSecondsAfterTheRest)
 TEST_F(MessagesAndSearches, KnowsWhatIsFresh)
 {
     KRManualClock clock;
-    const auto account = TwitterAccount::accountWithUsername(u"alice"_s, u"pw"_s, m_context);
+    const auto account = makeAccount();
     const QDateTime now = clock.now();
     EXPECT_FALSE(account->hasFreshMessages());
     const auto received = account->directMessagesManager()->receivedStream();
@@ -202,47 +136,39 @@ TEST_F(MessagesAndSearches, KnowsWhatIsFresh)
     EXPECT_TRUE(account->hasFreshMessages());
     EXPECT_TRUE(account->hasFreshAnythingApplicableToStatusItem());
     EXPECT_FALSE(account->hasFreshAnythingApplicableToDockBadge());
-    account->setNotificationOptions(TwitterAccountMessagesDockBadge);
-    EXPECT_FALSE(account->hasFreshAnythingApplicableToStatusItem());
-    EXPECT_TRUE(account->hasFreshAnythingApplicableToDockBadge());
 
     const auto tea = search(u"tea"_s);
     account->addSavedSearch(tea);
-    tea->stream()->addStatuses({ status(u"1"_s, now) });
+    tea->stream()->addStatuses({ found(u"1"_s, now) });
     EXPECT_FALSE(account->hasFreshSearches()) << "nothing was marked yet";
     tea->stream()->noteFreshStatuses();
-    tea->stream()->addStatuses({ status(u"2"_s, now.addSecs(1)) });
+    tea->stream()->addStatuses({ found(u"2"_s, now.addSecs(1)) });
     EXPECT_TRUE(account->hasFreshSearches());
 
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            account.get());
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account);
     account->noteFreshMessages();
     EXPECT_FALSE(account->hasFreshMessages());
     account->noteFreshSearches();
     EXPECT_TRUE(account->hasFreshSearches()) << "each search keeps its own mark";
-    EXPECT_EQ(updates, 2);
+    EXPECT_EQ(updates.count, 2);
     account->markAllAsRead();
-    EXPECT_EQ(updates, 6);
+    EXPECT_EQ(updates.count, 6);
     EXPECT_FALSE(account->hasFreshSearches());
 }
 
 TEST_F(MessagesAndSearches, EachKindAnswersToItsOwnBits)
 {
     const QDateTime fresh = KRNow().addSecs(60);
-    const std::function<void()> makeFresh[]
-        = { [&] { m_account->timelineStream()->addStatuses({ status(u"1"_s, fresh) }); },
-              [&] { m_account->repliesStream()->addStatuses({ status(u"2"_s, fresh) }); },
-              [&] {
-                  m_account->directMessagesManager()->receivedStream()->addMessages(
-                      { message(1, u"bob"_s, fresh) });
-              } };
+    const auto received = [&] { return m_account->directMessagesManager()->receivedStream(); };
+    const std::function<void()> makeFresh[] = {
+        [&] { m_account->timelineStream()->addStatuses({ found(u"1"_s, fresh) }); },
+        [&] { m_account->repliesStream()->addStatuses({ found(u"2"_s, fresh) }); },
+        [&] { received()->addMessages({ message(1, u"bob"_s, fresh) }); },
+    };
     const quint32 statusItemBits[] = { 0x2, 0x40, 0x800 };
     const quint32 dockBadgeBits[] = { 0x4, 0x80, 0x1000 };
     for (int kind = 0; kind < 3; ++kind) {
-        m_account = TwitterAccount::accountWithUsername(u"Alice"_s, u"pw"_s, m_context);
+        m_account = makeAccount();
         makeFresh[kind]();
         for (int other = 0; other < 3; ++other) {
             m_account->setNotificationOptions(statusItemBits[other]);
@@ -258,15 +184,15 @@ TEST_F(MessagesAndSearches, EachKindAnswersToItsOwnBits)
 TEST_F(MessagesAndSearches, AnnouncesEachIncomingMessageOnce)
 {
     m_account->setNotificationOptions(TwitterAccountMessagesGrowl);
-    QStringList announced;
+    QString announced;
     const KRObservation observation
         = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewMessages>(
-            [&](const TwitterAccountGrowlForNewMessages& notification) {
+            [&](const auto& notification) {
                 EXPECT_EQ(notification.account, m_account.get());
-                QStringList ids;
+                announced += u'[';
                 for (const TwitterDirectMessagePtr& one : *notification.object)
-                    ids.append(one->messageID());
-                announced.append(u'[' + ids.join(u' ') + u']');
+                    announced += one->messageID();
+                announced += u']';
             });
     const QDateTime now = KRNow();
     const auto received = m_account->directMessagesManager()->receivedStream();
@@ -274,20 +200,22 @@ TEST_F(MessagesAndSearches, AnnouncesEachIncomingMessageOnce)
         { message(1, u"bob"_s, now), message(2, u"alice"_s, now), message(3, u"carol"_s, now.addSecs(1)) });
     received->addMessages({ message(1, u"bob"_s, now), message(4, u"bob"_s, now.addSecs(2)) });
     m_account->timelineStream()->addStatuses({});
-    EXPECT_EQ(announced.join(u""_s), u"[3 1][4][]"_s);
+    EXPECT_EQ(announced, u"[31][4][]"_s);
 }
 
 TEST_F(MessagesAndSearches, ASentMessageLoadsTheMessages)
 {
-    m_site.answer("/direct_messages/new.xml", messageElement(9, "bob"));
+    const QByteArray element = "<direct_message><id>9</id><text>hi</text><sender>"
+        + KRTestSite::user(1, "alice") + "</sender><recipient>" + KRTestSite::user(2, "bob")
+        + "</recipient></direct_message>";
+    const QByteArray sent = QByteArray(element).replace("<user>", "").replace("</user>", "");
+    m_site.answer("/direct_messages/new.xml", sent);
     m_site.answer("/direct_messages.xml", "<direct-messages/>");
-    m_site.answer("/direct_messages/sent.xml",
-        "<direct-messages>" + messageElement(9, "bob") + "</direct-messages>");
-    TwitterUser bob;
-    bob.setUserID(u"2"_s);
-    bob.setUsername(u"bob"_s);
-    const auto receiver = std::make_shared<MessageReceiver>();
-    m_account->sendDirectMessage(u"hi & bye"_s, bob, Callback(receiver, &MessageReceiver::took));
+    m_site.answer("/direct_messages/sent.xml", "<direct-messages>" + sent + "</direct-messages>");
+    const TwitterUserPtr bob = KRTestUser(u"2"_s, u"bob"_s);
+    using Receiver = KRTestReceiver<TwitterDirectMessagePtr>;
+    const auto receiver = std::make_shared<Receiver>();
+    m_account->sendDirectMessage(u"hi & bye"_s, *bob, Callback(receiver, &Receiver::took));
     ASSERT_TRUE(KRWaitUntil([&] { return !m_account->directMessagesManager()->conversations().isEmpty(); }));
     ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 3; })) << "the message, then both lists";
     EXPECT_EQ(receiver->count, 1);
@@ -295,26 +223,20 @@ TEST_F(MessagesAndSearches, ASentMessageLoadsTheMessages)
     EXPECT_EQ(m_site.requests().value(0).body, "user=2&text=hi+%26+bye");
 
     m_site.answer("/direct_messages/new.xml", "<hash><error>not your friend</error></hash>", 403);
-    const qsizetype before = m_site.requests().size();
-    bob.setUserID({});
-    const auto refused = std::make_shared<MessageReceiver>();
-    m_account->sendDirectMessage(u"hi"_s, bob, Callback(refused, &MessageReceiver::took));
-    ASSERT_TRUE(KRWaitUntil([&] { return refused->count == 1; }));
-    EXPECT_EQ(refused->result->error().description, u"Forbidden. not your friend"_s);
-    EXPECT_EQ(m_site.requests().value(before).body, "user=bob&text=hi") << "known by name only";
-    EXPECT_EQ(m_site.requests().size(), before + 1) << "a failure loads nothing";
+    bob->setUserID({});
+    m_account->sendDirectMessage(u"hi"_s, *bob, Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 2; }));
+    EXPECT_EQ(receiver->result->error().description, u"Forbidden. not your friend"_s);
+    EXPECT_EQ(m_site.requests().value(3).body, "user=bob&text=hi") << "known by name only";
+    EXPECT_EQ(m_site.requests().size(), 4) << "a failure loads nothing";
 }
 
 TEST_F(MessagesAndSearches, TrendsLoadOnFirstDemandAndOnceAtATime)
 {
     QTemporaryDir directory;
     KRUserDefaults defaults { directory.filePath(u"pelinor.ini"_s) };
-    auto twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, m_hosts, false });
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterTrendsDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            twitter.get());
+    auto twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, m_context.hosts, false });
+    const KRTestCounter<TwitterTrendsDidUpdateNotification> updates(twitter);
     m_site.answer("/trends.json", "<div>no</div>", 501);
     EXPECT_TRUE(twitter->trends().isEmpty());
     EXPECT_TRUE(twitter->trends().isEmpty());
@@ -323,13 +245,13 @@ TEST_F(MessagesAndSearches, TrendsLoadOnFirstDemandAndOnceAtATime)
     // The failure frees the way for the next request.
     ASSERT_TRUE(KRWaitUntil([&] { return !twitter->trends().isEmpty(); }));
     EXPECT_EQ(twitter->trends(), (QStringList { u"#tea"_s, u"b"_s }));
-    EXPECT_EQ(updates, 1);
+    EXPECT_EQ(updates.count, 1);
     EXPECT_EQ(m_site.requests().size(), 2);
 
     m_site.answer("/trends.json", "[]");
     twitter->updateTrends();
     twitter->updateTrends();
-    ASSERT_TRUE(KRWaitUntil([&] { return updates == 2; }));
+    ASSERT_TRUE(KRWaitUntil([&] { return updates.count == 2; }));
     EXPECT_TRUE(twitter->trends().isEmpty());
     EXPECT_EQ(m_site.requests().size(), 3) << "an empty list is a list";
 
@@ -337,5 +259,5 @@ TEST_F(MessagesAndSearches, TrendsLoadOnFirstDemandAndOnceAtATime)
     twitter.reset();
     EXPECT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 4; }));
     KRRunLoop::main().runPending();
-    EXPECT_EQ(updates, 2);
+    EXPECT_EQ(updates.count, 2);
 }

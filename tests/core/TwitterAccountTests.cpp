@@ -1,63 +1,12 @@
-#include "core/Twitter.h"
+#include "KRTestAccount.h"
 #include "foundation/KRKeyedArchiver.h"
-#include "foundation/KRUserDefaults.h"
 #include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestSite.h"
-#include "support/KRTestWait.h"
-#include "transport/KRHTTPConnection.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-class TwitterAccountTest : public testing::Test {
-protected:
-    TwitterAccountTest()
-    {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
-        TwitterServiceHosts hosts;
-        hosts.setValueForKey(m_site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
-        m_context = { std::make_shared<TwitterUniquingTables>(), hosts };
-        m_account = TwitterAccount::accountWithUsername(u"Alice"_s, u"pw"_s, m_context);
-    }
-
-    TwitterStatusPtr
-    status(const QString& id, const QString& author, const QDateTime& date, const QString& text = u"x"_s)
-    {
-        const auto status = std::make_shared<TwitterStatus>();
-        status->setStatusID(id);
-        status->setText(text);
-        status->setDate(date);
-        const auto user = std::make_shared<TwitterUser>();
-        user->setUsername(author);
-        status->setFromUser(user);
-        return status;
-    }
-
-    KRTestLog m_log;
-    KRTestSite m_site;
-    TwitterAccountContext m_context;
-    TwitterAccountPtr m_account;
-};
-
-/// Keeps what a callback brings.
-template <class T>
-struct Receiver {
-    std::atomic<int> count = 0;
-    std::optional<KRResult<T>> result;
-    void took(const KRResult<T>& value)
-    {
-        result.emplace(value);
-        ++count;
-    }
-};
+using TwitterAccountTest = KRTestAccount;
 
 } // namespace
 
@@ -86,7 +35,7 @@ TEST_F(TwitterAccountTest, ArchivesItselfWithoutItsPassword)
 TEST_F(TwitterAccountTest, KnowsWhatIsFresh)
 {
     KRManualClock clock;
-    const TwitterAccountPtr account = TwitterAccount::accountWithUsername(u"alice"_s, u"pw"_s, m_context);
+    const TwitterAccountPtr account = makeAccount();
     const QDateTime now = clock.now();
     EXPECT_FALSE(account->hasFreshTweets());
     const auto stream = account->timelineStream();
@@ -98,17 +47,10 @@ TEST_F(TwitterAccountTest, KnowsWhatIsFresh)
     EXPECT_TRUE(account->hasFreshTweets());
     EXPECT_TRUE(account->hasFreshAnythingApplicableToStatusItem());
     EXPECT_FALSE(account->hasFreshAnythingApplicableToDockBadge());
-    account->setNotificationOptions(TwitterAccountTimelineDockBadge);
-    EXPECT_FALSE(account->hasFreshAnythingApplicableToStatusItem());
-    EXPECT_TRUE(account->hasFreshAnythingApplicableToDockBadge());
 
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            account.get());
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account);
     account->noteFreshTweets();
-    EXPECT_EQ(updates, 1);
+    EXPECT_EQ(updates.count, 1);
     EXPECT_FALSE(account->hasFreshTweets());
     stream->addStatuses({ status(u"4"_s, u"bob"_s, now.addSecs(7)) });
     EXPECT_FALSE(account->hasFreshTweets()) << "the mark is the newest post's date, one's own included";
@@ -122,14 +64,14 @@ TEST_F(TwitterAccountTest, KnowsWhatIsFresh)
 TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
 {
     m_account->setNotificationOptions(TwitterAccountTimelineGrowl);
-    QStringList announced;
+    QString announced;
     const KRObservation observation
         = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewTimelineStatuses>(
             [&](const auto& notification) {
-                QStringList ids;
+                announced += u'[';
                 for (const TwitterStatusPtr& one : *notification.object)
-                    ids.append(one->statusID());
-                announced.append(u'[' + ids.join(u' ') + u']');
+                    announced += one->statusID();
+                announced += u']';
             });
     const QDateTime now = KRNow();
     m_account->timelineStream()->addStatuses(
@@ -137,26 +79,25 @@ TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
     m_account->timelineStream()->addStatuses(
         { status(u"1"_s, u"bob"_s, now), status(u"3"_s, u"bob"_s, now.addSecs(2)) });
     m_account->repliesStream()->addStatuses({});
-    EXPECT_EQ(announced.join(u""_s), u"[2 1][3][]"_s);
+    EXPECT_EQ(announced, u"[21][3][]"_s);
 
     m_account->setNotificationOptions(TwitterAccountMentionsGrowl);
-    QStringList mentions;
+    QList<qsizetype> mentions;
     const KRObservation mentionsObservation
         = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewMentionStatuses>(
-            [&](const auto& notification) { mentions.append(QString::number(notification.object->size())); });
+            [&](const auto& notification) { mentions.append(notification.object->size()); });
     m_account->repliesStream()->addStatuses({ status(u"4"_s, u"bob"_s, now) });
     m_account->timelineStream()->addStatuses({ status(u"5"_s, u"bob"_s, now) });
-    EXPECT_EQ(mentions, (QStringList { u"1"_s, u"0"_s }));
-    EXPECT_EQ(announced.size(), 3) << "each kind answers to its own bit";
+    EXPECT_EQ(mentions, (QList<qsizetype> { 1, 0 }));
+    EXPECT_EQ(announced, u"[21][3][]"_s) << "each kind answers to its own bit";
 }
 
 TEST_F(TwitterAccountTest, RefreshesWithItsCredentials)
 {
+    const QByteArray hi = KRTestSite::status(5, "carol", "hi @alice");
     m_site.answer("/statuses/home_timeline.xml",
-        KRTestSite::statuses(
-            { KRTestSite::status(7, "bob", "hello"), KRTestSite::status(5, "carol", "hi @alice") }));
-    m_site.answer("/statuses/replies.xml",
-        KRTestSite::statuses({ KRTestSite::status(5, "carol", "hi @alice") }));
+        KRTestSite::statuses({ KRTestSite::status(7, "bob", "hello"), hi }));
+    m_site.answer("/statuses/replies.xml", KRTestSite::statuses({ hi }));
     m_site.answer("/direct_messages.xml", "<direct-messages/>");
     m_site.answer("/direct_messages/sent.xml", "<direct-messages/>");
     m_account->refresh();
@@ -179,19 +120,19 @@ TEST_F(TwitterAccountTest, APostLoadsTheTimeline)
     m_site.answer("/statuses/update.xml", KRTestSite::status(9, "alice", "posted"));
     m_site.answer("/statuses/home_timeline.xml",
         KRTestSite::statuses({ KRTestSite::status(9, "alice", "posted") }));
-    const auto receiver = std::make_shared<Receiver<TwitterStatusPtr>>();
-    m_account->update(u"posted & <sent>"_s, u"4"_s, Callback(receiver, &Receiver<TwitterStatusPtr>::took));
+    using Receiver = KRTestReceiver<TwitterStatusPtr>;
+    const auto receiver = std::make_shared<Receiver>();
+    m_account->update(u"posted & <sent>"_s, u"4"_s, Callback(receiver, &Receiver::took));
     ASSERT_TRUE(KRWaitUntil([&] { return m_account->timelineStream()->newestStatusID() == u"9"; }));
     EXPECT_EQ(receiver->count, 1);
     EXPECT_EQ(m_site.requests().value(0).body,
         QByteArray("status=posted+%26+%3Csent%3E&in_reply_to_status_id=4&source=pelinor"));
 
     m_site.answer("/statuses/update.xml", "<hash><error>duplicate</error></hash>", 400);
-    const auto failed = std::make_shared<Receiver<TwitterStatusPtr>>();
-    m_account->update(u"posted"_s, {}, Callback(failed, &Receiver<TwitterStatusPtr>::took));
-    ASSERT_TRUE(KRWaitUntil([&] { return failed->count == 1; }));
-    ASSERT_TRUE(failed->result->isError());
-    EXPECT_EQ(failed->result->error().description, u"Bad request. duplicate"_s);
+    m_account->update(u"posted"_s, {}, Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 2; }));
+    ASSERT_TRUE(receiver->result->isError());
+    EXPECT_EQ(receiver->result->error().description, u"Bad request. duplicate"_s);
     EXPECT_EQ(m_site.targets().count("POST /statuses/update.xml"), 2);
 }
 
@@ -206,8 +147,9 @@ TEST_F(TwitterAccountTest, LooksUpWithoutCredentialsFirst)
     for (const bool open : { true, false }) {
         isPublic = open;
         const qsizetype before = m_site.requests().size();
-        const auto receiver = std::make_shared<Receiver<TwitterUserPtr>>();
-        m_account->requestUserWithUsername(u"bob"_s, Callback(receiver, &Receiver<TwitterUserPtr>::took));
+        const auto receiver = std::make_shared<KRTestReceiver<TwitterUserPtr>>();
+        m_account->requestUserWithUsername(u"bob"_s,
+            Callback(receiver, &KRTestReceiver<TwitterUserPtr>::took));
         ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 1; }));
         ASSERT_FALSE(receiver->result->isError());
         EXPECT_EQ(receiver->result->value(), m_context.tables->cachedUserWithID(u"3"_s));
@@ -217,8 +159,8 @@ TEST_F(TwitterAccountTest, LooksUpWithoutCredentialsFirst)
     EXPECT_TRUE(m_log.contains(u"couldn't load user unathenticated... trying authenticated"_s));
 
     m_site.answer("/statuses/show/8.xml", "<hash><error>gone</error></hash>", 410);
-    const auto receiver = std::make_shared<Receiver<TwitterStatusPtr>>();
-    m_account->requestStatusWithID(u"8"_s, Callback(receiver, &Receiver<TwitterStatusPtr>::took));
+    const auto receiver = std::make_shared<KRTestReceiver<TwitterStatusPtr>>();
+    m_account->requestStatusWithID(u"8"_s, Callback(receiver, &KRTestReceiver<TwitterStatusPtr>::took));
     ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 1; }));
     EXPECT_EQ(receiver->result->error().code, 410);
 }
@@ -226,11 +168,7 @@ TEST_F(TwitterAccountTest, LooksUpWithoutCredentialsFirst)
 TEST_F(TwitterAccountTest, LoadsItsOwnUserOnDemandAndAgainAfterAFailure)
 {
     m_site.answer("/users/show.xml", "nothing", 503);
-    int updates = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
-            [&](const auto&) { ++updates; },
-            m_account.get());
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account);
     EXPECT_EQ(m_account->user(), nullptr);
     EXPECT_EQ(m_account->user(), nullptr);
     ASSERT_TRUE(KRWaitUntil([&] { return m_log.contains(u"Error loading user for account Alice"_s); }));
@@ -238,14 +176,12 @@ TEST_F(TwitterAccountTest, LoadsItsOwnUserOnDemandAndAgainAfterAFailure)
 
     m_site.answer("/users/show.xml", KRTestSite::user(1, "alice"));
     EXPECT_EQ(m_account->user(), nullptr);
-    ASSERT_TRUE(KRWaitUntil([&] { return updates == 1; }));
+    ASSERT_TRUE(KRWaitUntil([&] { return updates.count == 1; }));
     EXPECT_EQ(m_account->user(), m_context.tables->cachedUserWithID(u"1"_s));
-    const auto newer = std::make_shared<TwitterUser>();
-    newer->setUserID(u"1"_s);
-    newer->setUsername(u"alice"_s);
+    const TwitterUserPtr newer = KRTestUser(u"1"_s, u"alice"_s);
     newer->setLastUpdated(KRNow().addSecs(60));
     m_context.tables->definitiveUser(newer);
-    EXPECT_EQ(updates, 2);
+    EXPECT_EQ(updates.count, 2);
 }
 
 TEST_F(TwitterAccountTest, MarksFavouritesAtOnce)

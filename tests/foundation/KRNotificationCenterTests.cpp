@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <thread>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct PlainNotification {
@@ -24,24 +26,20 @@ TEST(KRNotificationCenter, DeliversByTypeAndObject)
     KRNotificationCenter center;
     const int one = 1;
     const int two = 2;
-    QStringList heard;
-    const KRObservation any = center.observe<ObjectNotification>([&](const ObjectNotification& notification) {
-        heard.append(QStringLiteral("any:") + notification.text);
-    });
+    QString heard;
+    const KRObservation any = center.observe<ObjectNotification>(
+        [&](const auto& notification) { heard += u" any:"_s + notification.text; });
     KRObservation onlyOne = center.observe<ObjectNotification>(
-        [&](const ObjectNotification& notification) {
-            heard.append(QStringLiteral("one:") + notification.text);
-        },
+        [&](const auto& notification) { heard += u" one:"_s + notification.text; },
         &one);
-    const KRObservation plain = center.observe<PlainNotification>(
-        [&](const PlainNotification&) { heard.append(QStringLiteral("plain")); });
+    const KRObservation plain = center.observe<PlainNotification>([&](const auto&) { heard += u" plain"_s; });
 
     center.post(ObjectNotification { &one, QStringLiteral("a") });
     center.post(ObjectNotification { &two, QStringLiteral("b") });
     onlyOne = {};
     center.post(ObjectNotification { &one, QStringLiteral("c") });
     center.post(PlainNotification());
-    EXPECT_EQ(heard.join(u' '), QStringLiteral("any:a one:a any:b any:c plain"));
+    EXPECT_EQ(heard, QStringLiteral(" any:a one:a any:b any:c plain"));
 }
 
 TEST(KRNotificationCenter, TakesChangesFromInsideAHandler)
@@ -51,17 +49,16 @@ TEST(KRNotificationCenter, TakesChangesFromInsideAHandler)
     int removed = 0;
     KRObservation second;
     KRObservation added;
-    const KRObservation first = center.observe<PlainNotification>([&](const PlainNotification&) {
+    const KRObservation first = center.observe<PlainNotification>([&](const auto&) {
         second.invalidate();
-        added = center.observe<PlainNotification>([&](const PlainNotification&) { ++late; });
+        added = center.observe<PlainNotification>([&](const auto&) { ++late; });
     });
-    second = center.observe<PlainNotification>([&](const PlainNotification&) { ++removed; });
-    center.post(PlainNotification());
-    EXPECT_EQ(removed, 0);
-    EXPECT_EQ(late, 0);
-    center.post(PlainNotification());
-    EXPECT_EQ(removed, 0);
-    EXPECT_EQ(late, 0) << "the first observer replaced it before its turn";
+    second = center.observe<PlainNotification>([&](const auto&) { ++removed; });
+    for (int i = 0; i < 2; ++i) {
+        center.post(PlainNotification());
+        EXPECT_EQ(removed, 0);
+        EXPECT_EQ(late, 0) << "it is added too late, and replaced before its next turn";
+    }
 }
 
 TEST(KRNotificationCenter, AnObservationMayOutliveItsCenter)
@@ -69,7 +66,7 @@ TEST(KRNotificationCenter, AnObservationMayOutliveItsCenter)
     KRObservation observation;
     {
         KRNotificationCenter center;
-        observation = center.observe<PlainNotification>([](const PlainNotification&) { FAIL(); });
+        observation = center.observe<PlainNotification>([](const auto&) { FAIL(); });
     }
     EXPECT_TRUE(observation.isObserving());
     observation.invalidate();
@@ -80,14 +77,12 @@ TEST(KRNotificationCenter, IsSafeFromSeveralThreads)
 {
     KRNotificationCenter center;
     std::atomic<int> heard = 0;
-    const KRObservation steady
-        = center.observe<PlainNotification>([&](const PlainNotification&) { ++heard; });
+    const KRObservation steady = center.observe<PlainNotification>([&](const auto&) { ++heard; });
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int n = 0; n < 500; ++n) {
-                const KRObservation passing
-                    = center.observe<PlainNotification>([](const PlainNotification&) {});
+                const KRObservation passing = center.observe<PlainNotification>([](const auto&) {});
                 center.post(PlainNotification());
             }
         });

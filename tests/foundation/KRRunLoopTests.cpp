@@ -31,11 +31,9 @@ TEST(KRRunLoop, FiresTimersAtTheirTimesByTheClock)
     KRRunLoop loop;
     QStringList fired;
     const auto note = [&](const char* name) {
-        fired.append(
-            QStringLiteral("%1@%2")
-                .arg(QLatin1String(name))
-                .arg(std::chrono::duration_cast<std::chrono::seconds>(clock.monotonicNow().time_since_epoch())
-                         .count()));
+        const auto seconds
+            = std::chrono::floor<std::chrono::seconds>(clock.monotonicNow()).time_since_epoch();
+        fired.append(QStringLiteral("%1@%2").arg(QLatin1String(name)).arg(seconds.count()));
     };
     loop.performAfterDelay(3s, [&] { note("late"); });
     loop.performAfterDelay(0s, [&] { note("now"); });
@@ -83,15 +81,15 @@ TEST(KRRunLoop, WakesADriverThatWaits)
 TEST(KRMainThreadObject, IsDestroyedOnTheMainThread)
 {
     struct Object {
-        std::thread::id* destroyedOn;
-        explicit Object(std::thread::id* thread)
+        explicit Object(std::thread::id& thread)
             : destroyedOn(thread)
         {
         }
-        ~Object() { *destroyedOn = std::this_thread::get_id(); }
+        ~Object() { destroyedOn = std::this_thread::get_id(); }
+        std::thread::id& destroyedOn;
     };
     std::thread::id destroyedOn;
-    std::shared_ptr<Object> object = KRMakeMainThreadObject<Object>(&destroyedOn);
+    std::shared_ptr<Object> object = KRMakeMainThreadObject<Object>(destroyedOn);
     std::thread([kept = std::move(object)]() mutable { kept.reset(); }).join();
     EXPECT_EQ(destroyedOn, std::thread::id());
     EXPECT_TRUE(KRWaitUntil([&] { return destroyedOn == std::this_thread::get_id(); }));

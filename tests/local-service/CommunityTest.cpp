@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
@@ -92,9 +93,10 @@ TEST(CommunityTest, StateSurvivesARestartAndResetForgetsIt)
     service.start();
     const std::string authority = contents(service.running().authorityFile);
     const auto everybody = service.running().accounts.size();
-    const long long id
-        = Caller(service, "alice", "wonderland")
-              .update("see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob");
+    const auto ownLink
+        = [&] { return "see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob"; };
+    const std::string show = "/statuses/show/"
+        + std::to_string(Caller(service, "alice", "wonderland").update(ownLink())) + ".xml";
     for (const char* name : { "/service.sqlite", "/server-key.pem", "/ca.pem", "/services.ini" })
         EXPECT_TRUE(isPrivate(service.directory() + name)) << name;
     EXPECT_TRUE(isPrivate(service.directory()));
@@ -102,15 +104,13 @@ TEST(CommunityTest, StateSurvivesARestartAndResetForgetsIt)
     service.restart();
     EXPECT_EQ(contents(service.running().authorityFile), authority) << "clients trust it already";
     EXPECT_EQ(service.running().accounts.size(), everybody);
-    const Reply shown = Caller(service).get("/statuses/show/" + std::to_string(id) + ".xml");
-    EXPECT_EQ(shown.text("status", "text"),
-        "see http://127.0.0.1:" + std::to_string(service.running().httpPort) + "/bob")
+    EXPECT_EQ(Caller(service).get(show).text("status", "text"), ownLink())
         << "links into the service follow its ports";
     EXPECT_THAT(contents(service.running().servicesFile),
         HasSubstr("RESTHost=127.0.0.1:" + std::to_string(service.running().httpsPort) + "\n"));
 
     service.restart(true);
-    EXPECT_EQ(Caller(service).get("/statuses/show/" + std::to_string(id) + ".xml").status, 404);
+    EXPECT_EQ(Caller(service).get(show).status, 404);
     EXPECT_EQ(contents(service.running().authorityFile), authority);
 }
 
@@ -129,16 +129,8 @@ TEST(CommunityTest, AFolderOrPortInUseIsRefused)
 
 TEST(CommandLineTest, UnderstandsItsOptionsAndNamesMistakes)
 {
-    const CommandLine line = parseCommandLine({ "--data",
-        "/tmp/x",
-        "--port",
-        "0",
-        "--tls-port",
-        "4443",
-        "--reset",
-        "--seed-only",
-        "--write-services",
-        "f" });
+    std::istringstream words("--data /tmp/x --port 0 --tls-port 4443 --reset --seed-only --write-services f");
+    const CommandLine line = parseCommandLine({ std::istream_iterator<std::string>(words), {} });
     EXPECT_EQ(line.mistake, "");
     EXPECT_EQ(line.options.dataDirectory, "/tmp/x");
     EXPECT_EQ(line.options.httpPort, 0);

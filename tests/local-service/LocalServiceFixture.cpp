@@ -20,19 +20,9 @@ ServiceUnderTest::~ServiceUnderTest()
     std::filesystem::remove_all(m_directory, error);
 }
 
-void ServiceUnderTest::start()
-{
-    restart();
-}
-
 void ServiceUnderTest::restart(bool startsFresh)
 {
-    LocalServiceOptions options;
-    options.dataDirectory = m_directory;
-    options.httpPort = 0;
-    options.httpsPort = 0;
-    options.startsFresh = startsFresh;
-    const auto running = m_service.start(options);
+    const auto running = m_service.start({ m_directory, 0, 0, startsFresh });
     ASSERT_TRUE(running) << m_service.failure();
     m_running = *running;
 }

@@ -14,7 +14,7 @@ public:
     ServiceUnderTest();
     ~ServiceUnderTest();
 
-    void start();
+    void start() { restart(); }
     void restart(bool startsFresh = false);
     void stop() { m_service.stop(); }
 

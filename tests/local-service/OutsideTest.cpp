@@ -7,7 +7,6 @@
 #include <QSettings>
 
 #include <gmock/gmock.h>
-#include <map>
 #include <set>
 
 using testing::EndsWith;
@@ -39,18 +38,33 @@ protected:
         return value;
     }
 
+    // The address of a service that speaks plain HTTP.
+    [[nodiscard]] static std::string at(const char* key) { return "http://" + host(key); }
+
+    [[nodiscard]] static Reply replyOf(const httplib::Result& result)
+    {
+        return result ? Reply { result->status, result->body, result->headers } : Reply {};
+    }
+
     // Asks for a whole address, without following redirects.
     [[nodiscard]] static Reply get(const std::string& address)
     {
         const std::size_t path = address.find('/', address.find("://") + 3);
+        return replyOf(httplib::Client(address.substr(0, path)).Get(address.substr(path)));
+    }
+
+    template <class Form>
+    [[nodiscard]] static Reply post(const std::string& address, const Form& form)
+    {
+        const std::size_t path = address.find('/', address.find("://") + 3);
         httplib::Client client(address.substr(0, path));
-        const auto result = client.Get(address.substr(path));
-        return result ? Reply { result->status, result->body, result->headers } : Reply {};
+        client.set_ca_cert_path(service().running().authorityFile.c_str());
+        return replyOf(client.Post(address.substr(path), form));
     }
 
     static std::vector<std::string> found(const std::string& query)
     {
-        const Reply reply = get("http://" + host("SearchHost") + "/search.json?" + query);
+        const Reply reply = get(at("SearchHost") + "/search.json?" + query);
         EXPECT_EQ(reply.status, 200) << reply.body;
         std::vector<std::string> ids;
         for (const auto& result : json(reply.body)[QLatin1String("results")].toArray())
@@ -96,30 +110,19 @@ TEST_F(OutsideTest, SearchFindsAllTermsNewestFirstAndInPages)
     };
     for (const auto& c : cases)
         EXPECT_EQ(found("q=" + encoded(c.query)), c.ids) << c.query;
-    EXPECT_EQ(found("q=zebrafinch&since_id=" + first), std::vector { second });
-    EXPECT_EQ(found("q=zebrafinch&rpp=1&page=2"), std::vector { first });
     EXPECT_EQ(found("q=e").size(), 15U);
     EXPECT_EQ(found("q=e&rpp=1000").size(), 100U);
-
-    const Reply reply = get("http://" + host("SearchHost") + "/search.json?q=zebrafinch%20two");
+    const Reply reply = get(at("SearchHost") + "/search.json?q=zebrafinch%20two");
     const QJsonObject hit = json(reply.body)[QLatin1String("results")].toArray().first().toObject();
-    EXPECT_EQ(hit[QLatin1String("text")].toString(),
-        QStringLiteral("@alice zebrafinch & <number> two http://example.org/x"));
-    EXPECT_EQ(hit[QLatin1String("from_user")].toString(), QStringLiteral("bob"));
     EXPECT_EQ(hit[QLatin1String("to_user")].toString(), QStringLiteral("alice"));
     EXPECT_EQ(get(hit[QLatin1String("profile_image_url")].toString().toStdString()).status, 200);
-    const QString date = hit[QLatin1String("created_at")].toString();
-    EXPECT_TRUE(
-        QLocale::c().toDateTime(date.chopped(6), QStringLiteral("ddd, dd MMM yyyy HH:mm:ss")).isValid())
-        << date.toStdString();
-    EXPECT_THAT(date.toStdString(), EndsWith(" +0000"));
 }
 
 TEST_F(OutsideTest, TrendsAreTheTagsOfTheCommunity)
 {
     std::set<std::string> names;
     for (const auto& trend :
-        json(get("http://" + host("SearchHost") + "/trends.json").body)[QLatin1String("trends")].toArray()) {
+        json(get(at("SearchHost") + "/trends.json").body)[QLatin1String("trends")].toArray()) {
         const std::string name = trend.toObject()[QLatin1String("name")].toString().toStdString();
         EXPECT_THAT(name, StartsWith("#"));
         EXPECT_FALSE(found("q=" + encoded(name)).empty()) << name;
@@ -129,190 +132,100 @@ TEST_F(OutsideTest, TrendsAreTheTagsOfTheCommunity)
     EXPECT_EQ(names.count("#letterpress"), 1U);
 }
 
-TEST_F(OutsideTest, ShortLinksLeadBackAndExpand)
+TEST_F(OutsideTest, ShortLinksLeadBackAndAreMadeOnce)
 {
     const std::string target = "http://example.org/a_(b)?x=1&y=ü#z";
-    const std::string account = "version=2.0.1&login=pelinorapp&apiKey=R_0&format=json&";
-    const auto url = [](const std::string& link) { return encoded(link); };
-
-    const QJsonObject bitly
-        = json(get("http://" + host("BitlyAPIHost") + "/shorten?" + account + "longUrl=" + url(target)).body);
-    std::map<std::string, std::string> links;
-    links["Bitly"] = bitly[QLatin1String("results")]
-                         .toObject()
-                         .begin()
-                         ->toObject()[QLatin1String("shortUrl")]
-                         .toString()
-                         .toStdString();
-    links["TinyURL"] = get("http://" + host("TinyURLAPIHost") + "/api-create.php?url=" + url(target)).body;
-    links["IsGd"] = get("http://" + host("IsGdAPIHost") + "/api.php?longurl=" + url(target)).body;
-    const std::string trim
-        = get("http://" + host("TrImAPIHost") + "/api/trim_simple?url=" + url(target)).body;
-    ASSERT_THAT(trim, EndsWith("\n"));
-    links["TrIm"] = trim.substr(0, trim.size() - 1);
-    for (const auto& [service, link] : links)
-        EXPECT_THAT(link, StartsWith("http://" + host((service + "LinkHost").c_str()) + "/"));
-
-    const std::string digg
-        = get("http://" + host("DiggBarAPIHost") + "/url/short/create?appkey=http://a.b/&url=" + url(target))
-              .body;
-    const std::size_t begin = digg.find("short_url=\"") + 11;
-    links["DiggBar"] = digg.substr(begin, digg.find('"', begin) - begin);
-
-    for (const auto& [service, link] : links) {
-        SCOPED_TRACE(service);
+    const std::pair<const char*, const char*> services[] = {
+        { "IsGd", "/api.php?longurl=" },
+        { "TinyURL", "/api-create.php?url=" },
+        { "TrIm", "/api/trim_simple?url=" },
+    };
+    for (const auto& [name, path] : services) {
+        const std::string key(name);
+        const std::string shorten = at((key + "APIHost").c_str()) + path + encoded(target);
+        std::string link = get(shorten).body;
+        EXPECT_EQ(get(shorten).body, link);
+        EXPECT_THAT(link, StartsWith(at((key + "LinkHost").c_str()) + "/"));
+        ASSERT_EQ(link.ends_with("\n"), key == "TrIm");
+        link.erase(link.find_last_not_of('\n') + 1);
         const Reply redirect = get(link);
         EXPECT_EQ(redirect.status, 301);
         // The client library has already decoded the header.
         EXPECT_EQ(redirect.headers.find("Location")->second, target);
-
-        const QJsonObject longURL
-            = json(get("http://" + host("LongURLAPIHost") + "/v1/expand?format=json&url=" + url(link)).body);
-        EXPECT_EQ(longURL[QLatin1String("long_url")].toString().toStdString(), target);
-        const QJsonObject plain
-            = json(get("http://" + host("ExpansionAPIHost") + "/api/v1.1?q=" + url(link)).body);
-        EXPECT_EQ(plain.size(), 1);
-        EXPECT_EQ(plain[QString::fromStdString(link)].toString().toStdString(), target);
-        EXPECT_THAT(
-            get("http://" + host("BitlyAPIHost") + "/expand?" + account + "shortUrl=" + url(link)).body,
-            HasSubstr("\"longUrl\":\"" + target + "\""));
     }
-    EXPECT_EQ(get("http://" + host("IsGdAPIHost") + "/api.php?longurl=" + url(target)).body, links["IsGd"]);
 }
 
 TEST_F(OutsideTest, ShortenersRefuseWhatIsNoLink)
 {
-    const std::string bitly = "http://" + host("BitlyAPIHost");
+    const std::string bitly = at("BitlyAPIHost");
     EXPECT_THAT(get(bitly + "/shorten?login=a&apiKey=R_1&longUrl=nonsense").body, Not(HasSubstr("shortUrl")));
     EXPECT_THAT(get(bitly + "/shorten?longUrl=http://example.org/").body, HasSubstr("INVALID_LOGIN"));
     EXPECT_THAT(get(bitly + "/expand?login=a&apiKey=R_1&shortUrl=http://example.org/x").body,
         Not(HasSubstr("longUrl")));
     for (const std::string nonsense :
         { "", "javascript:alert(1)", "http://a b.example/", "http://a.example/%0d%0aX-Evil:+1" })
-        EXPECT_EQ(get("http://" + host("TinyURLAPIHost") + "/api-create.php?url=" + nonsense).status, 400)
-            << nonsense;
-    EXPECT_EQ(get("http://" + host("DiggBarAPIHost") + "/url/short/create").status, 400);
-    EXPECT_EQ(get("http://" + host("LongURLAPIHost") + "/v1/expand?url=http://example.org/").status, 400);
-    EXPECT_EQ(get("http://" + host("ExpansionAPIHost") + "/api/v1.1?q=http://example.org/").status, 404);
-    EXPECT_EQ(get("http://" + host("OtherShort1LinkHost") + "/nosuch").status, 404);
-    EXPECT_THAT(get("http://" + host("TinyURLAPIHost") + "/api-create.php?url=www.example.org").body,
+        EXPECT_EQ(get(at("TinyURLAPIHost") + "/api-create.php?url=" + nonsense).status, 400) << nonsense;
+    EXPECT_EQ(get(at("DiggBarAPIHost") + "/url/short/create").status, 400);
+    EXPECT_EQ(get(at("LongURLAPIHost") + "/v1/expand?url=http://example.org/").status, 400);
+    EXPECT_EQ(get(at("ExpansionAPIHost") + "/api/v1.1?q=http://example.org/").status, 404);
+    EXPECT_EQ(get(at("OtherShort1LinkHost") + "/nosuch").status, 404);
+    EXPECT_THAT(get(at("TinyURLAPIHost") + "/api-create.php?url=www.example.org").body,
         StartsWith("http://"));
 }
 
-TEST_F(OutsideTest, UploadsComeBackAtTheirLinks)
+TEST_F(OutsideTest, UploadsAreKeptWithTheirKindAndNothingElseIs)
 {
-    const std::string picture = std::string("\xff\xd8\xff\xe0 a picture") + std::string(100'000, '\7');
-    const std::string movie = std::string("\0\0\0\x14"
-                                          "ftypqt  ",
-                                  12)
-        + std::string(50'000, '\1');
-    const auto upload = [](const std::string& key,
-                            const std::string& path,
-                            const std::string& part,
-                            const std::string& password,
-                            const std::string& content) {
-        const bool isSecure = key == "TwitPic" || key == "YFrog";
-        const std::string address = host((key + "APIHost").c_str());
-        const std::size_t slash = address.find('/');
-        httplib::Client client((isSecure ? "https://" : "http://") + address.substr(0, slash));
-        client.set_ca_cert_path(service().running().authorityFile.c_str());
-        const auto result = client.Post(address.substr(slash) + path,
+    const std::string picture = "\xff\xd8\xff\xe0 a picture" + std::string(100'000, '\7');
+    const std::string movie = std::string("\0\0\0\024ftypqt  ", 12) + std::string(50'000, '\1');
+    const auto upload = [](const std::string& address, const std::string& part, const std::string& content) {
+        return post(address,
             httplib::MultipartFormDataItems { { "username", "alice", "", "" },
-                { "password", password, "", "" },
-                { "source", "pelinor", "", "" },
+                { "password", "wonderland", "", "" },
                 { part, content, "image.jpg", "image/jpeg" } });
-        return result ? Reply { result->status, result->body, result->headers } : Reply {};
     };
     const struct {
-        const char* key;
-        const char* path;
-        const char* part;
-        const char* element;
-        std::function<std::string(const std::string&)> full;
+        std::string address, part, parent, element, full;
     } services[] = {
-        { "TwitPic",
-            "/api/upload",
-            "media",
-            "mediaurl",
-            [](const std::string& link) {
-                const std::string prefix = "http://" + host("TwitPicLinkHost");
-                return prefix + "/show/iphone" + link.substr(prefix.size());
-            } },
-        { "YFrog",
-            "/api/upload",
-            "media",
-            "mediaurl",
-            [](const std::string& link) { return link + ":iphone"; } },
-        { "Twitgoo",
-            "/api/upload",
-            "media",
-            "mediaurl",
-            [](const std::string& link) { return link + "/img"; } },
-        { "Posterous", "/api/upload", "media", "mediaurl", nullptr },
-        { "ImgLy",
-            "/api/upload",
-            "media",
-            "mediaurl",
-            [](const std::string& link) {
-                const std::string prefix = "http://" + host("ImgLyLinkHost");
-                return prefix + "/show/large" + link.substr(prefix.size());
-            } },
-        { "PixIm",
-            "/api/pictures.xml",
-            "picture",
-            "picture_url",
-            [](const std::string& link) { return link + "/full"; } },
+        { "https://" + host("TwitPicAPIHost") + "/api/upload", "media", "rsp", "mediaurl", "" },
+        { "https://" + host("YFrogAPIHost") + "/api/upload", "media", "rsp", "mediaurl", ":iphone" },
+        { at("PixImAPIHost") + "/api/pictures.xml", "picture", "picture", "picture_url", "/full" },
     };
     for (const auto& s : services) {
-        SCOPED_TRACE(s.key);
-        const Reply stored = upload(s.key, s.path, s.part, "wonderland", picture);
-        EXPECT_EQ(stored.status, 200);
-        const std::string link
-            = stored.text(s.element == std::string("mediaurl") ? "rsp" : "picture", s.element);
-        ASSERT_FALSE(link.empty()) << stored.body;
+        SCOPED_TRACE(s.address);
+        const std::string link = upload(s.address, s.part, picture).text(s.parent, s.element);
+        ASSERT_FALSE(link.empty());
         EXPECT_EQ(get(link).status, 200);
-        if (s.full) {
-            EXPECT_THAT(link, StartsWith("http://" + host((std::string(s.key) + "LinkHost").c_str()) + "/"));
-            EXPECT_THAT(link, Not(EndsWith("z")));
-            const Reply full = get(s.full(link));
-            EXPECT_EQ(full.body, picture);
-            EXPECT_EQ(full.headers.find("Content-Type")->second, "image/jpeg");
+        EXPECT_THAT(link, Not(EndsWith("z")));
+        if (!s.full.empty()) {
+            EXPECT_EQ(get(link + s.full).headers.find("Content-Type")->second, "image/jpeg");
         }
-        const std::string element = std::string("<") + s.element;
-        EXPECT_THAT(upload(s.key, s.path, s.part, "wrong", picture).body, Not(HasSubstr(element)));
-        EXPECT_THAT(upload(s.key, s.path, "other", "wonderland", picture).body, Not(HasSubstr(element)));
-        EXPECT_THAT(upload(s.key, s.path, s.part, "wonderland", "<html>").body, Not(HasSubstr(element)));
-        if (s.key != std::string("YFrog")) {
-            EXPECT_THAT(upload(s.key, s.path, s.part, "wonderland", movie).body, Not(HasSubstr(element)));
+        EXPECT_THAT(upload(s.address, "other", picture).body, Not(HasSubstr(s.element)));
+        EXPECT_THAT(upload(s.address, s.part, "<html>").body, Not(HasSubstr(s.element)));
+        const Reply film = upload(s.address, s.part, movie);
+        if (s.full != ":iphone") {
+            EXPECT_THAT(film.body, Not(HasSubstr(s.element)));
+            continue;
         }
+        const std::string seen = film.text("rsp", "mediaurl");
+        EXPECT_THAT(seen, StartsWith(at("YFrogSecondLinkHost") + "/"));
+        EXPECT_EQ(get(seen + ":iphone").headers.find("Content-Type")->second, "video/quicktime");
     }
-
-    const std::string link
-        = upload("YFrog", "/api/upload", "media", "wonderland", movie).text("rsp", "mediaurl");
-    EXPECT_THAT(link, StartsWith("http://" + host("YFrogSecondLinkHost") + "/"));
-    EXPECT_THAT(link, EndsWith("z"));
-    EXPECT_EQ(get(link + ":iphone").body, movie);
-    EXPECT_EQ(get(link + ":iphone").headers.find("Content-Type")->second, "video/quicktime");
-    EXPECT_EQ(get("http://" + host("YFrogLinkHost") + "/..%2f..%2fservice.sqlite:iphone").status, 404);
+    EXPECT_EQ(get(at("YFrogLinkHost") + "/..%2f..%2fservice.sqlite:iphone").status, 404);
 }
 
 TEST_F(OutsideTest, LongPostsAreShortenedToAPostThatFits)
 {
-    const auto post = [](const std::string& message, const std::string& key) {
-        const std::string address = host("TwitlongerAPIHost");
-        const std::size_t slash = address.find('/');
-        httplib::Client client("http://" + address.substr(0, slash));
-        const auto result = client.Post(address.substr(slash) + "/api_post",
+    const auto posted = [](const std::string& message, const std::string& key) {
+        return post(at("TwitlongerAPIHost") + "/api_post",
             httplib::Params { { "application", "pelinordesktop" },
                 { "api_key", key },
                 { "username", "alice" },
                 { "message", message } });
-        return result ? Reply { result->status, result->body, result->headers } : Reply {};
     };
     std::string text;
     for (int i = 0; i < 4000; ++i)
         text += "wört & <" + std::to_string(i) + "> = ";
-    const Reply stored = post(text, "key");
+    const Reply stored = posted(text, "key");
     ASSERT_EQ(stored.status, 200);
     const std::string content = stored.text("post", "content");
     EXPECT_LE(QString::fromStdString(content).size(), 140);
@@ -321,14 +234,14 @@ TEST_F(OutsideTest, LongPostsAreShortenedToAPostThatFits)
     for (const char* element : { "link", "short" })
         EXPECT_THAT(get(stored.text("post", element)).body, HasSubstr("wört &amp; &lt;3999&gt; ="));
     EXPECT_FALSE(stored.text("post", "id").empty());
-    EXPECT_EQ(post("", "key").status, 400);
-    EXPECT_EQ(post(text, "").status, 403);
-    EXPECT_LE(QString::fromStdString(post(std::string(500, 'x'), "key").text("post", "content")).size(), 140);
+    EXPECT_EQ(posted("", "key").status, 400);
+    EXPECT_EQ(posted(text, "").status, 403);
+    const std::string oneWord = posted(std::string(500, 'x'), "key").text("post", "content");
+    EXPECT_LE(QString::fromStdString(oneWord).size(), 140);
 
-    const Reply shrunk = get("http://" + host("TweetshrinkAPIHost") + "/shrink?format=xml&text="
+    const Reply shrunk = get(at("TweetshrinkAPIHost") + "/shrink?format=xml&text="
         + encoded("Thanks to you, @tomorrow! See http://to.example/for  later."));
     EXPECT_EQ(shrunk.text("tweetshrink", "text"), "thx 2 u, @tomorrow! c http://to.example/for l8r.");
-    EXPECT_EQ(shrunk.text("tweetshrink", "difference"), "11");
 }
 
 TEST_F(OutsideTest, LinksOfTheCommunityWork)

@@ -1,7 +1,6 @@
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRNotificationCenter.h"
-#include "model/records/TwitterDirectMessage.h"
-#include "model/records/TwitterStatus.h"
+#include "model/records/KRTestRecords.h"
 #include "support/KRManualClock.h"
 #include "support/KRTestLog.h"
 #include "text/KRArrayAdditions.h"
@@ -23,29 +22,25 @@ TwitterUserPtr userFrom(const QByteArray& xml)
     return TwitterUser::userWithXML("<user>" + xml + "</user>").value();
 }
 
-TEST(Status, EmptyAndMissingElementsChangeNothing)
+TEST(Status, ElementsAreReadIgnoredOrSkipped)
 {
-    const TwitterStatusPtr status
+    const TwitterStatusPtr bare
         = statusFrom("<status><id> 7 </id><text/><created_at>soon</created_at><in_reply_to_status_id>  "
                      "</in_reply_to_status_id></status>");
-    EXPECT_EQ(status->statusID(), u"7"_s);
-    EXPECT_EQ(status->text(), u""_s);
-    EXPECT_FALSE(status->text().isNull());
-    EXPECT_TRUE(status->inReplyToStatusID().isNull());
-    EXPECT_EQ(status->originalDateString(), u"soon"_s);
-    EXPECT_FALSE(status->date().isValid());
-    EXPECT_FALSE(status->fromUser());
-    EXPECT_TRUE(status->isNotADummyStatus());
-}
+    EXPECT_EQ(bare->statusID(), u"7"_s);
+    EXPECT_EQ(bare->text(), u""_s);
+    EXPECT_FALSE(bare->text().isNull());
+    EXPECT_TRUE(bare->inReplyToStatusID().isNull());
+    EXPECT_EQ(bare->originalDateString(), u"soon"_s);
+    EXPECT_FALSE(bare->date().isValid());
+    EXPECT_FALSE(bare->fromUser());
 
-TEST(Status, UnknownElementsAreSkippedWithTheirContentAndIgnoredOnesAreNot)
-{
-    const TwitterStatusPtr status = statusFrom(
+    const TwitterStatusPtr nested = statusFrom(
         "<status><geo><id>1</id></geo><id>2</id><ns:any><user><id>3</id></user></ns:any><user><id>4</id>"
         "<status><id>5</id></status></user><source><text>inside</text></source></status>");
-    EXPECT_EQ(status->statusID(), u"2"_s);
-    EXPECT_EQ(status->fromUser()->userID(), u"4"_s);
-    EXPECT_EQ(status->text(), u"inside"_s);
+    EXPECT_EQ(nested->statusID(), u"2"_s) << "an unknown element is skipped with its content";
+    EXPECT_EQ(nested->fromUser()->userID(), u"4"_s);
+    EXPECT_EQ(nested->text(), u"inside"_s) << "an ignored one is not";
 }
 
 TEST(Status, EntitiesAreUndoneTwice)
@@ -69,22 +64,14 @@ TEST(Status, ABrokenPageGivesNoPartOfItself)
 
 TEST(Status, OrderAndEquality)
 {
-    const auto status = [](const QString& statusID, const char16_t* date) {
-        auto made = std::make_shared<TwitterStatus>();
-        made->setStatusID(statusID);
-        made->setDate(QDateTime::fromString(QString::fromUtf16(date), Qt::ISODate));
-        return made;
-    };
-    const TwitterStatusList statuses { status(u"1"_s, u"2026-01-01T00:00:00Z"),
-        status(u"none"_s, u""),
-        status(u"3"_s, u"2026-01-03T00:00:00Z"),
-        status(u"2"_s, u"2026-01-01T00:00:00Z"),
-        status(u"1"_s, u"") };
+    TwitterStatusList statuses;
+    for (const auto& [statusID, day] : { std::pair(1, 1), { 9, 0 }, { 3, 3 }, { 2, 1 }, { 1, 0 } })
+        statuses += KRTestStatus(QString::number(statusID), {}, QDate(2026, 1, day).startOfDay());
     const auto IDs = [](const TwitterStatusList& list) {
-        return QStringList(mapFunction(list, &TwitterStatus::statusID));
+        return QStringList(mapFunction(list, &TwitterStatus::statusID)).join(u' ');
     };
-    EXPECT_EQ(IDs(sortedArray(statuses)), (QStringList { u"3"_s, u"1"_s, u"2"_s, u"none"_s, u"1"_s }));
-    EXPECT_EQ(IDs(arrayWithoutDuplicates(statuses)), (QStringList { u"1"_s, u"none"_s, u"3"_s, u"2"_s }));
+    EXPECT_EQ(IDs(sortedArray(statuses)), u"3 1 2 9 1"_s) << "those without a date come last";
+    EXPECT_EQ(IDs(arrayWithoutDuplicates(statuses)), u"1 9 3 2"_s);
     // Without an ID only the same object is equal.
     const auto nameless = std::make_shared<TwitterStatus>();
     EXPECT_TRUE(nameless->isEqual(*nameless));
@@ -94,18 +81,17 @@ TEST(Status, OrderAndEquality)
 TEST(Status, ArchivesItsIDAlone)
 {
     TwitterStatus status;
-    KRKeyedArchiver empty;
-    status.encodeWithCoder(empty);
-    EXPECT_FALSE(KRKeyedUnarchiver::unarchiverWithData(empty.archivedData()).value().contains("statusID"_L1));
-
-    status.setStatusID(u"123"_s);
     status.setText(u"not kept"_s);
-    KRKeyedArchiver coder;
-    status.encodeWithCoder(coder);
-    const TwitterStatusPtr restored
-        = TwitterStatus::statusWithCoder(KRKeyedUnarchiver::unarchiverWithData(coder.archivedData()).value());
-    EXPECT_EQ(restored->statusID(), u"123"_s);
-    EXPECT_EQ(restored->text(), u""_s);
+    for (const QString& statusID : { QString(), u"123"_s }) {
+        status.setStatusID(statusID);
+        KRKeyedArchiver archiver;
+        status.encodeWithCoder(archiver);
+        const auto coder = KRKeyedUnarchiver::unarchiverWithData(archiver.archivedData());
+        EXPECT_EQ(coder.value().contains("statusID"_L1), !statusID.isNull());
+        const TwitterStatusPtr restored = TwitterStatus::statusWithCoder(coder.value());
+        EXPECT_EQ(restored->statusID(), statusID);
+        EXPECT_EQ(restored->text(), u""_s);
+    }
 }
 
 TEST(Status, PageOnTheWebSite)
@@ -113,8 +99,7 @@ TEST(Status, PageOnTheWebSite)
     TwitterStatus status;
     status.setStatusID(u"42"_s);
     EXPECT_TRUE(status.twitterURL(u"example.org"_s).isEmpty());
-    status.setFromUser(std::make_shared<TwitterUser>());
-    status.fromUser()->setUsername(u"bob"_s);
+    status.setFromUser(KRTestUser({}, u"bob"_s));
     EXPECT_EQ(status.twitterURL(u"example.org"_s).toEncoded(), "https://example.org/bob/status/42");
     EXPECT_EQ(status.twitterURL(u"example.org/social"_s).toEncoded(),
         "https://example.org/social/bob/status/42");
@@ -148,12 +133,7 @@ TEST(User, Fields)
 
 TEST(User, OrderAndEquality)
 {
-    const auto user = [](const QString& userID, const QString& username) {
-        auto made = std::make_shared<TwitterUser>();
-        made->setUserID(userID);
-        made->setUsername(username);
-        return made;
-    };
+    const auto& user = KRTestUser;
     EXPECT_TRUE(user(u"1"_s, u"a"_s)->isEqual(*user(u"1"_s, u"b"_s)));
     EXPECT_TRUE(user(u"1"_s, u"a"_s)->isEqual(*user(u"2"_s, u"a"_s)));
     EXPECT_FALSE(user(u"1"_s, u"a"_s)->isEqual(*user(u"2"_s, u"A"_s)));
@@ -165,64 +145,46 @@ TEST(User, OrderAndEquality)
         2);
 }
 
-class MergingUsers : public testing::Test {
-protected:
-    TwitterUserPtr user(const QString& userID, const QString& username, qint64 age)
-    {
-        auto made = std::make_shared<TwitterUser>();
-        made->setUserID(userID);
-        made->setUsername(username);
-        made->setLastUpdated(m_clock.now().addSecs(-age));
-        return made;
-    }
-
-    int notifications = 0;
-
-private:
-    KRManualClock m_clock;
-    KRObservation m_observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterUserDidUpdateNotification>(
-            [this](const TwitterUserDidUpdateNotification&) { ++notifications; });
-};
-
-TEST_F(MergingUsers, NewerDataOfTheSamePersonIsTakenOver)
+TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
 {
+    KRManualClock clock;
+    int notifications = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterUserDidUpdateNotification>(
+            [&](const auto&) { ++notifications; });
+    const auto user = [&](const QString& userID, const QString& username, qint64 age) {
+        const TwitterUserPtr made = KRTestUser(userID, username);
+        made->setLastUpdated(clock.now().addSecs(-age));
+        return made;
+    };
     const TwitterUserPtr cached = user(u"1"_s, u"bob"_s, 10);
     cached->setBio(u"old"_s);
     cached->setNumberOfFollowers(3);
-    const TwitterUserPtr fresh = user(u"1"_s, u"Robert"_s, 5);
-    fresh->setLocation(u"here"_s);
-    cached->assimilateUser(*fresh);
-    EXPECT_EQ(cached->username(), u"Robert"_s);
-    EXPECT_EQ(cached->fullName(), u"Robert"_s);
-    EXPECT_EQ(cached->location(), u"here"_s);
-    EXPECT_TRUE(cached->bio().isNull());
-    EXPECT_FALSE(cached->numberOfFollowers());
-    EXPECT_EQ(cached->lastUpdated(), fresh->lastUpdated());
-    EXPECT_EQ(notifications, 1);
-}
-
-TEST_F(MergingUsers, OlderPartialAndForeignDataIsNot)
-{
-    const TwitterUserPtr cached = user(u"1"_s, u"bob"_s, 10);
     cached->assimilateUser(*cached);
     cached->assimilateUser(*user(u"1"_s, u"older"_s, 11));
     cached->assimilateUser(*user(u"1"_s, u"same"_s, 10));
     const TwitterUserPtr partial = user({}, u"BOB"_s, 0);
     partial->setIsPartialUser(true);
     cached->assimilateUser(*partial);
-    EXPECT_EQ(cached->username(), u"bob"_s);
-    EXPECT_EQ(notifications, 0);
-
     KRTestLog log;
     cached->assimilateUser(*user(u"2"_s, u"carol"_s, 0));
     user({}, {}, 10)->assimilateUser(*user({}, {}, 0));
-    EXPECT_EQ(log.lines()
-                  .filter(u"Warning: trying to assimilate users with different IDs or usernames, this "
-                          "should never happen\n["_s)
-                  .size(),
-        2);
+    EXPECT_EQ(cached->username(), u"bob"_s);
     EXPECT_EQ(notifications, 0);
+    const QString warning
+        = u"Warning: trying to assimilate users with different IDs or usernames, this should "
+          "never happen\n["_s;
+    EXPECT_EQ(log.lines().filter(warning).size(), 2);
+
+    const TwitterUserPtr fresh = user(u"1"_s, u"Robert"_s, 5);
+    fresh->setLocation(u"here"_s);
+    cached->assimilateUser(*fresh);
+    EXPECT_EQ(cached->username(), u"Robert"_s);
+    EXPECT_EQ(cached->fullName(), u"Robert"_s);
+    EXPECT_EQ(cached->location(), u"here"_s);
+    EXPECT_TRUE(cached->bio().isNull() && !cached->numberOfFollowers());
+    EXPECT_EQ(cached->lastUpdated(), fresh->lastUpdated());
+    EXPECT_EQ(notifications, 1);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "model/records/KRTestRecords.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "support/KRManualClock.h"
 #include "support/KRTestLog.h"
@@ -15,28 +16,8 @@ protected:
     TwitterUserPtr user(const QString& userID, const QString& username)
     {
         m_clock.advance(std::chrono::seconds(1));
-        auto made = std::make_shared<TwitterUser>();
-        made->setUserID(userID);
-        made->setUsername(username);
+        auto made = KRTestUser(userID, username);
         made->setIsPartialUser(userID.isNull());
-        return made;
-    }
-
-    TwitterStatusPtr status(const QString& statusID, const TwitterUserPtr& author)
-    {
-        auto made = std::make_shared<TwitterStatus>();
-        made->setStatusID(statusID);
-        made->setFromUser(author);
-        return made;
-    }
-
-    TwitterDirectMessagePtr
-    message(const QString& messageID, const TwitterUserPtr& sender, const TwitterUserPtr& recipient)
-    {
-        auto made = std::make_shared<TwitterDirectMessage>();
-        made->setMessageID(messageID);
-        made->setSender(sender);
-        made->setRecipient(recipient);
         return made;
     }
 
@@ -94,8 +75,8 @@ TEST_F(UniquingTables, TwoRecordsThatTurnOutToBeOnePersonBecomeOne)
 {
     const TwitterUserPtr bob = m_tables.definitiveUser(user(u"1"_s, u"bob"_s));
     const TwitterUserPtr found = m_tables.definitiveUser(user({}, u"robert"_s));
-    const TwitterStatusPtr post = m_tables.definitiveStatus(status(u"10"_s, found));
-    const TwitterDirectMessagePtr note = m_tables.definitiveMessage(message(u"20"_s, found, bob));
+    const TwitterStatusPtr post = m_tables.definitiveStatus(KRTestStatus(u"10"_s, found));
+    const TwitterDirectMessagePtr note = m_tables.definitiveMessage(KRTestMessage(u"20"_s, found, bob));
     EXPECT_EQ(m_tables.definitiveUser(user(u"1"_s, u"robert"_s)), bob);
     EXPECT_EQ(post->fromUser(), bob);
     EXPECT_EQ(note->sender(), bob);
@@ -112,17 +93,15 @@ TEST_F(UniquingTables, TwoRecordsThatTurnOutToBeOnePersonBecomeOne)
 
 TEST_F(UniquingTables, AStatusKeepsTheDataItArrivedWith)
 {
-    const TwitterStatusPtr first = status(u"10"_s, user(u"1"_s, u"bob"_s));
-    first->setText(u"first"_s);
+    const auto first = KRTestStatus(u"10"_s, user(u"1"_s, u"bob"_s), {}, u"first"_s);
     EXPECT_EQ(m_tables.definitiveStatus(first), first);
     const TwitterUserPtr secondAuthor = user(u"1"_s, u"bob"_s);
-    const TwitterStatusPtr second = status(u"10"_s, secondAuthor);
-    second->setText(u"second"_s);
+    const auto second = KRTestStatus(u"10"_s, secondAuthor, {}, u"second"_s);
     EXPECT_EQ(m_tables.definitiveStatus(second), first);
     EXPECT_EQ(first->text(), u"first"_s);
     EXPECT_EQ(second->fromUser(), secondAuthor);
     // Another status of the same person shares the record.
-    const TwitterStatusPtr third = m_tables.definitiveStatus(status(u"11"_s, user(u"1"_s, u"bob"_s)));
+    const TwitterStatusPtr third = m_tables.definitiveStatus(KRTestStatus(u"11"_s, user(u"1"_s, u"bob"_s)));
     EXPECT_EQ(third->fromUser(), first->fromUser());
 
     const auto dummy = std::make_shared<DummyStatus>();
@@ -131,16 +110,16 @@ TEST_F(UniquingTables, AStatusKeepsTheDataItArrivedWith)
     EXPECT_FALSE(m_tables.cachedStatusWithID(u"12"_s));
     EXPECT_TRUE(m_log.lines().isEmpty());
     // Two statuses without an ID stay two.
-    const TwitterStatusPtr nameless = status({}, user(u"1"_s, u"bob"_s));
+    const TwitterStatusPtr nameless = KRTestStatus({}, user(u"1"_s, u"bob"_s));
     EXPECT_EQ(m_tables.definitiveStatus(nameless), nameless);
-    EXPECT_NE(m_tables.definitiveStatus(status({}, user(u"1"_s, u"bob"_s))), nameless);
+    EXPECT_NE(m_tables.definitiveStatus(KRTestStatus({}, user(u"1"_s, u"bob"_s))), nameless);
 }
 
 TEST_F(UniquingTables, MessagesShareTheirPeople)
 {
-    const TwitterDirectMessagePtr first = message(u"1"_s, user(u"1"_s, u"a"_s), user(u"2"_s, u"b"_s));
-    const TwitterDirectMessagePtr answer = message(u"2"_s, user(u"2"_s, u"b"_s), user(u"1"_s, u"a"_s));
-    EXPECT_EQ(m_tables.definitiveDirectMessages({ first, answer, message(u"1"_s, nullptr, nullptr) }),
+    const TwitterDirectMessagePtr first = KRTestMessage(u"1"_s, user(u"1"_s, u"a"_s), user(u"2"_s, u"b"_s));
+    const TwitterDirectMessagePtr answer = KRTestMessage(u"2"_s, user(u"2"_s, u"b"_s), user(u"1"_s, u"a"_s));
+    EXPECT_EQ(m_tables.definitiveDirectMessages({ first, answer, KRTestMessage(u"1"_s, nullptr, nullptr) }),
         (TwitterDirectMessageList { first, answer, first }));
     EXPECT_EQ(first->sender(), answer->recipient());
     EXPECT_EQ(first->recipient(), answer->sender());
@@ -151,7 +130,7 @@ TEST_F(UniquingTables, NothingGivesNothingAndALineInTheLog)
     EXPECT_FALSE(m_tables.definitiveUser(nullptr));
     EXPECT_FALSE(m_tables.definitiveStatus(nullptr));
     EXPECT_FALSE(m_tables.definitiveMessage(nullptr));
-    EXPECT_FALSE(m_tables.definitiveMessage(message({}, user(u"1"_s, u"a"_s), user(u"2"_s, u"b"_s))));
+    EXPECT_FALSE(m_tables.definitiveMessage(KRTestMessage({}, user(u"1"_s, u"a"_s), user(u"2"_s, u"b"_s))));
     EXPECT_EQ(m_log.lines(),
         (QStringList { u"nil user"_s, u"nil status"_s, u"nil message"_s, u"nil message"_s }));
     EXPECT_TRUE(m_tables.definitiveUsers({ nullptr }).isEmpty());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/TwitterServiceHosts.h"
+#include "model/records/KRTestRecords.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterStreamAccount.h"
 #include "support/KRTestSite.h"
@@ -62,15 +63,10 @@ inline TwitterStatusPtr KRTestStatus(int id,
     const QString& inReplyTo = {},
     int minute = -1)
 {
-    const auto status = std::make_shared<TwitterStatus>();
-    status->setStatusID(QString::number(id));
-    status->setText(text);
-    status->setDate(
-        QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL));
+    const TwitterUserPtr author = KRTestUser({}, id % 2 ? QStringLiteral("me") : QStringLiteral("you"));
+    const QDateTime date = QDate(2026, 11, 1).startOfDay(Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL);
+    const TwitterStatusPtr status = KRTestStatus(QString::number(id), author, date, text);
     status->setInReplyToStatusID(inReplyTo);
-    const auto user = std::make_shared<TwitterUser>();
-    user->setUsername(id % 2 ? QStringLiteral("me") : QStringLiteral("you"));
-    status->setFromUser(user);
     return status;
 }
 
