@@ -1,10 +1,10 @@
 // A full timeline of real cells: one step of scrolling through it, painting included; a reload of it after
 // one new post; and ten seconds in which nothing happens.
 
-#include "app/PelinorTweetsListViewController.h"
+#include "app/lists/PelinorTweetsListViewController.h"
 #include "foundation/KRUserDefaults.h"
 #include "model/streams/TwitterDummyStatus.h"
-#include "platform/KRQtRunLoopDriver.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "toolkit/KRTableViewDocumentView.h"
 
 #include <QApplication>

@@ -5,7 +5,7 @@
 #include "GalleryTextPage.h"
 #include "GalleryTransitionsPage.h"
 #include "GalleryWindow.h"
-#include "platform/KRQtRunLoopDriver.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "support/KRManualClock.h"
 #include "toolkit/KRApplication.h"
 

@@ -3,7 +3,7 @@
 #include "app/PelinorLaunchOptions.h"
 #include "core/KRSecretService.h"
 #include "foundation/KRUserDefaults.h"
-#include "platform/KRQtRunLoopDriver.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "transport/KRBackgroundThread.h"
 
 #include <cstdio>

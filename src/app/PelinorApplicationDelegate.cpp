@@ -1,7 +1,7 @@
 #include "app/PelinorApplicationDelegate.h"
 
-#include "app/PelinorErrorStrip.h"
-#include "app/PelinorProfileImage.h"
+#include "app/look/PelinorProfileImage.h"
+#include "app/window/PelinorErrorStrip.h"
 #include "core/KRKeychain.h"
 #include "foundation/KRUserDefaults.h"
 #include "toolkit/transitions/KRMotion.h"

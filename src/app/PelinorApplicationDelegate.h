@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/PelinorBrowserLinkPresenter.h"
-#include "app/PelinorDisplayPreferences.h"
-#include "app/PelinorListAccount.h"
-#include "app/PelinorMainWindow.h"
+#include "app/links/PelinorBrowserLinkPresenter.h"
+#include "app/lists/PelinorListAccount.h"
+#include "app/look/PelinorDisplayPreferences.h"
+#include "app/window/PelinorMainWindow.h"
 #include "core/Twitter.h"
-#include "platform/KRDesktopMotionSetting.h"
+#include "platform/appearance/KRDesktopMotionSetting.h"
 #include "text/render/KRTextHeightCache.h"
 
 #include <atomic>

@@ -1,7 +1,7 @@
 // A window for a screen reader: a list of a thousand rows with links in them, and a text to read at leisure.
 // Writes what is clicked, and takes the names of keys to press from its standard input.
 
-#include "platform/KRQtRunLoopDriver.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "toolkit/KRActiveTextView.h"
 #include "toolkit/KRTableView.h"

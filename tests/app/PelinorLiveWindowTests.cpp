@@ -1,9 +1,9 @@
 #include "LocalService.h"
 #include "app/PelinorApplicationDelegate.h"
-#include "app/PelinorErrorStrip.h"
-#include "app/PelinorProfileImage.h"
+#include "app/look/PelinorProfileImage.h"
+#include "app/window/PelinorErrorStrip.h"
 #include "foundation/KRUserDefaults.h"
-#include "platform/KRQtRunLoopDriver.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "transport/KRHTTPConnection.h"
 
 #include <QTemporaryDir>

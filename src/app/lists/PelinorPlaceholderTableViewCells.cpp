@@ -1,0 +1,137 @@
+#include "app/lists/PelinorPlaceholderTableViewCells.h"
+
+#include "app/look/PelinorCellColors.h"
+#include "text/render/KRActiveTextStyle.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace {
+
+constexpr int HeaderHeight = 11;
+constexpr int LineHeight = 48;
+constexpr int SideMargin = 18;
+constexpr int PointSize = 10;
+
+} // namespace
+
+void PelinorPlaceholderTableViewCell::setText(const QString& text, Tone tone)
+{
+    m_text = text;
+    m_tone = tone;
+    setAccessibleName(text);
+    update();
+}
+
+void PelinorPlaceholderTableViewCell::paintEvent(QPaintEvent* /*event*/)
+{
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
+    QPainter painter(this);
+    if (selected() && !m_text.isEmpty())
+        painter.fillRect(rect(), colors.selectedBackground);
+    if (m_text.isEmpty())
+        return;
+    painter.setFont(KRMessageFont(PointSize));
+    painter.setPen(m_tone == Tone::Error ? colors.error
+            : m_tone == Tone::Action     ? colors.selectionMark
+                                         : colors.secondaryText);
+    const QRect line = rect().adjusted(SideMargin, 0, -SideMargin, 0);
+    painter.drawText(line,
+        int(Qt::AlignCenter | Qt::TextSingleLine),
+        painter.fontMetrics().elidedText(m_text, Qt::ElideRight, line.width()));
+}
+
+HeaderStreamTableViewCell::HeaderStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+}
+
+QString HeaderStreamTableViewCell::identifier()
+{
+    return QStringLiteral("HeaderStreamTableViewCell");
+}
+
+int HeaderStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return HeaderHeight;
+}
+
+LoadingTableViewCell::LoadingTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+    setState(State::Loading);
+}
+
+QString LoadingTableViewCell::identifier()
+{
+    return QStringLiteral("LoadingTableViewCell");
+}
+
+int LoadingTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void LoadingTableViewCell::setState(State state)
+{
+    setText(textForState(state), state == State::Loading ? Tone::Quiet : Tone::Action);
+}
+
+QString LoadingTableViewCell::textForState(State state)
+{
+    return state == State::Loading ? tr("Loading…") : tr("Show older posts");
+}
+
+void LoadingTableViewCell::mousePressEvent(QMouseEvent* event)
+{
+    const auto clicked = m_clicked;
+    KRTableViewCell::mousePressEvent(event);
+    if (event->button() == Qt::LeftButton && clicked)
+        clicked();
+}
+
+EndOfStreamTableViewCell::EndOfStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+    setHasPosts(true);
+}
+
+QString EndOfStreamTableViewCell::identifier()
+{
+    return QStringLiteral("EndOfStreamTableViewCell");
+}
+
+int EndOfStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void EndOfStreamTableViewCell::setHasPosts(bool hasPosts)
+{
+    setText(textForPosts(hasPosts), Tone::Quiet);
+}
+
+QString EndOfStreamTableViewCell::textForPosts(bool hasPosts)
+{
+    return hasPosts ? tr("No older posts") : tr("No posts yet");
+}
+
+ErrorStreamTableViewCell::ErrorStreamTableViewCell()
+    : PelinorPlaceholderTableViewCell(identifier())
+{
+}
+
+QString ErrorStreamTableViewCell::identifier()
+{
+    return QStringLiteral("ErrorStreamTableViewCell");
+}
+
+int ErrorStreamTableViewCell::heightForTableWidth(int /*width*/)
+{
+    return LineHeight;
+}
+
+void ErrorStreamTableViewCell::setError(const KRError& error)
+{
+    setText(textForError(error), Tone::Error);
+}

@@ -1,0 +1,234 @@
+#include "app/lists/PelinorStatusTableViewCell.h"
+
+#include "app/look/PelinorCellColors.h"
+#include "app/look/PelinorDisplayPreferences.h"
+#include "app/look/PelinorProfileImage.h"
+#include "text/KRDateAdditions.h"
+#include "text/render/KRTextHeightCache.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int NamePointSize = 11;
+constexpr int DatePointSize = 9;
+constexpr int SelectionMarkWidth = 3;
+constexpr int SpaceAfterName = 5;
+constexpr qreal DimmedOpacity = 0.55;
+
+QFont nameFont()
+{
+    QFont font = KRMessageFont(NamePointSize);
+    font.setWeight(QFont::DemiBold);
+    return font;
+}
+
+// Names come from the network: one line, whatever is in them.
+QString singleLine(const QString& text)
+{
+    return text.simplified();
+}
+
+KRActiveTextStyle textStyle(int fontSizePreference, const KRActiveTextColors& colors = {})
+{
+    return { fontSizePreference, colors };
+}
+
+} // namespace
+
+PelinorStatusTableViewCell::PelinorStatusTableViewCell(KRNotificationCenter& notifications)
+    : KRTableViewCell(identifier())
+    , m_notifications(notifications)
+    , m_tracker(new KRActiveTextTracker(*this, m_text))
+{
+    m_tracker->setClickHandler([this](const QString& text, KRActiveStringType type) {
+        if (m_delegate)
+            m_delegate->pelinorCellClickedLink(*this, text, row(), type);
+    });
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+PelinorStatusTableViewCell::~PelinorStatusTableViewCell() = default;
+
+QString PelinorStatusTableViewCell::identifier()
+{
+    return QStringLiteral("PelinorStatusTableViewCell");
+}
+
+int PelinorStatusTableViewCell::heightForStatus(const TwitterStatus& status,
+    int tableWidth,
+    PelinorStatusCellLayout layout,
+    const PelinorDisplayPreferences& preferences,
+    KRTextHeightCache& heights)
+{
+    const KRActiveTextStyle style = textStyle(preferences.statusCellFontSize);
+    const int textWidth = PelinorStatusCellGeometry { tableWidth, layout.isMine }.textWidth();
+    const int textHeight
+        = heights.height(status.text(), KRStatusFont(layout.textSize, style), textWidth, [&] {
+              return AttributedStringForStatus(status.text(),
+                  status.activeTextRanges(),
+                  layout.textSize,
+                  style);
+          });
+    return std::max(PelinorStatusCellGeometry::MinimumHeight,
+        textHeight + PelinorStatusCellGeometry::HeightBesideText);
+}
+
+void PelinorStatusTableViewCell::setStatus(const TwitterStatusPtr& status,
+    PelinorStatusCellLayout layout,
+    const PelinorDisplayPreferences& preferences)
+{
+    m_status = status;
+    m_layout = layout;
+    m_fontSizePreference = preferences.statusCellFontSize;
+    m_showsUserName = preferences.displayName == PelinorDisplayPreferences::DisplayUserName;
+    m_dimsReadStatuses = preferences.dimPreviouslySelectedTweets;
+    if (const TwitterUserPtr& user = status->fromUser()) {
+        m_userObservation = m_notifications.observe<TwitterUserDidUpdateNotification>(
+            [this](const TwitterUserDidUpdateNotification&) { update(); },
+            user.get());
+    } else {
+        m_userObservation.invalidate();
+    }
+    m_date = KRAdditions::relativeTimeAgoString(status->date());
+    _layOutText();
+    _describeForAccessibility();
+    update();
+}
+
+void PelinorStatusTableViewCell::updateDate()
+{
+    const QString date = KRAdditions::relativeTimeAgoString(m_status->date());
+    if (date == m_date)
+        return;
+    m_date = date;
+    _describeForAccessibility();
+    update(_geometry().dateFrame());
+}
+
+PelinorStatusCellGeometry PelinorStatusTableViewCell::_geometry() const
+{
+    return { width(), m_layout.isMine };
+}
+
+const PelinorCellColors& PelinorStatusTableViewCell::_colors() const
+{
+    return PelinorCellColors::forPalette(palette());
+}
+
+void PelinorStatusTableViewCell::_layOutText()
+{
+    m_text.setContainerSize({ qreal(_geometry().textWidth()), KRActiveTextRenderer::UnboundedHeight });
+    m_text.setAttributedString(AttributedStringForStatus(m_status->text(),
+                                   m_status->activeTextRanges(),
+                                   m_layout.textSize,
+                                   textStyle(m_fontSizePreference, _colors().spans)),
+        m_status->activeTextRanges());
+    m_tracker->textDidChange(_geometry().textOrigin());
+}
+
+QString PelinorStatusTableViewCell::accessibleNameForStatus(const TwitterStatus& status)
+{
+    const QString author = status.fromUser() ? singleLine(status.fromUser()->fullName()) : QString();
+    return QStringLiteral("%1: %2, %3")
+        .arg(author, status.text(), KRAdditions::relativeTimeAgoString(status.date()));
+}
+
+void PelinorStatusTableViewCell::_describeForAccessibility()
+{
+    setAccessibleName(accessibleNameForStatus(*m_status));
+}
+
+void PelinorStatusTableViewCell::resizeEvent(QResizeEvent* event)
+{
+    KRTableViewCell::resizeEvent(event);
+    m_text.setContainerSize({ qreal(_geometry().textWidth()), KRActiveTextRenderer::UnboundedHeight });
+    m_tracker->textDidChange(_geometry().textOrigin());
+}
+
+void PelinorStatusTableViewCell::changeEvent(QEvent* event)
+{
+    KRTableViewCell::changeEvent(event);
+    // Another colour scheme.
+    if (event->type() == QEvent::PaletteChange && m_status)
+        _layOutText();
+}
+
+void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
+{
+    QPainter painter(this);
+    _drawBackground(painter);
+    if (!m_status)
+        return;
+    if (m_dimsReadStatuses && m_status->isRead() && !selected())
+        painter.setOpacity(DimmedOpacity);
+    const TwitterUserPtr& user = m_status->fromUser();
+    PelinorProfileImage::draw(painter,
+        _geometry().profileImageFrame(),
+        user ? user->profileImage() : nullptr,
+        _colors());
+    // Names are read in their own direction.
+    painter.setLayoutDirection(Qt::LayoutDirectionAuto);
+    _drawName(painter);
+    _drawDate(painter);
+    painter.setPen(_colors().text);
+    m_text.drawAtPoint(painter, _geometry().textOrigin(), event->rect());
+    m_tracker->draw(painter);
+}
+
+void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const
+{
+    const PelinorCellColors& colors = _colors();
+    const bool isSelected = selected();
+    painter.fillRect(rect(),
+        isSelected            ? colors.selectedBackground
+            : m_layout.isMine ? colors.ownBackground
+                              : colors.background);
+    const qreal hairline = 1 / devicePixelRatioF();
+    painter.fillRect(QRectF(0, height() - hairline, width(), hairline), colors.separator);
+    if (isSelected)
+        painter.fillRect(
+            QRect(m_layout.isMine ? width() - SelectionMarkWidth : 0, 0, SelectionMarkWidth, height()),
+            colors.selectionMark);
+}
+
+void PelinorStatusTableViewCell::_drawName(QPainter& painter) const
+{
+    const TwitterUserPtr& user = m_status->fromUser();
+    if (!user)
+        return;
+    const QRect frame = _geometry().nameFrame();
+    const Qt::Alignment side = (m_layout.isMine ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute;
+    const QFont font = nameFont();
+    const QFontMetrics metrics(font, this);
+    const QString name = singleLine(m_showsUserName ? user->username() : user->fullName());
+    const QString shown = metrics.elidedText(name, Qt::ElideRight, frame.width());
+    painter.setFont(font);
+    painter.setPen(_colors().name);
+    painter.drawText(frame, int(side | Qt::AlignVCenter | Qt::TextSingleLine), shown);
+
+    const QString handle = u'@' + user->username();
+    if (m_showsUserName || shown != name || name == user->username())
+        return;
+    // The user name follows where there is room for all of it.
+    const int used = metrics.horizontalAdvance(shown) + SpaceAfterName;
+    const QFont handleFont = KRMessageFont(DatePointSize);
+    if (used + QFontMetrics(handleFont, this).horizontalAdvance(handle) > frame.width())
+        return;
+    painter.setFont(handleFont);
+    painter.setPen(_colors().secondaryText);
+    painter.drawText(frame.adjusted(m_layout.isMine ? 0 : used, 1, m_layout.isMine ? -used : 0, 1),
+        int(side | Qt::AlignVCenter | Qt::TextSingleLine),
+        handle);
+}
+
+void PelinorStatusTableViewCell::_drawDate(QPainter& painter) const
+{
+    const Qt::Alignment side = (m_layout.isMine ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignAbsolute;
+    painter.setFont(KRMessageFont(DatePointSize));
+    painter.setPen(_colors().secondaryText);
+    painter.drawText(_geometry().dateFrame(), int(side | Qt::AlignVCenter | Qt::TextSingleLine), m_date);
+}

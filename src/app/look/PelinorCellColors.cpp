@@ -1,0 +1,56 @@
+#include "app/look/PelinorCellColors.h"
+
+#include <QPalette>
+
+namespace {
+
+PelinorCellColors lightColors()
+{
+    return {
+        .background = QColor(0xFF, 0xFF, 0xFF),
+        .ownBackground = QColor(0xF5, 0xF8, 0xFB),
+        .selectedBackground = QColor(0xE4, 0xEF, 0xFA),
+        .selectionMark = QColor(0x2B, 0x7B, 0xC8),
+        .separator = QColor(0xE3, 0xE6, 0xEA),
+        .name = QColor(0x14, 0x19, 0x1F),
+        .text = QColor(0x23, 0x2A, 0x31),
+        .secondaryText = QColor(0x6A, 0x73, 0x7D),
+        .placeholder = QColor(0xDD, 0xE2, 0xE8),
+        .placeholderFigure = QColor(0xF7, 0xF9, 0xFB),
+        .error = QColor(0xA6, 0x2B, 0x1F),
+        .spans = {},
+    };
+}
+
+PelinorCellColors darkColors()
+{
+    return {
+        .background = QColor(0x1C, 0x20, 0x24),
+        .ownBackground = QColor(0x21, 0x27, 0x2D),
+        .selectedBackground = QColor(0x24, 0x36, 0x49),
+        .selectionMark = QColor(0x5A, 0xA9, 0xF0),
+        .separator = QColor(0x30, 0x36, 0x3D),
+        .name = QColor(0xF2, 0xF4, 0xF6),
+        .text = QColor(0xD9, 0xDE, 0xE3),
+        .secondaryText = QColor(0x93, 0x9D, 0xA7),
+        .placeholder = QColor(0x3A, 0x42, 0x4A),
+        .placeholderFigure = QColor(0x55, 0x5F, 0x69),
+        .error = QColor(0xF2, 0x9A, 0x8E),
+        // The blue and the grey of the light scheme would not be readable here.
+        .spans = {
+            .links = KRColor::rgba(0.42F, 0.71F, 1, 1),
+            .hashtags = KRColor::rgba(0.62F, 0.65F, 0.69F, 1),
+            .usernames = KRColor::rgba(0.42F, 0.71F, 1, 1),
+            .stockSymbols = KRColor::rgba(0.42F, 0.71F, 1, 1),
+        },
+    };
+}
+
+} // namespace
+
+const PelinorCellColors& PelinorCellColors::forPalette(const QPalette& palette)
+{
+    static const PelinorCellColors light = lightColors();
+    static const PelinorCellColors dark = darkColors();
+    return palette.color(QPalette::WindowText).lightnessF() > 0.5F ? dark : light;
+}

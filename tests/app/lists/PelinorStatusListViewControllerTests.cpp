@@ -1,0 +1,343 @@
+#include "app/links/PelinorLinkFakes.h"
+#include "app/lists/PelinorFakes.h"
+#include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "app/lists/PelinorTweetsListViewController.h"
+#include "foundation/KRUserDefaults.h"
+#include "support/KRManualClock.h"
+#include "text/render/KRActiveTextRenderer.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char TopKey[] = "me_____timeline__top_saved_status_id";
+constexpr char OffsetKey[] = "me_____timeline__top_saved_status_offset";
+constexpr char SelectedKey[] = "me_____timeline__selected_status_id";
+
+class PelinorStatusListTest : public testing::Test {
+protected:
+    PelinorStatusListTest() { list.tableView().setFrame({ 0, 0, 415, 300 }); }
+
+    // Numbered downwards from the first, as the newest has the highest ID.
+    TwitterStatusList posts(int first, int count)
+    {
+        TwitterStatusList result;
+        for (int number = first; number > first - count; --number)
+            result.append(
+                makeStatus(number, QStringLiteral("post number %1").arg(number), author, 6000 - number));
+        return result;
+    }
+
+    KRTableView& table() { return list.tableView(); }
+    void scrollTo(int y) { table().scrollToPoint({ 0, y }, KRScrollView::Animated::No); }
+    int scrollPosition() { return table().documentVisibleRect().y(); }
+    QString topKey() { return defaults.stringForKey(TopKey); }
+
+    KRManualClock clock;
+    QTemporaryDir directory;
+    KRUserDefaults defaults { directory.filePath(QStringLiteral("defaults.ini")) };
+    KRNotificationCenter center;
+    PelinorDisplayPreferences preferences;
+    KRTextHeightCache heights;
+    FakeAccount account { center };
+    TwitterUserPtr author = makeUser(QStringLiteral("author"), QStringLiteral("An Author"));
+    PelinorTweetsListViewController list { { defaults, center, preferences, heights }, account };
+};
+
+TEST_F(PelinorStatusListTest, RowsFollowTheStreamWhileTheListIsShown)
+{
+    account.stream->posts = posts(100, 30);
+    list.viewWillAppear(false);
+    EXPECT_EQ(table().numberOfRows(), 32);
+    EXPECT_EQ(account.stream->newerLoads, 0);
+    account.stream->setStatuses(posts(101, 31));
+    EXPECT_EQ(table().numberOfRows(), 33);
+    list.viewWillDisappear(false);
+    account.stream->setStatuses(posts(102, 32));
+    EXPECT_EQ(table().numberOfRows(), 33);
+}
+
+TEST_F(PelinorStatusListTest, AFirstVisitLoads)
+{
+    list.viewWillAppear(false);
+    EXPECT_EQ(account.stream->newerLoads, 1);
+    EXPECT_EQ(account.stream->olderLoads, 0) << "below nothing there is nothing older to ask for";
+    EXPECT_EQ(table().numberOfRows(), 2);
+}
+
+TEST_F(PelinorStatusListTest, StatusesAndRowsFindEachOther)
+{
+    account.stream->posts = posts(100, 3);
+    list.viewWillAppear(false);
+    EXPECT_EQ(list.statusForRow(-1), nullptr);
+    EXPECT_EQ(list.statusForRow(5), nullptr);
+    EXPECT_EQ(list.statusForRow(2), account.stream->posts.at(1));
+    EXPECT_EQ(list.rowForStatus(*account.stream->posts.at(2)), 3);
+    EXPECT_EQ(list.rowForStatus(*makeStatus(7, {}, author)), 0x7FFFFFFF);
+}
+
+TEST_F(PelinorStatusListTest, RowsHaveTheHeightsOfTheirKinds)
+{
+    account.stream->posts = { makeStatus(3, QStringLiteral("x"), author),
+        makeStatus(2, QStringLiteral("many words ").repeated(30), author) };
+    account.stream->posts.append(
+        std::make_shared<TwitterDummyErrorStatus>(KRError { {}, 1, QStringLiteral("oh") }));
+    account.stream->isAtEnd = true;
+    list.viewWillAppear(false);
+    EXPECT_EQ(table().rectForRow(0).height(), 11);
+    for (const int row : { 1, 2 }) {
+        const TwitterStatus& status = *list.statusForRow(row);
+        const int text = KRActiveTextRenderer::heightOfAttributedString(
+            AttributedStringForStatus(status.text(), status.activeTextRanges(), KRStatusTextSize::Normal),
+            400 - 94);
+        EXPECT_EQ(table().rectForRow(row).height(), std::max(52, text + 37));
+    }
+    EXPECT_EQ(table().rectForRow(3).height(), ErrorStreamTableViewCell::heightForTableWidth(400));
+    EXPECT_EQ(table().rectForRow(4).height(), EndOfStreamTableViewCell::heightForTableWidth(400));
+    table().scrollToRow(3);
+    const auto* const error = qobject_cast<ErrorStreamTableViewCell*>(table().cellForRow(3));
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->text(), QStringLiteral("oh"));
+}
+
+TEST_F(PelinorStatusListTest, CellsFollowTheGeometry)
+{
+    const PelinorStatusCellGeometry others { 400, false };
+    EXPECT_EQ(others.profileImageFrame(), QRect(6, 0, 52, 52));
+    EXPECT_EQ(others.nameFrame(), QRect(71, 5, 205, 20));
+    EXPECT_EQ(others.dateFrame(), QRect(272, 6, 100, 20));
+    EXPECT_EQ(others.textOrigin(), QPoint(73, 24));
+    EXPECT_EQ(others.textWidth(), 306);
+    const PelinorStatusCellGeometry mine { 400, true };
+    EXPECT_EQ(mine.profileImageFrame(), QRect(342, 0, 52, 52));
+    EXPECT_EQ(mine.nameFrame(), QRect(120, 5, 200, 20));
+    EXPECT_EQ(mine.dateFrame(), QRect(15, 6, 100, 20));
+    EXPECT_EQ(mine.textOrigin(), QPoint(18, 24));
+    EXPECT_EQ(mine.textWidth(), 306);
+}
+
+TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
+{
+    struct {
+        const char* what;
+        int autoScrollBehavior;
+        int scrolledTo;
+        bool jumps;
+    } const cases[] = {
+        { "by default, at the top", 0, 0, false },
+        { "following, at the top", 1, 0, true },
+        { "following, almost at the top", 1, 2, true },
+        { "following, scrolled down a little", 1, 3, false },
+        { "another value", 2, 0, false },
+        { "scrolled down", 0, 333, false },
+    };
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.what);
+        PelinorTweetsListViewController fresh({ defaults, center, preferences, heights }, account);
+        defaults.removeObjectForKey(TopKey);
+        fresh.tableView().setFrame({ 0, 0, 415, 300 });
+        account.stream->posts = posts(100, 30);
+        fresh.viewWillAppear(false);
+        defaults.setInteger("AutoScrollBehavior", test.autoScrollBehavior);
+        fresh.tableView().scrollToPoint({ 0, test.scrolledTo }, KRScrollView::Animated::No);
+        // The first real status in view, below the header when that is there.
+        const qint64 row = std::max<qint64>(1, fresh.tableView().visibleRange().location);
+        const TwitterStatusPtr reading = fresh.statusForRow(row);
+        const int offset = fresh.tableView().relativeVisibleOffsetForRow(row);
+        account.stream->setStatuses(posts(105, 35));
+        EXPECT_EQ(fresh.rowForStatus(*reading), row + 5);
+        if (test.jumps) {
+            EXPECT_TRUE(fresh.tableView().isScrolledToTop());
+        } else {
+            EXPECT_EQ(fresh.tableView().relativeVisibleOffsetForRow(row + 5), offset);
+        }
+    }
+}
+
+TEST_F(PelinorStatusListTest, ThePlaceIsKeptAcrossVisits)
+{
+    account.stream->posts = posts(100, 30);
+    list.viewWillAppear(false);
+    table().selectRow(12);
+    scrollTo(table().rectForRow(10).y() + 9);
+    list.viewWillDisappear(false);
+    EXPECT_EQ(topKey(), QStringLiteral("91"));
+    EXPECT_EQ(defaults.integerForKey(OffsetKey), -9);
+    EXPECT_EQ(defaults.integerForKey(SelectedKey), 12);
+
+    account.stream->posts = posts(103, 33);
+    PelinorTweetsListViewController again({ defaults, center, preferences, heights }, account);
+    again.tableView().setFrame({ 0, 0, 415, 300 });
+    again.viewWillAppear(false);
+    EXPECT_EQ(again.tableView().relativeVisibleOffsetForRow(13), -9) << "three new rows came above";
+    EXPECT_EQ(again.tableView().selectedRow(), 12) << "the number of the row, whatever is there now";
+
+    // Another account has its own place; a place that is gone leaves the list where it is.
+    account.name = QStringLiteral("other");
+    PelinorTweetsListViewController others({ defaults, center, preferences, heights }, account);
+    others.tableView().setFrame({ 0, 0, 415, 300 });
+    others.viewWillAppear(false);
+    EXPECT_TRUE(others.tableView().isScrolledToTop());
+    account.name = QStringLiteral("me");
+    defaults.setString(TopKey, QStringLiteral("4711"));
+    PelinorTweetsListViewController gone({ defaults, center, preferences, heights }, account);
+    gone.tableView().setFrame({ 0, 0, 415, 300 });
+    gone.viewWillAppear(false);
+    EXPECT_TRUE(gone.tableView().isScrolledToTop());
+    EXPECT_EQ(gone.tableView().selectedRow(), -1);
+}
+
+TEST_F(PelinorStatusListTest, OnlyRealStatusesArePlaces)
+{
+    list.viewWillAppear(false);
+    list.saveScrollPosition();
+    EXPECT_TRUE(topKey().isEmpty()) << "only placeholders are in view";
+    account.stream->setStatuses(posts(100, 30));
+    list.saveScrollPosition();
+    EXPECT_EQ(topKey(), QStringLiteral("100"));
+    EXPECT_EQ(defaults.integerForKey(OffsetKey), 11);
+}
+
+TEST_F(PelinorStatusListTest, LeavingAtTheTopMarksTheTimelineAsSeen)
+{
+    account.stream->posts = posts(100, 30);
+    list.viewWillAppear(false);
+    scrollTo(40);
+    list.viewWillDisappear(false);
+    EXPECT_EQ(account.freshnessNotes, 0);
+    list.viewWillAppear(false);
+    scrollTo(0);
+    list.viewWillDisappear(false);
+    EXPECT_EQ(account.freshnessNotes, 1);
+}
+
+TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
+{
+    account.stream->posts = posts(100, 30);
+    list.viewWillAppear(false);
+    EXPECT_EQ(account.stream->olderLoads, 0) << "not before it is in view";
+    table().scrollToRow(31);
+    EXPECT_EQ(account.stream->olderLoads, 1);
+    scrollTo(0);
+    table().scrollToRow(31);
+    account.stream->setStatuses(posts(102, 32));
+    table().scrollToRow(33);
+    EXPECT_EQ(account.stream->olderLoads, 1) << "the same end is not asked for again by itself";
+    auto* const waiting = qobject_cast<LoadingTableViewCell*>(table().cellForRow(33));
+    ASSERT_NE(waiting, nullptr);
+    EXPECT_EQ(waiting->text(), QStringLiteral("Show older posts"));
+    table().scrollToRow(0);
+    EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 33), QStringLiteral("Show older posts"));
+    table().scrollToRow(33);
+    QTest::mouseClick(table().cellForRow(33), Qt::LeftButton);
+    EXPECT_EQ(account.stream->olderLoads, 2);
+
+    account.stream->setStatuses(posts(102, 60));
+    table().scrollToRow(61);
+    EXPECT_EQ(account.stream->olderLoads, 3) << "the list has grown at its end";
+    account.stream->isAtEnd = true;
+    account.stream->setStatuses(posts(102, 70));
+    table().scrollToRow(71);
+    EXPECT_EQ(account.stream->olderLoads, 3);
+    EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 71), QStringLiteral("No older posts"));
+}
+
+TEST_F(PelinorStatusListTest, SelectingMarksAsRead)
+{
+    account.stream->posts = posts(100, 5);
+    list.viewWillAppear(false);
+    table().selectRow(2);
+    EXPECT_TRUE(account.stream->posts.at(1)->isRead());
+    EXPECT_FALSE(account.stream->posts.at(0)->isRead());
+    table().selectRow(0);
+    EXPECT_EQ(table().selectedRow(), 0) << "the header has nothing to mark";
+}
+
+TEST_F(PelinorStatusListTest, AReloadMeasuresOnlyWhatIsNew)
+{
+    account.stream->posts = posts(1000, 400);
+    list.viewWillAppear(false);
+    EXPECT_EQ(heights.measuredCount(), 400);
+    account.stream->setStatuses(posts(1001, 401));
+    EXPECT_EQ(heights.measuredCount(), 401);
+    preferences.statusCellFontSize = 2;
+    center.post(PelinorDisplayPreferencesDidChangeNotification {});
+    EXPECT_EQ(heights.measuredCount(), 802);
+}
+
+TEST_F(PelinorStatusListTest, DatesAreReadAgainEveryMinuteWhileTheListIsShown)
+{
+    account.stream->posts = { makeStatus(1, QStringLiteral("x"), author, 60) };
+    list.viewWillAppear(false);
+    const auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(1));
+    ASSERT_NE(cell, nullptr);
+    EXPECT_EQ(cell->accessibleName(), QStringLiteral("An Author: x, 1 minute ago"));
+    clock.advance(std::chrono::minutes(4));
+    EXPECT_EQ(cell->accessibleName(), QStringLiteral("An Author: x, 5 minutes ago"));
+    list.viewWillDisappear(false);
+    EXPECT_FALSE(KRRunLoop::main().timeUntilNextWork().has_value())
+        << "nothing wakes a list that is not shown";
+}
+
+TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
+{
+    QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"defaults.ini"_s));
+    TwitterServiceHosts hosts;
+    QStringList events;
+    FakeWorkspace workspace(events);
+    FakeLinkPresenter presenter(events);
+    const PelinorLinkEnvironment links { hosts, defaults, workspace, presenter };
+    const auto taken = [&] { return std::exchange(events, {}).join(u'|'); };
+    KRNotificationCenter center;
+    FakeAccount account(center);
+    PelinorDisplayPreferences preferences;
+    KRTextHeightCache heights;
+    PelinorTweetsListViewController list({ defaults, center, preferences, heights, &links }, account);
+    auto user = std::make_shared<TwitterUser>();
+    user->setUsername(u"marion"_s);
+    user->setFullName(u"Marion"_s);
+    for (const QString& text : { u"one @bob #tag"_s, u"nothing"_s }) {
+        auto post = std::make_shared<TwitterStatus>();
+        post->setStatusID(QString::number(account.stream->posts.size()));
+        post->setText(text);
+        post->setFromUser(user);
+        post->setDate(KRNow());
+        account.stream->posts.append(post);
+    }
+    KRTableView& table = list.tableView();
+    table.setFrame({ 0, 0, 415, 300 });
+    table.show();
+    list.viewWillAppear(false);
+    table.setFocus();
+    QTest::keyClick(table.focusWidget(), Qt::Key_Down);
+    auto* const cell = static_cast<PelinorStatusTableViewCell*>(table.selectedCell());
+    ASSERT_EQ(table.selectedRow(), 1);
+    const QImage plain = cell->grab().toImage();
+    QTest::keyClick(cell, Qt::Key_Tab);
+    QTest::keyClick(cell, Qt::Key_Return);
+    EXPECT_EQ(taken(), u"user bob"_s);
+    EXPECT_NE(cell->grab().toImage(), plain) << "the focus is visible";
+    QTest::keyClick(cell, Qt::Key_Tab);
+    QTest::keyClick(cell, Qt::Key_Return);
+    EXPECT_EQ(taken(), u"search #tag"_s);
+    QTest::mouseClick(cell,
+        Qt::LeftButton,
+        {},
+        cell->findChild<KRActiveTextTracker*>()->spanRect(0).center());
+    EXPECT_EQ(taken(), u"user bob"_s);
+    EXPECT_EQ(cell->accessibleName(), u"Marion: one @bob #tag, 0 seconds ago"_s);
+    EXPECT_EQ(list.tableViewAccessibleNameForRow(table, 1), cell->accessibleName());
+    QTest::keyClick(cell, Qt::Key_Down);
+    QTest::keyClick(table.focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(table.focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(taken(), QString()) << "a row without spans";
+    list.viewWillDisappear(false);
+}
+
+} // namespace

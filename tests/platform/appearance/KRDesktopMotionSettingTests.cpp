@@ -1,0 +1,159 @@
+#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+using SettingsGroups = QMap<QString, QVariantMap>;
+Q_DECLARE_METATYPE(SettingsGroups)
+
+/// A settings portal on a connection of its own.
+class FakePortal : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    FakePortal()
+    {
+        qDBusRegisterMetaType<SettingsGroups>();
+        EXPECT_TRUE(m_bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"),
+            this,
+            QDBusConnection::ExportAllSlots));
+        EXPECT_TRUE(m_bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+    }
+    ~FakePortal() override { QDBusConnection::disconnectFromBus(QStringLiteral("portal")); }
+
+    void change(const QString& group, const QString& key, const QVariant& value)
+    {
+        QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+            QStringLiteral("org.freedesktop.portal.Settings"),
+            QStringLiteral("SettingChanged"));
+        signal << group << key << QVariant::fromValue(QDBusVariant(value));
+        m_bus.send(signal);
+    }
+
+    SettingsGroups settings;
+    bool answersNonsense = false;
+    int questions = 0;
+
+public Q_SLOTS:
+    SettingsGroups ReadAll(const QStringList& groups)
+    {
+        ++questions;
+        EXPECT_EQ(groups.size(), 2);
+        if (answersNonsense) {
+            setDelayedReply(true);
+            m_bus.send(message().createReply(QStringLiteral("nonsense")));
+        }
+        return settings;
+    }
+
+private:
+    QDBusConnection m_bus
+        = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+};
+
+namespace {
+
+constexpr int Limit = 20000;
+const QString Appearance = QStringLiteral("org.freedesktop.appearance");
+const QString ReducedMotion = QStringLiteral("reduced-motion");
+const QString Interface = QStringLiteral("org.gnome.desktop.interface");
+const QString EnableAnimations = QStringLiteral("enable-animations");
+
+class KRDesktopMotionSettingTests : public testing::Test {
+protected:
+    void follow()
+    {
+        setting
+            = std::make_unique<KRDesktopMotionSetting>([this](bool isReduced) { told.append(isReduced); });
+    }
+    bool waitForTold(const QList<bool>& expected)
+    {
+        return QTest::qWaitFor([&] { return told == expected; }, Limit);
+    }
+
+    KRQtRunLoopDriver driver;
+    QList<bool> told;
+    std::unique_ptr<KRDesktopMotionSetting> setting;
+};
+
+TEST_F(KRDesktopMotionSettingTests, TheWishAndItsChangesArrive)
+{
+    FakePortal portal;
+    portal.settings[Interface][EnableAnimations] = false;
+    portal.settings[Interface][QStringLiteral("font-name")] = QStringLiteral("Sans 10");
+    follow();
+    EXPECT_TRUE(told.isEmpty());
+    EXPECT_TRUE(waitForTold({ true }));
+    portal.change(Interface, EnableAnimations, true);
+    EXPECT_TRUE(waitForTold({ true, false }));
+    // What all desktops have in common counts for more.
+    portal.change(Appearance, ReducedMotion, 1U);
+    EXPECT_TRUE(waitForTold({ true, false, true }));
+    portal.change(Interface, EnableAnimations, true);
+    portal.change(Appearance, ReducedMotion, QStringLiteral("not a number"));
+    portal.change(Appearance, ReducedMotion, 0U);
+    EXPECT_TRUE(waitForTold({ true, false, true, false }));
+}
+
+TEST_F(KRDesktopMotionSettingTests, StrangeAnswersAreIgnored)
+{
+    FakePortal portal;
+    portal.answersNonsense = true;
+    follow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return portal.questions == 1; }, Limit));
+    portal.change(Appearance, ReducedMotion, 1U);
+    EXPECT_TRUE(waitForTold({ true }));
+}
+
+// What a program does whose session bus takes the call and then says nothing. Answers an exit code.
+int runWithSilentBus()
+{
+    QTemporaryDir directory;
+    const QByteArray path = directory.filePath(QStringLiteral("bus")).toLocal8Bit();
+    const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, path.constData(), sizeof address.sun_path - 1);
+    if (bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0
+        || listen(listener, 1) != 0)
+        return 1;
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path);
+
+    bool hasBeenTold = false;
+    auto setting = std::make_unique<KRDesktopMotionSetting>([&](bool) { hasBeenTold = true; });
+    pollfd waiting { listener, POLLIN, 0 };
+    if (poll(&waiting, 1, Limit) != 1)
+        return 2;
+    // Somebody has called at the bus, and this thread is free.
+    bool hasRun = false;
+    KRRunLoop::main().post([&] { hasRun = true; });
+    if (!QTest::qWaitFor([&] { return hasRun; }, Limit))
+        return 3;
+    setting.reset();
+    return hasBeenTold ? 4 : 0;
+}
+
+TEST_F(KRDesktopMotionSettingTests, ABusThatNeverAnswersHoldsNothingUp)
+{
+    // In a process of its own: the address of the bus is read once.
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(_exit(runWithSilentBus()), testing::ExitedWithCode(0), "");
+}
+
+} // namespace
+
+#include "KRDesktopMotionSettingTests.moc"
