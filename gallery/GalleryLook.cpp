@@ -1,6 +1,7 @@
 #include "GalleryLook.h"
 
-#include <QFontDatabase>
+#include "text/render/KRActiveTextStyle.h"
+
 #include <QPalette>
 
 const GalleryLook& GalleryLook::forPalette(const QPalette& palette)
@@ -42,10 +43,9 @@ QPalette GalleryLook::palette(bool dark)
     return palette;
 }
 
-QFont GalleryLook::font(int pointSize, bool bold)
+QFont GalleryLook::font(int size, bool bold)
 {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPointSize(pointSize);
+    QFont font = KRMessageFont(size);
     font.setBold(bold);
     return font;
 }

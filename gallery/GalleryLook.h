@@ -18,5 +18,5 @@ struct GalleryLook {
     static const GalleryLook& forPalette(const QPalette& palette);
     /// For the whole program.
     static QPalette palette(bool dark);
-    static QFont font(int pointSize, bool bold = false);
+    static QFont font(int size, bool bold = false);
 };

@@ -23,6 +23,7 @@ constexpr int ScrolledToTopLimit = 3;
 constexpr qreal PageForward = 1.5;
 constexpr qreal PageBack = 0.5;
 // The table itself wants the focus, not the row it would otherwise go to.
+constexpr int RingWidth = 2;
 constexpr Qt::FocusReason TakenByTable = Qt::NoFocusReason;
 
 } // namespace
@@ -40,9 +41,14 @@ public:
 protected:
     void paintEvent(QPaintEvent* /*event*/) override
     {
+        // Four sides of its own make: at every scale factor they reach the edge and no further.
         QPainter painter(this);
-        painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
-        painter.drawRect(rect().adjusted(1, 1, -1, -1));
+        const QColor color = palette().color(QPalette::Highlight);
+        for (const QRect& side : { QRect(0, 0, width(), RingWidth),
+                 QRect(0, height() - RingWidth, width(), RingWidth),
+                 QRect(0, 0, RingWidth, height()),
+                 QRect(width() - RingWidth, 0, RingWidth, height()) })
+            painter.fillRect(side, color);
     }
 };
 
@@ -78,10 +84,17 @@ void KRTableView::reloadData()
             }));
         return;
     }
-    if (m_flags.isUpdating) {
+    if (m_flags.isUpdating || m_flags.isReloading) {
         _reloadSoon();
         return;
     }
+    std::optional<KRTableViewCell::FocusedPart> focusedPart;
+    if (const auto* const cell = qobject_cast<KRTableViewCell*>(window()->focusWidget());
+        cell && cell->tableView() == this)
+        focusedPart = cell->focusedPart();
+    m_flags.isReloading = true;
+    if (m_delegate)
+        m_delegate->tableViewWillReload(*this);
     m_flags.isUpdating = true;
     m_widthOfHeights = m_width;
     m_currentRange = {};
@@ -96,6 +109,24 @@ void KRTableView::reloadData()
     setDocumentHeight(m_totalHeight);
     m_flags.isUpdating = false;
     _syncOnScreenCells();
+    _finishReload(focusedPart);
+}
+
+void KRTableView::_finishReload(const std::optional<KRTableViewCell::FocusedPart>& focusedPart)
+{
+    const QPointer<KRTableView> self = this;
+    if (m_delegate)
+        m_delegate->tableViewDidReload(*this);
+    if (!self)
+        return;
+    // The selection stays with the number of its row; the reader's finger stays on the link.
+    if (focusedPart && _mayTakeFocus()) {
+        for (const RowInfo& row : m_rowInfo) {
+            if (row.cell && row.cell->focusPart(*focusedPart))
+                break;
+        }
+    }
+    m_flags.isReloading = false;
     KRAnnounceReload(*this);
 }
 
@@ -218,7 +249,7 @@ void KRTableView::_addCellsInside(KRRange range)
         cell->show();
         info.cell = cell;
         // A widget can take its window's focus only once it is in the window.
-        if (row == m_selectedRow)
+        if (row == m_selectedRow && _mayTakeFocus())
             _makeFirstResponder(*cell);
     }
 }
@@ -402,10 +433,23 @@ void KRTableView::_makeFirstResponder(QWidget& view)
     view.setFocus(&view == this ? TakenByTable : Qt::OtherFocusReason);
 }
 
+bool KRTableView::_mayTakeFocus() const
+{
+    const QWidget* const focus = window()->focusWidget();
+    return !focus || focus == this || isAncestorOf(focus);
+}
+
 void KRTableView::_fixFirstResponder()
 {
-    if (KRTableViewCell* cell = selectedCell())
+    KRTableViewCell* const cell = selectedCell();
+    if (cell && (!m_flags.isReloading || _mayTakeFocus()))
         _makeFirstResponder(*cell);
+}
+
+bool KRTableView::_activateSelectedRow()
+{
+    KRTableViewCell* const cell = selectedCell();
+    return cell && cell->activate();
 }
 
 qint64 KRTableView::_visibleSelectedRow() const
@@ -452,12 +496,15 @@ void KRTableView::previousPage()
 void KRTableView::focusInEvent(QFocusEvent* event)
 {
     KRScrollView::focusInEvent(event);
-    // Whoever comes goes on at the selected row, and sees where the focus is without one.
-    if (event->reason() == Qt::MouseFocusReason)
+    // Whoever comes goes on at the selected row, and who comes with the keyboard sees where the focus is
+    // without one.
+    const Qt::FocusReason reason = event->reason();
+    if (reason == Qt::MouseFocusReason)
         return;
-    if (event->reason() != TakenByTable && selectedCell()) {
+    if (reason != TakenByTable && selectedCell()) {
         _fixFirstResponder();
-    } else {
+    } else if (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason
+        || reason == Qt::ShortcutFocusReason) {
         m_focusRing->raise();
         m_focusRing->show();
     }
@@ -490,10 +537,14 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
     case Qt::Key_Down:
         selectNext();
         break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        _activateSelectedRow();
+        break;
     case Qt::Key_Space:
         if (event->modifiers() & Qt::ShiftModifier)
             previousPage();
-        else
+        else if (!_activateSelectedRow())
             nextPage();
         break;
     case Qt::Key_Home:

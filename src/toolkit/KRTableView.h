@@ -3,13 +3,13 @@
 #include "foundation/KRRange.h"
 #include "foundation/KRResult.h"
 #include "toolkit/KRScrollView.h"
+#include "toolkit/KRTableViewCell.h"
 
 #include <QHash>
 #include <QPointer>
 
 #include <vector>
 
-class KRTableViewCell;
 class KRTableViewDelegate;
 class KRTableViewDocumentView;
 
@@ -67,6 +67,7 @@ public:
     /// The cell of a row, or null when it is not on screen.
     KRTableViewCell* cellForRow(qint64 row) const;
     /// Selects the clamped row and tells the delegate; -1 is ignored, and so is everything on an empty table.
+    /// The row's cell gets the keyboard's focus; during a reload only if nothing outside the table has it.
     void selectRow(qint64 row);
     void selectNext();
     void selectPrevious();
@@ -107,6 +108,9 @@ private:
 
     void _setupTableView();
     void _rebuildRows();
+    void _finishReload(const std::optional<KRTableViewCell::FocusedPart>& focusedPart);
+    bool _mayTakeFocus() const;
+    bool _activateSelectedRow();
     void _reloadSoon();
     void _setWidth(int width);
     void _reloadKeepingPlace();
@@ -135,6 +139,7 @@ private:
     struct {
         bool inLiveResize : 1;
         bool isUpdating : 1;
+        bool isReloading : 1;
         bool needsSync : 1;
     } m_flags {};
 };

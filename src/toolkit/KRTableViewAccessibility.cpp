@@ -15,7 +15,11 @@ void pressRow(KRTableView& table, qint64 row)
     const QPointer<KRTableView> alive = &table;
     table.scrollToRow(row);
     table.selectRow(row);
-    if (alive && !table.selectedCell())
+    if (!alive)
+        return;
+    if (KRTableViewCell* const cell = table.selectedCell())
+        cell->activate();
+    else
         table.setFocus();
 }
 

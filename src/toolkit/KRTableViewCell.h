@@ -4,6 +4,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <optional>
+
 class KRTableView;
 
 /// One row of a table on screen. The table owns it, places it, and hands it out again for another row when
@@ -25,6 +27,19 @@ public:
 
     /// Whether its row is the table's selected one.
     [[nodiscard]] bool selected() const;
+    /// Does what Return, Space and a screen reader's press mean on the row. False when they mean nothing, and
+    /// Space turns the page.
+    virtual bool activate() { return false; }
+
+    /// A part of a row that has the keyboard's focus: what the row shows, and which part of that.
+    struct FocusedPart {
+        QString content;
+        qsizetype number = 0;
+    };
+    [[nodiscard]] virtual std::optional<FocusedPart> focusedPart() const { return std::nullopt; }
+    /// Gives the focus to the part. False when the cell does not show it.
+    virtual bool focusPart(const FocusedPart& /*part*/) { return false; }
+
     /// Called when the cell has gained or lost the selection, for subclasses to redraw.
     virtual void selectedStateDidChange() { }
 

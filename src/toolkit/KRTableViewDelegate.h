@@ -24,6 +24,11 @@ public:
     virtual KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) = 0;
     /// What a screen reader says of a row that is not on screen and thus has no cell with a name.
     virtual QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 /*row*/) { return {}; }
+    /// Told around every reload, which may come later than it was asked for. What the rows stand for changes
+    /// in the first of the two and nowhere else, so that no row is drawn from another one's content; the
+    /// reader's place is put back in the second.
+    virtual void tableViewWillReload(KRTableView& /*tableView*/) { }
+    virtual void tableViewDidReload(KRTableView& /*tableView*/) { }
     /// Told after every selection, also when the row was selected before.
     virtual void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 /*row*/) { }
 };

@@ -26,7 +26,25 @@ class RowCell final : public KRTableViewCell {
 public:
     using KRTableViewCell::KRTableViewCell;
     void selectedStateDidChange() override { ++selectionChanges; }
+    bool activate() override
+    {
+        ++activations;
+        return isActive;
+    }
+    std::optional<FocusedPart> focusedPart() const override { return part; }
+    bool focusPart(const FocusedPart& wanted) override
+    {
+        if (wanted.content != accessibleName())
+            return false;
+        part = wanted;
+        setFocus();
+        return true;
+    }
+
     int selectionChanges = 0;
+    int activations = 0;
+    bool isActive = false;
+    std::optional<FocusedPart> part;
 };
 
 class Rows final : public KRTableViewDelegate {
@@ -50,7 +68,7 @@ public:
     }
     QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row) override
     {
-        return QStringLiteral("row %1").arg(row);
+        return names.contains(row) ? names[row] : QStringLiteral("row %1").arg(row);
     }
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override
     {
@@ -65,6 +83,17 @@ public:
         cell->setAccessibleName(tableViewAccessibleNameForRow(tableView, row));
         return cell;
     }
+    void tableViewWillReload(KRTableView& tableView) override
+    {
+        if (duringReload)
+            heights.insert(heights.begin(), 40);
+        rowsBefore = tableView.numberOfRows();
+    }
+    void tableViewDidReload(KRTableView& tableView) override
+    {
+        if (duringReload)
+            duringReload(tableView);
+    }
     void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row) override
     {
         selections.push_back(row);
@@ -74,11 +103,15 @@ public:
 
     std::vector<int> heights;
     std::map<qint64, QString> identifiers;
+    std::map<qint64, QString> names;
     std::vector<QPointer<KRTableViewCell>> made;
     std::vector<qint64> selections;
     std::function<void()> duringCellForRow;
     std::function<void(qint64)> duringHeightForRow;
     std::function<void()> duringSelection;
+    // With it a row is added at the top as the reload begins.
+    std::function<void(KRTableView&)> duringReload;
+    int rowsBefore = 0;
     int reloads = 0;
     int heightQuestions = 0;
 };
@@ -339,6 +372,62 @@ TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
     before->setFocus();
     inner->scrollToRow(30);
     EXPECT_EQ(window.focusWidget(), before);
+    // Nor does anything but the user's wish bring it back.
+    inner->scrollToRow(0);
+    tenRows.duringReload = [](KRTableView& view) { view.selectRow(2); };
+    inner->reloadData();
+    EXPECT_EQ(inner->selectedRow(), 2);
+    EXPECT_EQ(window.focusWidget(), before);
+    inner->setFocus();
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
+    inner->reloadData();
+    EXPECT_EQ(window.focusWidget(), inner->cellForRow(2));
+}
+
+TEST_F(KRTableViewTest, AReloadKeepsThePartOfARowThatHasTheFocus)
+{
+    show(equalRows(10, 40));
+    table.selectRow(1);
+    auto* const cell = static_cast<RowCell*>(table.selectedCell());
+    cell->part = KRTableViewCell::FocusedPart { cell->accessibleName(), 3 };
+    rows->heights.erase(rows->heights.begin());
+    table.reloadData();
+    EXPECT_EQ(firstResponder(), table.cellForRow(1));
+    for (const int row : { 0, 2 }) {
+        rows->names[row] = u"row 1"_s;
+        rows->names[1] = u"other"_s;
+        table.reloadData();
+        auto* const moved = static_cast<RowCell*>(table.cellForRow(row));
+        EXPECT_EQ(firstResponder(), moved) << "the row is elsewhere now";
+        EXPECT_EQ(moved->part ? moved->part->number : -1, 3);
+        EXPECT_EQ(table.selectedRow(), 1) << "the selection has its number";
+        rows->names.clear();
+        table.reloadData();
+        static_cast<RowCell*>(table.cellForRow(1))->part = KRTableViewCell::FocusedPart { u"row 1"_s, 3 };
+    }
+}
+
+TEST_F(KRTableViewTest, ReturnSpaceAndAScreenReaderActivateTheSelectedRow)
+{
+    show(equalRows(10, 40));
+    table.setFocus();
+    table.selectRow(1);
+    auto* const cell = static_cast<RowCell*>(table.selectedCell());
+    press(Qt::Key_Return);
+    press(Qt::Key_Enter);
+    EXPECT_EQ(cell->activations, 2);
+    cell->isActive = true;
+    press(Qt::Key_Space);
+    EXPECT_EQ(cell->activations, 3);
+    EXPECT_EQ(table.selectedRow(), 1) << "Space was used";
+    QAccessible::queryAccessibleInterface(&table)->child(1)->actionInterface()->doAction(
+        QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(cell->activations, 4);
+    press(Qt::Key_Space, Qt::ShiftModifier);
+    EXPECT_EQ(cell->activations, 4);
+    cell->isActive = false;
+    press(Qt::Key_Space);
+    EXPECT_GT(table.selectedRow(), 1) << "the page turns";
 }
 
 TEST_F(KRTableViewTest, AReloadWaitsForTheScroller)
@@ -349,15 +438,23 @@ TEST_F(KRTableViewTest, AReloadWaitsForTheScroller)
     QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
     EXPECT_TRUE(scroller->isScrolling());
     rows->heights.push_back(40);
+    int offset = 0;
+    rows->duringReload = [&](KRTableView& view) {
+        EXPECT_EQ(view.numberOfRows(), rows->rowsBefore + 2);
+        view.scrollToRow(5, offset);
+    };
     table.reloadData();
     table.reloadData();
     QTest::mouseMove(scroller, QPoint(7, 40));
+    offset = table.relativeVisibleOffsetForRow(3);
     EXPECT_EQ(rows->reloads, reloads);
     EXPECT_EQ(table.numberOfRows(), 50);
     QTest::mouseRelease(scroller, Qt::LeftButton, {}, QPoint(7, 40));
     EXPECT_FALSE(scroller->isScrolling());
     EXPECT_EQ(rows->reloads, reloads + 1);
-    EXPECT_EQ(table.numberOfRows(), 51);
+    EXPECT_EQ(table.numberOfRows(), 52);
+    EXPECT_EQ(table.relativeVisibleOffsetForRow(5), offset) << "what was put back in the reload stays";
+    rows->duringReload = {};
     QTest::mouseClick(scroller, Qt::LeftButton, {}, QPoint(7, 90));
     EXPECT_EQ(rows->reloads, reloads + 1) << "the callback was for one time only";
 
@@ -497,7 +594,20 @@ TEST_F(KRTableViewTest, TabStopsAtTheSelectedRowOnly)
     const auto tab = [&](Qt::Key key) { QTest::keyClick(window.focusWidget(), key); };
     tab(Qt::Key_Tab);
     EXPECT_EQ(window.focusWidget(), inner);
-    EXPECT_NE(inner->grab().toImage(), plain) << "the focus is visible without a selected row";
+    const QImage ringed = inner->grab().toImage();
+    const QRect edge = ringed.rect().adjusted(0, 0, -1, -1);
+    for (const QPoint corner : { edge.topLeft(), edge.topRight(), edge.bottomLeft(), edge.bottomRight() })
+        EXPECT_NE(ringed.pixel(corner), plain.pixel(corner)) << "the ring is whole";
+    for (const Qt::FocusReason reason : { Qt::ShortcutFocusReason,
+             Qt::BacktabFocusReason,
+             Qt::OtherFocusReason,
+             Qt::ActiveWindowFocusReason }) {
+        before->setFocus();
+        inner->setFocus(reason);
+        EXPECT_EQ(inner->grab().toImage() == ringed,
+            reason == Qt::ShortcutFocusReason || reason == Qt::BacktabFocusReason)
+            << reason;
+    }
     tab(Qt::Key_Tab);
     EXPECT_EQ(window.focusWidget(), after);
     inner->selectRow(2);

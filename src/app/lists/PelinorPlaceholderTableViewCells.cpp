@@ -29,8 +29,14 @@ void PelinorPlaceholderTableViewCell::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     if (selected() && !m_text.isEmpty())
         painter.fillRect(rect(), colors.selectedBackground);
-    if (m_text.isEmpty())
+    if (m_text.isEmpty()) {
+        // Nothing else would show that the keyboard is here.
+        if (hasFocus()) {
+            painter.setPen(QPen(colors.selectionMark, 2));
+            painter.drawRect(rect().adjusted(1, 1, -1, -1));
+        }
         return;
+    }
     painter.setFont(KRMessageFont(PointSize));
     painter.setPen(m_tone == Tone::Error ? colors.error
             : m_tone == Tone::Action     ? colors.selectionMark
@@ -74,6 +80,7 @@ int LoadingTableViewCell::heightForTableWidth(int /*width*/)
 
 void LoadingTableViewCell::setState(State state)
 {
+    m_state = state;
     setText(textForState(state), state == State::Loading ? Tone::Quiet : Tone::Action);
 }
 
@@ -84,10 +91,20 @@ QString LoadingTableViewCell::textForState(State state)
 
 void LoadingTableViewCell::mousePressEvent(QMouseEvent* event)
 {
-    const auto clicked = m_clicked;
+    const QPointer<LoadingTableViewCell> self(this);
     KRTableViewCell::mousePressEvent(event);
-    if (event->button() == Qt::LeftButton && clicked)
-        clicked();
+    if (self && event->button() == Qt::LeftButton)
+        activate();
+}
+
+bool LoadingTableViewCell::activate()
+{
+    // A copy: the handler may destroy the cell.
+    const auto clicked = m_clicked;
+    if (m_state != State::Waiting || !clicked)
+        return false;
+    clicked();
+    return true;
 }
 
 EndOfStreamTableViewCell::EndOfStreamTableViewCell()

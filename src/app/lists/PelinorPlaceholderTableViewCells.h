@@ -51,13 +51,15 @@ public:
 
     void setState(State state);
     static QString textForState(State state);
-    /// Called for each click on the row.
+    /// Called for each click on the waiting row, and for Return, Space and a screen reader's press on it.
     void setClickHandler(std::function<void()> handler) { m_clicked = std::move(handler); }
+    bool activate() override;
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
 
 private:
+    State m_state = State::Loading;
     std::function<void()> m_clicked;
 };
 

@@ -104,15 +104,29 @@ void PelinorStatusListViewController::_updateDates()
 
 void PelinorStatusListViewController::setStatuses(const TwitterStatusList& statuses)
 {
-    const bool followsNewest = tableView().isScrolledToTop()
+    m_newStatuses = statuses;
+    tableView().reloadData();
+}
+
+void PelinorStatusListViewController::tableViewWillReload(KRTableView& tableView)
+{
+    if (!m_newStatuses)
+        return;
+    m_followsNewest = tableView.isScrolledToTop()
         && m_environment.defaults.integerForKey("AutoScrollBehavior") == JumpToNewest;
     if (!m_statuses.isEmpty())
         saveScrollPosition();
-    m_statuses = statuses;
-    tableView().reloadData();
+    m_statuses = *std::exchange(m_newStatuses, std::nullopt);
+    m_restoresPlace = true;
+}
+
+void PelinorStatusListViewController::tableViewDidReload(KRTableView& tableView)
+{
+    if (!std::exchange(m_restoresPlace, false))
+        return;
     restoreScrollPosition();
-    if (followsNewest)
-        tableView().scrollToRow(0);
+    if (m_followsNewest)
+        tableView.scrollToRow(0);
 }
 
 TwitterStatusPtr PelinorStatusListViewController::statusForRow(qint64 row) const

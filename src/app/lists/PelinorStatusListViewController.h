@@ -45,8 +45,8 @@ public:
     virtual void viewWillDisappear(bool animated);
 
     const TwitterStatusList& statuses() const { return m_statuses; }
-    /// Replaces the rows. The reader's place stays where it is on screen, unless the list is at its top and
-    /// the user wants to follow the newest.
+    /// Replaces the rows, once the user has let go of the scroller. The reader's place stays where it is on
+    /// screen, unless the list is at its top and the user wants to follow the newest.
     void setStatuses(const TwitterStatusList& statuses);
     /// Null for a row that is not there.
     TwitterStatusPtr statusForRow(qint64 row) const;
@@ -70,6 +70,8 @@ public:
     int tableViewHeightForRow(KRTableView& tableView, qint64 row) override;
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
+    void tableViewWillReload(KRTableView& tableView) override;
+    void tableViewDidReload(KRTableView& tableView) override;
     void tableViewDidSelectRow(KRTableView& tableView, qint64 row) override;
     void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) override;
 
@@ -93,6 +95,10 @@ private:
     std::unique_ptr<KRTableView> m_unplacedTableView;
     QPointer<KRTableView> m_tableView;
     TwitterStatusList m_statuses;
+    // What the next reload shows.
+    std::optional<TwitterStatusList> m_newStatuses;
+    bool m_restoresPlace = false;
+    bool m_followsNewest = false;
     // Below which status older ones were last asked for. A page that brings none below it is not asked for
     // again just because the end of the list is on screen.
     std::optional<QString> m_loadedOlderThan;

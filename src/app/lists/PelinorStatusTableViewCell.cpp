@@ -17,7 +17,7 @@ constexpr int NamePointSize = 11;
 constexpr int DatePointSize = 9;
 constexpr int SelectionMarkWidth = 3;
 constexpr int SpaceAfterName = 5;
-constexpr qreal DimmedOpacity = 0.55;
+constexpr qreal DimmedPictureOpacity = 0.55;
 
 QFont nameFont()
 {
@@ -122,17 +122,54 @@ const PelinorCellColors& PelinorStatusTableViewCell::_colors() const
 void PelinorStatusTableViewCell::_layOutText()
 {
     m_text.setContainerSize({ qreal(_geometry().textWidth()), KRActiveTextRenderer::UnboundedHeight });
+    _setTextInTone(_tone());
+    m_tracker->textDidChange(_geometry().textOrigin());
+}
+
+PelinorStatusTableViewCell::Tone PelinorStatusTableViewCell::_tone() const
+{
+    if (selected())
+        return Tone::Selected;
+    return m_dimsReadStatuses && m_status->isRead() ? Tone::Dimmed : Tone::Normal;
+}
+
+void PelinorStatusTableViewCell::_setTextInTone(Tone tone)
+{
+    const PelinorCellColors& colors = _colors();
+    m_textTone = tone;
     m_text.setAttributedString(AttributedStringForStatus(m_status->text(),
                                    m_status->activeTextRanges(),
                                    m_layout.textSize,
-                                   textStyle(m_fontSizePreference, _colors().spans)),
+                                   textStyle(m_fontSizePreference,
+                                       tone == Tone::Selected     ? colors.selectedSpans
+                                           : tone == Tone::Dimmed ? colors.dimmedSpans
+                                                                  : colors.spans)),
         m_status->activeTextRanges());
-    m_tracker->textDidChange(_geometry().textOrigin());
+}
+
+QColor PelinorStatusTableViewCell::_inTone(const QColor& color) const
+{
+    return m_textTone == Tone::Dimmed ? _colors().dimmedText : color;
+}
+
+std::optional<KRTableViewCell::FocusedPart> PelinorStatusTableViewCell::focusedPart() const
+{
+    const std::optional<qsizetype> span = m_tracker->focusedSpan();
+    return span ? std::optional(FocusedPart { m_status->statusID(), *span }) : std::nullopt;
+}
+
+bool PelinorStatusTableViewCell::focusPart(const FocusedPart& part)
+{
+    if (!m_status || m_status->statusID() != part.content)
+        return false;
+    m_tracker->focusSpan(part.number);
+    return true;
 }
 
 QString PelinorStatusTableViewCell::accessibleNameForStatus(const TwitterStatus& status)
 {
-    const QString author = status.fromUser() ? singleLine(status.fromUser()->fullName()) : QString();
+    const QString author
+        = status.fromUser() ? singleLine(status.fromUser()->fullName()) : tr("Unknown author");
     return QStringLiteral("%1: %2, %3")
         .arg(author, status.text(), KRAdditions::relativeTimeAgoString(status.date()));
 }
@@ -163,18 +200,22 @@ void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
     _drawBackground(painter);
     if (!m_status)
         return;
-    if (m_dimsReadStatuses && m_status->isRead() && !selected())
-        painter.setOpacity(DimmedOpacity);
+    // The tone is known only here: the table tells a cell its row after it was filled, and a row that is
+    // selected is read only then. What changes are colours; the lines stay as they are.
+    if (m_textTone != _tone())
+        _setTextInTone(_tone());
     const TwitterUserPtr& user = m_status->fromUser();
+    painter.setOpacity(m_textTone == Tone::Dimmed ? DimmedPictureOpacity : 1);
     PelinorProfileImage::draw(painter,
         _geometry().profileImageFrame(),
         user ? user->profileImage() : nullptr,
         _colors());
+    painter.setOpacity(1);
     // Names are read in their own direction.
     painter.setLayoutDirection(Qt::LayoutDirectionAuto);
     _drawName(painter);
     _drawDate(painter);
-    painter.setPen(_colors().text);
+    painter.setPen(_inTone(_colors().text));
     m_text.drawAtPoint(painter, _geometry().textOrigin(), event->rect());
     m_tracker->draw(painter);
 }
@@ -198,28 +239,27 @@ void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const
 void PelinorStatusTableViewCell::_drawName(QPainter& painter) const
 {
     const TwitterUserPtr& user = m_status->fromUser();
-    if (!user)
-        return;
     const QRect frame = _geometry().nameFrame();
     const Qt::Alignment side = (m_layout.isMine ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute;
     const QFont font = nameFont();
     const QFontMetrics metrics(font, this);
-    const QString name = singleLine(m_showsUserName ? user->username() : user->fullName());
+    const QString name
+        = user ? singleLine(m_showsUserName ? user->username() : user->fullName()) : tr("Unknown author");
     const QString shown = metrics.elidedText(name, Qt::ElideRight, frame.width());
     painter.setFont(font);
-    painter.setPen(_colors().name);
+    painter.setPen(_inTone(_colors().name));
     painter.drawText(frame, int(side | Qt::AlignVCenter | Qt::TextSingleLine), shown);
 
-    const QString handle = u'@' + user->username();
-    if (m_showsUserName || shown != name || name == user->username())
+    if (!user || m_showsUserName || shown != name || name == user->username())
         return;
+    const QString handle = u'@' + user->username();
     // The user name follows where there is room for all of it.
     const int used = metrics.horizontalAdvance(shown) + SpaceAfterName;
     const QFont handleFont = KRMessageFont(DatePointSize);
     if (used + QFontMetrics(handleFont, this).horizontalAdvance(handle) > frame.width())
         return;
     painter.setFont(handleFont);
-    painter.setPen(_colors().secondaryText);
+    painter.setPen(_inTone(_colors().secondaryText));
     painter.drawText(frame.adjusted(m_layout.isMine ? 0 : used, 1, m_layout.isMine ? -used : 0, 1),
         int(side | Qt::AlignVCenter | Qt::TextSingleLine),
         handle);
@@ -229,6 +269,6 @@ void PelinorStatusTableViewCell::_drawDate(QPainter& painter) const
 {
     const Qt::Alignment side = (m_layout.isMine ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignAbsolute;
     painter.setFont(KRMessageFont(DatePointSize));
-    painter.setPen(_colors().secondaryText);
+    painter.setPen(_inTone(_colors().secondaryText));
     painter.drawText(_geometry().dateFrame(), int(side | Qt::AlignVCenter | Qt::TextSingleLine), m_date);
 }

@@ -58,6 +58,8 @@ public:
     void updateDate();
 
     void selectedStateDidChange() override { update(); }
+    [[nodiscard]] std::optional<FocusedPart> focusedPart() const override;
+    bool focusPart(const FocusedPart& part) override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -65,6 +67,11 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    enum class Tone { Normal, Selected, Dimmed };
+
+    Tone _tone() const;
+    void _setTextInTone(Tone tone);
+    QColor _inTone(const QColor& color) const;
     PelinorStatusCellGeometry _geometry() const;
     const PelinorCellColors& _colors() const;
     void _layOutText();
@@ -82,6 +89,7 @@ private:
     bool m_dimsReadStatuses = false;
     QString m_date;
     KRActiveTextRenderer m_text;
+    Tone m_textTone = Tone::Normal;
     KRActiveTextTracker* m_tracker;
     PelinorCellDelegate* m_delegate = nullptr;
 };

@@ -4,26 +4,42 @@
 
 namespace {
 
+KRActiveTextColors spansOfColor(const KRColor& color)
+{
+    return { .links = color, .hashtags = color, .usernames = color, .stockSymbols = color };
+}
+
 PelinorCellColors lightColors()
 {
     return {
         .background = QColor(0xFF, 0xFF, 0xFF),
         .ownBackground = QColor(0xF5, 0xF8, 0xFB),
         .selectedBackground = QColor(0xE4, 0xEF, 0xFA),
-        .selectionMark = QColor(0x2B, 0x7B, 0xC8),
+        .selectionMark = QColor(0x1A, 0x69, 0xB3),
         .separator = QColor(0xE3, 0xE6, 0xEA),
         .name = QColor(0x14, 0x19, 0x1F),
         .text = QColor(0x23, 0x2A, 0x31),
-        .secondaryText = QColor(0x6A, 0x73, 0x7D),
+        .secondaryText = QColor(0x5F, 0x68, 0x71),
+        .dimmedText = QColor(0x6B, 0x70, 0x76),
         .placeholder = QColor(0xDD, 0xE2, 0xE8),
         .placeholderFigure = QColor(0xF7, 0xF9, 0xFB),
         .error = QColor(0xA6, 0x2B, 0x1F),
         .spans = {},
+        .selectedSpans = { .hashtags = KRColor::rgba(0.37F, 0.41F, 0.44F, 1) },
+        .dimmedSpans = spansOfColor(KRColor::rgba(0.42F, 0.44F, 0.46F, 1)),
     };
 }
 
 PelinorCellColors darkColors()
 {
+    // The blue and the grey of the light scheme would not be readable here.
+    const KRColor blue = KRColor::rgba(0.42F, 0.71F, 1, 1);
+    const KRActiveTextColors spans {
+        .links = blue,
+        .hashtags = KRColor::rgba(0.62F, 0.65F, 0.69F, 1),
+        .usernames = blue,
+        .stockSymbols = blue,
+    };
     return {
         .background = QColor(0x1C, 0x20, 0x24),
         .ownBackground = QColor(0x21, 0x27, 0x2D),
@@ -32,17 +48,14 @@ PelinorCellColors darkColors()
         .separator = QColor(0x30, 0x36, 0x3D),
         .name = QColor(0xF2, 0xF4, 0xF6),
         .text = QColor(0xD9, 0xDE, 0xE3),
-        .secondaryText = QColor(0x93, 0x9D, 0xA7),
+        .secondaryText = QColor(0x9A, 0xA4, 0xAE),
+        .dimmedText = QColor(0x8A, 0x94, 0x9E),
         .placeholder = QColor(0x3A, 0x42, 0x4A),
         .placeholderFigure = QColor(0x55, 0x5F, 0x69),
         .error = QColor(0xF2, 0x9A, 0x8E),
-        // The blue and the grey of the light scheme would not be readable here.
-        .spans = {
-            .links = KRColor::rgba(0.42F, 0.71F, 1, 1),
-            .hashtags = KRColor::rgba(0.62F, 0.65F, 0.69F, 1),
-            .usernames = KRColor::rgba(0.42F, 0.71F, 1, 1),
-            .stockSymbols = KRColor::rgba(0.42F, 0.71F, 1, 1),
-        },
+        .spans = spans,
+        .selectedSpans = spans,
+        .dimmedSpans = spansOfColor(KRColor::rgba(0.54F, 0.58F, 0.62F, 1)),
     };
 }
 

@@ -6,7 +6,8 @@
 
 class QPalette;
 
-/// The colours of a list's cells, for light and for dark desktops.
+/// The colours of a list's cells, for light and for dark desktops. Text has a contrast of 4.5:1 or more on
+/// every background it can stand on, hashtags on white aside, whose grey is fixed. Main thread.
 struct PelinorCellColors {
     QColor background;
     /// Behind the account's own posts.
@@ -18,11 +19,16 @@ struct PelinorCellColors {
     QColor name;
     QColor text;
     QColor secondaryText;
+    /// Everything written in a post that was read, where the user wants those dimmed.
+    QColor dimmedText;
     /// Where a picture is not there yet, and what is drawn on it.
     QColor placeholder;
     QColor placeholderFigure;
     QColor error;
     KRActiveTextColors spans;
+    /// On the selected row's background.
+    KRActiveTextColors selectedSpans;
+    KRActiveTextColors dimmedSpans;
 
     static const PelinorCellColors& forPalette(const QPalette& palette);
 };

@@ -1,6 +1,7 @@
 #include "text/render/KRActiveTextStyle.h"
 
-#include <QFontDatabase>
+#include <QFontInfo>
+#include <QGuiApplication>
 
 #include <algorithm>
 #include <vector>
@@ -8,6 +9,7 @@
 namespace {
 
 constexpr int StandardPointSize = 12;
+constexpr int SmallestStandardPixelSize = 13;
 constexpr int EnlargedBy = 3;
 constexpr int MessagePointSize = 12;
 
@@ -118,10 +120,11 @@ int KRPointSizeForStatusCellFontSizePreference(int preference)
     }
 }
 
-QFont KRMessageFont(int pointSize)
+QFont KRMessageFont(int size)
 {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPointSize(pointSize);
+    QFont font = QGuiApplication::font();
+    const int standard = std::max(SmallestStandardPixelSize, QFontInfo(font).pixelSize());
+    font.setPixelSize((standard * size + StandardPointSize / 2) / StandardPointSize);
     return font;
 }
 

@@ -29,10 +29,12 @@ enum class KRStatusTextSize {
     Enlarged,
 };
 
-/// The point size of status texts for a value of the preference; an unknown value is the standard size.
+/// The size of status texts, as KRMessageFont() takes it, for a value of the preference; an unknown value is
+/// the standard size.
 [[nodiscard]] int KRPointSizeForStatusCellFontSizePreference(int preference);
-/// The font of messages in the user's desktop, at a point size.
-[[nodiscard]] QFont KRMessageFont(int pointSize);
+/// The font of the user's desktop. A size of 12 is that of the desktop's own texts, but never below 13
+/// pixels; other sizes stand to it in proportion.
+[[nodiscard]] QFont KRMessageFont(int size);
 [[nodiscard]] QFont KRStatusFont(KRStatusTextSize size, const KRActiveTextStyle& style);
 
 /// The styled text of a status, or of a direct message, its active spans coloured. Spans of later kinds cover

@@ -34,7 +34,7 @@ private:
         }
         friend size_t qHash(const Key& key, size_t seed = 0)
         {
-            return qHashMulti(seed, key.text, key.font.pointSize(), key.width);
+            return qHashMulti(seed, key.text, key.font.pixelSize(), key.width);
         }
     };
 

@@ -1,15 +1,14 @@
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 
+#include "text/render/KRActiveTextStyle.h"
 #include "toolkit/images/KRImage.h"
 #include "toolkit/navigation/KRNavigationItem.h"
 
-#include <QFontDatabase>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QTextBoundaryFinder>
-#include <QTextLayout>
 
 #include <algorithm>
 #include <utility>
@@ -17,7 +16,7 @@
 namespace {
 
 constexpr int ShownLength = 15;
-constexpr QSize MeasuringBox(100, 50);
+constexpr double WidestTitle = 100;
 constexpr int Padding = 30;
 constexpr int TitleX = 10;
 // Where the title's first line begins when it is as high as that; other fonts have the same middle.
@@ -34,30 +33,6 @@ const KRImage& dividerImage()
 {
     static const KRImage image = KRImage::imageNamed(QStringLiteral("toolkit/BreadcrumbDivider.svg"));
     return image;
-}
-
-// The width of the widest line of a title set into the measuring box.
-double boundingWidth(const QString& title, const QFont& font)
-{
-    const double natural = QFontMetricsF(font).horizontalAdvance(title);
-    if (natural <= MeasuringBox.width())
-        return natural;
-    QTextLayout layout(title, font);
-    QTextOption option;
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    layout.setTextOption(option);
-    double width = 0;
-    double height = 0;
-    layout.beginLayout();
-    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-        line.setLineWidth(MeasuringBox.width());
-        height += line.height();
-        if (height > MeasuringBox.height())
-            break;
-        width = std::max(width, line.naturalTextWidth());
-    }
-    layout.endLayout();
-    return std::min(width, double(MeasuringBox.width()));
 }
 
 } // namespace
@@ -93,14 +68,14 @@ QString KRNavigationBarBreadcrumbItemView::shownTitle(const QString& title)
 
 int KRNavigationBarBreadcrumbItemView::widthForTitle(const QString& title)
 {
-    return int(boundingWidth(shownTitle(title), attributesEmbossed(Embossed::No, false).font)) + Padding;
+    const QFontMetricsF metrics(attributesEmbossed(Embossed::No, false).font);
+    return int(std::min(metrics.horizontalAdvance(shownTitle(title)), WidestTitle)) + Padding;
 }
 
 KRNavigationBarBreadcrumbItemView::Attributes
 KRNavigationBarBreadcrumbItemView::attributesEmbossed(Embossed embossed, bool selected)
 {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPointSize(FontSize);
+    QFont font = KRMessageFont(FontSize);
     font.setBold(true);
     if (embossed == Embossed::Yes)
         return { font, QColor::fromRgbF(1, 1, 1, EmbossedOpacity) };

@@ -5,6 +5,7 @@
 #include "foundation/KRUserDefaults.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
+#include "toolkit/KRScroller.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -159,6 +160,28 @@ TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
     }
 }
 
+TEST_F(PelinorStatusListTest, NewRowsWaitForTheScrollerAndLeaveTheReaderInPlace)
+{
+    account.stream->posts = posts(100, 30);
+    list.viewWillAppear(false);
+    table().show();
+    KRScroller* const scroller = table().verticalScroller();
+    QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
+    account.stream->setStatuses(posts(105, 35));
+    QTest::mouseMove(scroller, QPoint(7, 90));
+    const qint64 row = table().visibleRange().location + 1;
+    const TwitterStatusPtr reading = list.statusForRow(row);
+    const int offset = table().relativeVisibleOffsetForRow(row);
+    EXPECT_GT(row, 2);
+    for (qint64 shown = table().visibleRange().location; shown < table().visibleRange().end(); ++shown)
+        EXPECT_EQ(static_cast<PelinorStatusTableViewCell*>(table().cellForRow(shown))->status()->statusID(),
+            QString::number(101 - shown))
+            << "no post is there twice while the knob is held";
+    QTest::mouseRelease(scroller, Qt::LeftButton, {}, QPoint(7, 90));
+    EXPECT_EQ(list.rowForStatus(*reading), row + 5);
+    EXPECT_EQ(table().relativeVisibleOffsetForRow(row + 5), offset);
+}
+
 TEST_F(PelinorStatusListTest, ThePlaceIsKeptAcrossVisits)
 {
     account.stream->posts = posts(100, 30);
@@ -236,6 +259,11 @@ TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
     table().scrollToRow(33);
     QTest::mouseClick(table().cellForRow(33), Qt::LeftButton);
     EXPECT_EQ(account.stream->olderLoads, 2);
+    table().show();
+    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Space })
+        QTest::keyClick(table().selectedCell(), key);
+    EXPECT_EQ(account.stream->olderLoads, 4);
+    account.stream->olderLoads = 2;
 
     account.stream->setStatuses(posts(102, 60));
     table().scrollToRow(61);
@@ -314,6 +342,7 @@ TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
     table.setFrame({ 0, 0, 415, 300 });
     table.show();
     list.viewWillAppear(false);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&table));
     table.setFocus();
     QTest::keyClick(table.focusWidget(), Qt::Key_Down);
     auto* const cell = static_cast<PelinorStatusTableViewCell*>(table.selectedCell());
@@ -337,6 +366,19 @@ TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
     QTest::keyClick(table.focusWidget(), Qt::Key_Tab);
     QTest::keyClick(table.focusWidget(), Qt::Key_Return);
     EXPECT_EQ(taken(), QString()) << "a row without spans";
+
+    // A refresh leaves the keyboard on the link it is on.
+    table.selectRow(1);
+    QTest::keyClick(table.focusWidget(), Qt::Key_Tab);
+    QTest::keyClick(table.focusWidget(), Qt::Key_Tab);
+    auto post = std::make_shared<TwitterStatus>();
+    post->setStatusID(u"9"_s);
+    post->setText(u"new @carol"_s);
+    post->setDate(KRNow());
+    account.stream->setStatuses(TwitterStatusList { post } + account.stream->posts);
+    EXPECT_EQ(table.cellForRow(1)->accessibleName(), u"Unknown author: new @carol, 0 seconds ago"_s);
+    QTest::keyClick(table.focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(taken(), u"search #tag"_s);
     list.viewWillDisappear(false);
 }
 

@@ -3,7 +3,9 @@
 #include "text/render/KRTextHeightCache.h"
 
 #include <QFontInfo>
+#include <QGuiApplication>
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace {
@@ -49,19 +51,27 @@ TEST(KRAttributedStringTests, LaterAttributesReplaceEarlierOnes)
     EXPECT_EQ(describe(text), QStringLiteral("ab=#ff0000|cde=#0000ff|f=#ff0000"));
 }
 
-TEST(KRAttributedStringTests, ThePreferenceDecidesTheSize)
+TEST(KRAttributedStringTests, ThePreferenceDecidesTheSizeInProportionToTheDesktops)
 {
-    for (const auto& [preference, points] : std::map<int,
-             int> { { 0, 12 }, { 1, 13 }, { 2, 14 }, { 5, 12 }, { 10, 11 }, { 11, 10 }, { -1, 12 } }) {
-        const KRActiveTextStyle style { preference, {} };
-        const KRActiveTextRanges none;
-        const QString text = QStringLiteral("x");
-        EXPECT_EQ(AttributedStringForStatus(text, none, KRStatusTextSize::Normal, style).font().pointSize(),
-            points);
-        EXPECT_EQ(AttributedStringForStatus(text, none, KRStatusTextSize::Enlarged, style).font().pointSize(),
-            points + 3);
-        EXPECT_EQ(AttributedStringForMessage(text, none, style).font().pointSize(), 12);
+    const QFont usual = QGuiApplication::font();
+    for (const int desktop : { 8, 13, 26 }) {
+        QFont font = usual;
+        font.setPixelSize(desktop);
+        QGuiApplication::setFont(font);
+        const double standard = std::max(desktop, 13);
+        for (const auto& [preference, size] : std::map<int,
+                 int> { { 0, 12 }, { 1, 13 }, { 2, 14 }, { 5, 12 }, { 10, 11 }, { 11, 10 }, { -1, 12 } }) {
+            const KRActiveTextStyle style { preference, {} };
+            const auto pixels = [&](KRStatusTextSize textSize) {
+                return AttributedStringForStatus(QStringLiteral("x"), {}, textSize, style).font().pixelSize();
+            };
+            EXPECT_EQ(pixels(KRStatusTextSize::Normal), std::lround(standard * size / 12)) << preference;
+            EXPECT_EQ(pixels(KRStatusTextSize::Enlarged), std::lround(standard * (size + 3) / 12));
+            EXPECT_EQ(AttributedStringForMessage(QStringLiteral("x"), {}, style).font().pixelSize(),
+                standard);
+        }
     }
+    QGuiApplication::setFont(usual);
 }
 
 TEST(KRAttributedStringTests, TheDirectionIsThatOfTheAuthorsOwnWords)
