@@ -27,9 +27,9 @@ void unlockLikeTheUser()
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
 }
 
-std::unique_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
+std::shared_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
 {
-    return std::make_unique<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
+    return std::make_shared<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
 }
 
 } // namespace

@@ -16,9 +16,9 @@ namespace {
 
 class TwitterTest : public testing::Test {
 protected:
-    std::unique_ptr<Twitter> makeTwitter(bool runsHeartbeat = false)
+    std::shared_ptr<Twitter> makeTwitter(bool runsHeartbeat = false)
     {
-        return std::make_unique<Twitter>(
+        return std::make_shared<Twitter>(
             TwitterEnvironment { &m_defaults, TwitterServiceHosts(), runsHeartbeat });
     }
     static void addAccounts(Twitter& twitter, const QStringList& names)
