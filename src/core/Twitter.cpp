@@ -5,6 +5,7 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
 #include "foundation/KRUserDefaults.h"
+#include "model/streams/TwitterStatusStreamFilter.h"
 
 #include <algorithm>
 #include <memory>
@@ -32,6 +33,7 @@ Twitter::Twitter(TwitterEnvironment environment)
         m_environment.defaults = &KRUserDefaults::standardUserDefaults();
     if (!m_environment.hosts)
         m_environment.hosts = TwitterServiceHosts::hostsWithDefaults(*m_environment.defaults).value();
+    ReadFilterTerms(*m_environment.defaults);
     _loadAccounts();
     m_changeObservation
         = KRNotificationCenter::defaultCenter().observe<TwitterAccountArchiveDidChangeNotification>(

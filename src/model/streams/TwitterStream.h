@@ -3,6 +3,7 @@
 #include "foundation/KRError.h"
 #include "model/records/TwitterStatus.h"
 
+class TwitterDummyMissingStatus;
 class TwitterStream;
 
 /// The list of a stream changed, or its end was reached. Posted on the main thread. Streams of direct
@@ -12,7 +13,8 @@ struct TwitterStreamDidUpdateNotification {
     const void* object = nullptr;
 };
 
-/// A load failed. Posted on the thread that delivers the response, which is the background thread.
+/// A load failed. Posted on the thread that delivers the response: the background thread, or the main one
+/// when there was nobody to ask for and nothing was sent.
 struct TwitterStreamErrorNotification {
     static constexpr char name[] = "TwitterStreamErrorNotification";
     const void* object = nullptr;
@@ -20,7 +22,7 @@ struct TwitterStreamErrorNotification {
 };
 
 /// An ordered list of statuses, newest first, that grows at both ends. This base only says what a stream can
-/// be asked; its operations do nothing but log that.
+/// be asked; its operations do nothing but log that. Main thread.
 class TwitterStream {
 public:
     TwitterStream() = default;
@@ -30,6 +32,9 @@ public:
 
     virtual void loadOlder();
     virtual void loadNewer();
+    /// Loads what is missing where the row stands; nothing happens while that is on its way, or for a row
+    /// that the stream no longer shows. Streams without such rows need not have it.
+    virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }
     virtual void setStatuses(const TwitterStatusList& statuses);
     [[nodiscard]] virtual TwitterStatusList statuses() const;
 };
