@@ -245,3 +245,17 @@ TEST_F(Gaps, EndWhereTheListIsFullOrTheServiceRepeatsItself)
     EXPECT_TRUE(endless->isMissingMessages());
     EXPECT_EQ(asked().split(u' ').size(), 2 + pages);
 }
+
+TEST_F(Gaps, ARemovedAccountIsAskedForNothingMore)
+{
+    m_newest = 50;
+    const auto stream = makeStream<TwitterTimelineStream>();
+    ASSERT_TRUE(load(*stream, 0, 20));
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+            [&](const auto&) { m_account.reset(); },
+            stream.get());
+    ASSERT_TRUE(load(*stream, 100, 40));
+    EXPECT_EQ(asked(), u"n n"_s);
+    EXPECT_TRUE(missingRow(*stream));
+}
