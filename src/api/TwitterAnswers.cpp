@@ -35,16 +35,48 @@ QByteArrayView withoutProlog(QByteArrayView body)
     }
 }
 
+// The name behind the first "<", in lower case.
+QByteArray nameOfFirstElement(QByteArrayView content)
+{
+    qsizetype end = 1;
+    while (
+        end < content.size() && (QChar::isLetterOrNumber(uchar(content.at(end))) || content.at(end) == '!'))
+        ++end;
+    return content.sliced(1, end - 1).toByteArray().toLower();
+}
+
+// Some servers call whatever they send HTML, and some pages come without that name: what counts is what the
+// body begins with. Only a text that could be anything goes by its name.
 bool isWebPage(const KRHTTPRequest& request)
 {
-    const QByteArray& body = request.data();
-    const QByteArrayView content = withoutProlog(body);
-    if (startsWithIgnoringCase(content, "<!doctype html") || startsWithIgnoringCase(content, "<html"))
-        return true;
-    // Some servers call whatever they send HTML; an XML declaration tells otherwise.
+    static const QByteArrayList elementsOfPages { "!doctype",
+        "a",
+        "body",
+        "br",
+        "center",
+        "div",
+        "form",
+        "h1",
+        "h2",
+        "head",
+        "html",
+        "link",
+        "meta",
+        "p",
+        "script",
+        "span",
+        "style",
+        "table",
+        "title" };
+    const QByteArrayView content = withoutProlog(request.data());
+    if (content.startsWith('<')) {
+        const QByteArray name = nameOfFirstElement(content);
+        return elementsOfPages.contains(name)
+            && (name != "!doctype" || startsWithIgnoringCase(content, "<!doctype html"));
+    }
     const QByteArray type = request.responseHeader("content-type").toLower();
-    return !content.isEmpty() && (type.startsWith("text/html") || type.startsWith("application/xhtml"))
-        && !body.trimmed().startsWith("<?xml");
+    return !content.isEmpty() && !content.startsWith('{') && !content.startsWith('[')
+        && (type.startsWith("text/html") || type.startsWith("application/xhtml"));
 }
 
 QString readableText(const QString& text)

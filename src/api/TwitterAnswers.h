@@ -20,7 +20,8 @@ void improveError(KRHTTPRequest& request);
 [[nodiscard]] KRError errorForMissingRecord(const KRHTTPRequest& request);
 
 /// What the parser makes of the body, or the request's error. A page that is not well-formed is read once
-/// more without the characters that XML has no way to write, should it hold any.
+/// more without the characters that XML has no way to write, should it hold any. The document of an error is
+/// no empty list.
 template <class Result>
 [[nodiscard]] KRResult<Result> parsed(const KRHTTPRequest& request,
     KRResult<Result> (*parse)(const QByteArray& data))
@@ -32,7 +33,11 @@ template <class Result>
     KRResult<Result> result = parse(request.data());
     if (result.isError()) {
         if (const auto repaired = KRXMLByReplacingForbiddenCharacters(request.data()))
-            return parse(*repaired);
+            result = parse(*repaired);
+    }
+    if constexpr (requires(const Result& list) { list.isEmpty(); }) {
+        if (!result.isError() && result.value().isEmpty() && !errorText(request.data()).isEmpty())
+            return errorForMissingRecord(request);
     }
     return result;
 }

@@ -25,6 +25,22 @@ void TwitterOperations::_requireAuthentication(const char* selector) const
         KRLog(u"Critical Error: %1 requires authentication"_s.arg(QLatin1String(selector)));
 }
 
+bool TwitterOperations::_requirePerson(const QString& nameOrID)
+{
+    if (!nameOrID.isEmpty())
+        return true;
+    _failSoon(errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain),
+        -1,
+        u"This person has no name that the service could be asked for"_s));
+    return false;
+}
+
+// Later and over there, as the answer to a request would come.
+void TwitterOperations::_failSoon(const KRError& error)
+{
+    performOnSharedBackgroundThread([self = shared_from_this(), error] { self->_deliverError(error); });
+}
+
 void TwitterOperations::GET(const QString& path, ResponseHandler handler)
 {
     _request(path, QString::fromUtf16(KRHTTPMethodGET), {}, std::move(handler));
@@ -52,9 +68,7 @@ void TwitterOperations::_request(const QString& path,
 {
     const KRResult<QUrl> url = m_context.hosts.RESTURLForPath(path);
     if (url.isError()) {
-        // Later and over there, as the answer to a request would come.
-        performOnSharedBackgroundThread(
-            [self = shared_from_this(), error = url.error()] { self->_deliverError(error); });
+        _failSoon(url.error());
         return;
     }
     const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();

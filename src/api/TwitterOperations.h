@@ -54,6 +54,10 @@ protected:
     /// Says in the log that the operation makes no sense without an account, if there is none.
     void _requireAuthentication(const char* selector) const;
 
+    /// Whether the operation names somebody. Without a name or an ID a service would take the account itself
+    /// for whom is meant; then the operation ends with an error, as a request would, and none is made.
+    bool _requirePerson(const QString& nameOrID);
+
     /// The path is sent as it is and may carry a query.
     void GET(const QString& path, ResponseHandler handler);
     void GET(const QString& path, const KRParameters& query, ResponseHandler handler);
@@ -64,6 +68,7 @@ protected:
     virtual void _deliverError(const KRError& error) = 0;
 
 private:
+    void _failSoon(const KRError& error);
     void
     _request(const QString& path, const QString& method, const QByteArray& body, ResponseHandler handler);
     void _requestResponse(KRHTTPRequest& request, const ResponseHandler& handler);

@@ -105,6 +105,21 @@ QString TwitterServiceHosts::linkPrefixForKey(const char* key) const
     return (hasScheme ? host : httpPrefix + host) + u'/';
 }
 
+QString TwitterServiceHosts::webRoot() const
+{
+    const bool isPlain = webHost().startsWith(httpPrefix, Qt::CaseInsensitive);
+    const KRResult<QUrl> url = _urlForPath({}, webHostKey, isPlain ? "http"_L1 : "https"_L1);
+    return url.isError() ? QString() : url.value().toString(QUrl::FullyEncoded);
+}
+
+QUrl TwitterServiceHosts::webURLForUser(const QString& username) const
+{
+    const QString root = webRoot();
+    if (root.isNull() || username.isEmpty())
+        return {};
+    return QUrl(root + QString::fromLatin1(QUrl::toPercentEncoding(username)), QUrl::StrictMode);
+}
+
 // The host may be written with this scheme, and with no other.
 KRResult<QUrl>
 TwitterServiceHosts::_urlForPath(const QString& path, const char* key, QLatin1String scheme) const

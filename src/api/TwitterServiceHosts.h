@@ -62,6 +62,12 @@ public:
     /// the host is written with https. Null when the service has no host.
     [[nodiscard]] QString linkPrefixForKey(const char* key) const;
 
+    /// What the addresses of the service's pages begin with, up to and with a slash: https unless the host is
+    /// written with http. Null without a host, or when what is set is none.
+    [[nodiscard]] QString webRoot() const;
+    /// A person's page; empty without a host. Names are encoded.
+    [[nodiscard]] QUrl webURLForUser(const QString& username) const;
+
 private:
     KRResult<QUrl> _urlForPath(const QString& path, const char* key, QLatin1String scheme) const;
 

@@ -7,6 +7,8 @@ using namespace Qt::StringLiterals;
 
 void TwitterUsersOperations::friendsForUsername(const QString& username, std::optional<int> page)
 {
+    if (!_requirePerson(username))
+        return;
     GET(u"statuses/friends.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -14,6 +16,8 @@ void TwitterUsersOperations::friendsForUsername(const QString& username, std::op
 
 void TwitterUsersOperations::friendsForUserID(const QString& userID, std::optional<int> page)
 {
+    if (!_requirePerson(userID))
+        return;
     GET(u"statuses/friends.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -21,6 +25,8 @@ void TwitterUsersOperations::friendsForUserID(const QString& userID, std::option
 
 void TwitterUsersOperations::followersForUsername(const QString& username, std::optional<int> page)
 {
+    if (!_requirePerson(username))
+        return;
     GET(u"statuses/followers.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -28,6 +34,8 @@ void TwitterUsersOperations::followersForUsername(const QString& username, std::
 
 void TwitterUsersOperations::followersForUserID(const QString& userID, std::optional<int> page)
 {
+    if (!_requirePerson(userID))
+        return;
     GET(u"statuses/followers.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -40,6 +48,8 @@ void TwitterUsersOperations::_usersResponse(KRHTTPRequest& request)
 
 void TwitterUserOperations::userWithUsername(const QString& username)
 {
+    if (!_requirePerson(username))
+        return;
     GET(u"users/show.xml"_s,
         KRParameters().add("screen_name"_L1, username),
         _handler(&TwitterUserOperations::_userResponse));
@@ -47,6 +57,8 @@ void TwitterUserOperations::userWithUsername(const QString& username)
 
 void TwitterUserOperations::userWithID(const QString& userID)
 {
+    if (!_requirePerson(userID))
+        return;
     GET(u"users/show.xml"_s,
         KRParameters().add("user_id"_L1, userID),
         _handler(&TwitterUserOperations::_userResponse));
@@ -55,12 +67,16 @@ void TwitterUserOperations::userWithID(const QString& userID)
 void TwitterUserOperations::followUsername(const QString& username)
 {
     _requireAuthentication("followUsername:");
+    if (!_requirePerson(username))
+        return;
     _follow(KRParameters().add("screen_name"_L1, username));
 }
 
 void TwitterUserOperations::followUserID(const QString& userID)
 {
     _requireAuthentication("followUserID:");
+    if (!_requirePerson(userID))
+        return;
     _follow(KRParameters().add("user_id"_L1, userID));
 }
 
@@ -85,6 +101,8 @@ void TwitterUserOperations::unfollowUserID(const QString& userID)
 
 void TwitterUserOperations::_unfollow(const QString& nameOrID)
 {
+    if (!_requirePerson(nameOrID))
+        return;
     POST(u"friendships/destroy/%1.xml"_s.arg(nameOrID),
         QByteArray(),
         _handler(&TwitterUserOperations::_userResponse));

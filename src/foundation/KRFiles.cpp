@@ -4,6 +4,20 @@
 
 #include <QFile>
 #include <QSaveFile>
+#include <QTemporaryFile>
+
+#include <cstdio>
+
+namespace {
+
+KRError writeError(const QString& path, const QFileDevice& file)
+{
+    return errorWithDomain(QString::fromUtf16(KRFileErrorDomain),
+        -1,
+        QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
+}
+
+} // namespace
 
 KRResult<void> KRWriteFileAtomically(const QString& path, const QByteArray& bytes)
 {
@@ -13,9 +27,20 @@ KRResult<void> KRWriteFileAtomically(const QString& path, const QByteArray& byte
         && file.write(bytes) == bytes.size() && file.commit();
     if (written)
         return {};
-    return errorWithDomain(QString::fromUtf16(KRFileErrorDomain),
-        -1,
-        QStringLiteral("%1 could not be written: %2").arg(path, file.errorString()));
+    return writeError(path, file);
+}
+
+KRResult<void> KRWriteCacheFile(const QString& path, const QByteArray& bytes)
+{
+    // Readable by its owner only from its beginning.
+    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    if (!file.open() || file.write(bytes) != bytes.size() || !file.flush())
+        return writeError(path, file);
+    // Over whatever is there, in one step; Qt's own renaming refuses that.
+    if (std::rename(QFile::encodeName(file.fileName()).constData(), QFile::encodeName(path).constData()) != 0)
+        return writeError(path, file);
+    file.setAutoRemove(false);
+    return {};
 }
 
 QString KRSetAsideUnreadableFile(const QString& path)

@@ -184,6 +184,9 @@ void KRUserDefaults::setAsideUnreadableData(const QString& key)
 KRResult<void> KRUserDefaults::synchronize()
 {
     std::scoped_lock guard(m_lock);
+    // QSettings never forgets an error. Another object of the same file has all that is not written yet.
+    if (m_settings->status() != QSettings::NoError)
+        m_settings = std::make_unique<QSettings>(m_settings->fileName(), QSettings::IniFormat);
     m_settings->sync();
     if (m_settings->status() == QSettings::NoError)
         return {};

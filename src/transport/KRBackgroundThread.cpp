@@ -25,18 +25,12 @@ KRBackgroundThread::KRBackgroundThread()
     m_threadID = m_thread.get_id();
 }
 
-KRBackgroundThread::~KRBackgroundThread()
-{
-    m_runLoop.setWakeHook({});
-}
-
 KRBackgroundThread& KRBackgroundThread::shared()
 {
     if (KRBackgroundThread* thread = s_sharedThread.load(std::memory_order_acquire))
         return *thread;
     std::scoped_lock guard(s_creationLock);
     if (!s_sharedThread.load(std::memory_order_relaxed)) {
-        // Never destroyed: objects that outlive the thread may still post to it.
         s_sharedThread.store(new KRBackgroundThread, std::memory_order_release);
     }
     return *s_sharedThread.load(std::memory_order_relaxed);
@@ -70,8 +64,8 @@ void KRBackgroundThread::_run()
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     // Made here and not where the thread is first asked for, which is the start of the program: this opens
     // libcurl.
-    m_transfers = std::make_unique<KRTransferEngine>();
-    m_wakeable = m_transfers.get();
+    m_transfers = new KRTransferEngine;
+    m_wakeable = m_transfers;
     for (;;) {
         m_runLoop.runPending();
         // What asked for the end has used up its wake-up: waiting once more would wait for the next event.

@@ -15,7 +15,8 @@ class KRBackgroundThread {
 public:
     KRBackgroundThread(const KRBackgroundThread&) = delete;
     KRBackgroundThread& operator=(const KRBackgroundThread&) = delete;
-    ~KRBackgroundThread();
+    // Never destroyed: objects that outlive the thread may still post to it.
+    ~KRBackgroundThread() = delete;
 
     /// Makes and starts the thread on first use; threads that ask at once get the same one.
     static KRBackgroundThread& shared();
@@ -33,7 +34,7 @@ private:
     void _run();
 
     KRRunLoop m_runLoop;
-    std::unique_ptr<KRTransferEngine> m_transfers;
+    KRTransferEngine* m_transfers = nullptr;
     // The same for other threads, once it is made.
     std::atomic<KRTransferEngine*> m_wakeable = nullptr;
     bool m_stopping = false;

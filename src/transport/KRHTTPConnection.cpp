@@ -55,6 +55,19 @@ bool isHarmlessHeader(const QByteArray& name)
     return names.contains(name.toLower());
 }
 
+/// The headers that describe a body, and mean nothing once it is gone (RFC 9110, 15.4).
+bool isAboutContent(const QByteArray& name)
+{
+    static const QByteArrayList names { "content-encoding",
+        "content-language",
+        "content-length",
+        "content-location",
+        "content-type",
+        "digest",
+        "last-modified" };
+    return names.contains(name.toLower());
+}
+
 /// A line break in a header would begin another header.
 bool isSafeHeaderText(const QByteArray& text)
 {
@@ -131,7 +144,11 @@ void KRHTTPConnection::_beginHop()
     _setUpCommonOptions();
     _setUpMethodAndBody();
     _setUpHeaders();
-    m_engine->start(m_handle, shared_from_this());
+    const QByteArray host
+        = m_url.host(QUrl::FullyEncoded).toLatin1() + ':' + QByteArray::number(portOf(m_url));
+    m_engine->start(m_handle,
+        shared_from_this(),
+        { host, m_request.kind, std::chrono::seconds(m_settings.stallSeconds) });
 }
 
 void KRHTTPConnection::_setUpCommonOptions()
@@ -141,6 +158,9 @@ void KRHTTPConnection::_setUpCommonOptions()
     curl().easySetOption(m_handle, CURLOPT_URL, url.constData());
     curl().easySetOption(m_handle, CURLOPT_PROTOCOLS_STR, "http,https");
     curl().easySetOption(m_handle, CURLOPT_NOSIGNAL, 1L);
+    // Else a transfer that is given up waits, and everybody with it, until the system's resolver has
+    // answered.
+    curl().easySetOption(m_handle, CURLOPT_QUICK_EXIT, 1L);
     curl().easySetOption(m_handle, CURLOPT_USERAGENT, "Pelinor/1.2.6");
     curl().easySetOption(m_handle, CURLOPT_ACCEPT_ENCODING, "gzip, br");
     curl().easySetOption(m_handle, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
@@ -314,6 +334,8 @@ std::optional<KRError> KRHTTPConnection::_redirectTo(const QByteArray& location)
     }
     const bool repeats = m_response.statusCode == 307 || m_response.statusCode == 308;
     if (!repeats && m_request.method != "HEAD") {
+        if (m_request.method != "GET")
+            m_request.headers.removeIf([](const auto& header) { return isAboutContent(header.first); });
         m_request.method = "GET";
         m_request.body = {};
         m_request.bodyStream.reset();

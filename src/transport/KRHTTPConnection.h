@@ -62,6 +62,7 @@ struct KRURLRequest {
     std::shared_ptr<KRInputStream> bodyStream;
     /// Bytes of the stream, where known; without it the body is sent in chunks.
     std::optional<qint64> bodyStreamLength;
+    KRTransferKind kind = KRTransferKind::Data;
 };
 
 struct KRURLResponse {

@@ -125,6 +125,15 @@ void KRHTTPRequest::_startInBackground()
         connectionDidFailWithError(*error);
         return;
     }
+    if (m_body.isNull() && m_bodyStream) {
+        if (m_hasUsedStream && !m_bodyStream->rewind()) {
+            connectionDidFailWithError(errorWithDomain(QString::fromUtf16(KRHTTPConnectionErrorDomain),
+                KRHTTPConnectionErrorUnreadableBody,
+                u"What was to be sent can be read only once"_s));
+            return;
+        }
+        m_hasUsedStream = true;
+    }
     const auto connection = std::make_shared<KRHTTPConnection>(urlRequest(), shared_from_this());
     connection->start(KRBackgroundThread::shared().transfers());
 }
@@ -134,6 +143,9 @@ KRURLRequest KRHTTPRequest::urlRequest() const
     KRURLRequest request;
     request.url = m_url;
     request.method = m_method.toUtf8();
+    request.kind = m_method != QStringView(KRHTTPMethodGET) ? KRTransferKind::Command
+        : m_isPicture                                       ? KRTransferKind::Picture
+                                                            : KRTransferKind::Data;
     if (!m_body.isNull() && m_bodyStream)
         KRLog(u"ERROR: body & bodyStream both specified!"_s);
     request.body = m_body;
@@ -159,7 +171,6 @@ KRURLRequest KRHTTPRequest::urlRequest() const
 void KRHTTPRequest::connectionDidReceiveResponse(const KRURLResponse& response)
 {
     m_statusCode = response.statusCode;
-    m_responseUrl = response.url;
     m_responseHeaders = response.headers;
     if (m_statusCode > 299) {
         m_error = errorWithDomain(QString::fromUtf16(KRHTTPRequestErrorDomain),
@@ -208,15 +219,15 @@ void KRHTTPRequest::_noteProgress()
 
 void KRHTTPRequest::_endRequest()
 {
-    // The callbacks are let go at the end: the callback may start the request again only with new ones.
-    const KRCallback<KRHTTPRequest&> responseCallback = m_responseCallback;
+    // Let go before anybody can start the request again, who may do so from inside the callback, with new
+    // ones.
+    const KRCallback<KRHTTPRequest&> responseCallback = std::exchange(m_responseCallback, {});
+    m_progressCallback = {};
     _didEndRequest();
     m_isRunning = false;
     if (m_multipartFormData)
         m_multipartFormData->cleanup();
     responseCallback.invoke(*this);
-    m_responseCallback = {};
-    m_progressCallback = {};
     endNetworkActivity();
 }
 

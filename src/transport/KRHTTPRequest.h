@@ -99,6 +99,10 @@ public:
         m_progressCallback = std::move(callback);
     }
 
+    /// Whether this is a picture, for which other requests to its server do not wait. Whoever loads pictures
+    /// says so; everything but a GET goes first by itself.
+    void setIsPicture(bool isPicture) { m_isPicture = isPicture; }
+
     /// Any thread. A running request ignores it.
     void startRequest();
 
@@ -107,8 +111,6 @@ public:
     void setData(const QByteArray& data) { m_data = data; }
     const std::optional<KRError>& error() const { return m_error; }
     void setError(std::optional<KRError> error) { m_error = std::move(error); }
-    /// Where the answer came from, after redirects.
-    const QUrl& responseUrl() const { return m_responseUrl; }
     /// The response's first header of that name (in lower case); empty when there is none.
     QByteArray responseHeader(QByteArrayView name) const;
 
@@ -171,12 +173,14 @@ private:
     int m_statusCode = 0;
     QByteArray m_data;
     std::optional<KRError> m_error;
-    QUrl m_responseUrl;
     QList<std::pair<QByteArray, QByteArray>> m_responseHeaders;
     std::atomic<qint64> m_downloadContentLength = 0;
     std::atomic<qint64> m_downloadedBytes = 0;
     std::atomic<qint64> m_uploadContentLength = 0;
     std::atomic<qint64> m_uploadedBytes = 0;
+    bool m_isPicture = false;
+    // The stream was read by an earlier attempt.
+    bool m_hasUsedStream = false;
     std::atomic<bool> m_isRunning = false;
 };
 

@@ -134,6 +134,8 @@ void KRHTTPRequest::_didEndRequest()
     if (isPersistent()) {
         if (m_error && m_retries < m_maxRetries) {
             KRLog(u"Error %1: will retry later"_s.arg(m_error->description));
+            // Whoever archives the list reads the number.
+            std::scoped_lock guard(listLock());
             ++m_retries;
             return;
         }

@@ -8,6 +8,11 @@
 #include "transport/KRHTTPRequest.h"
 
 #include <QFile>
+#include <QHash>
+
+#include <mutex>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -23,29 +28,66 @@ QString pathForURL(const QUrl& url)
     return KRFileManager::pelinorProfileImageCacheDirectory() + u'/' + name;
 }
 
-/// What waits for one download.
-struct Download : std::enable_shared_from_this<Download> {
-    Download(QString file, KRCallback<QByteArray> callback)
-        : m_file(std::move(file))
-        , m_callback(std::move(callback))
+/// One download, and all who wait for it.
+class Download : public std::enable_shared_from_this<Download> {
+public:
+    /// Joins the download of that address, or starts it.
+    static void join(const QUrl& url, const QString& file, KRCallback<QByteArray> callback)
     {
+        std::shared_ptr<Download> download;
+        {
+            std::scoped_lock guard(s_lock);
+            std::shared_ptr<Download>& known = s_running[url];
+            if (known) {
+                known->m_callbacks.push_back(std::move(callback));
+                return;
+            }
+            known = download = std::make_shared<Download>(url, file, std::move(callback));
+        }
+        const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
+        request->setUrl(url);
+        request->setIsPicture(true);
+        request->setResponseCallback(Callback(download, &Download::response));
+        request->startRequest();
     }
 
-    void response(KRHTTPRequest& request)
+    Download(QUrl url, QString file, KRCallback<QByteArray> callback)
+        : m_url(std::move(url))
+        , m_file(std::move(file))
     {
-        if (request.error()) {
-            m_callback.invoke(*request.error());
-            return;
-        }
-        const KRResult<void> written = KRWriteFileAtomically(m_file, request.data());
-        if (written.isError())
-            KRLog(QStringLiteral("Warning: a picture is not kept: %1").arg(written.error().description));
-        m_callback.invoke(request.data());
+        m_callbacks.push_back(std::move(callback));
     }
 
 private:
+    void response(KRHTTPRequest& request)
+    {
+        if (!request.error() && !request.data().isEmpty()) {
+            const KRResult<void> written = KRWriteCacheFile(m_file, request.data());
+            if (written.isError())
+                KRLog(QStringLiteral("Warning: a picture is not kept: %1").arg(written.error().description));
+        }
+        for (const KRCallback<QByteArray>& callback : _end()) {
+            if (request.error())
+                callback.invoke(*request.error());
+            else
+                callback.invoke(request.data());
+        }
+    }
+
+    // From here on, who asks finds the file or tries again.
+    std::vector<KRCallback<QByteArray>> _end()
+    {
+        std::scoped_lock guard(s_lock);
+        s_running.remove(m_url);
+        return std::exchange(m_callbacks, {});
+    }
+
+    static inline std::mutex s_lock;
+    static inline QHash<QUrl, std::shared_ptr<Download>> s_running;
+
+    QUrl m_url;
     QString m_file;
-    KRCallback<QByteArray> m_callback;
+    std::vector<KRCallback<QByteArray>> m_callbacks;
 };
 
 } // namespace
@@ -63,10 +105,9 @@ void KRNetworkCache::request(const QUrl& url, KRCallback<QByteArray> callback)
 {
     QString file;
     const QByteArray cached = cachedDataForURL(url, &file);
-    if (!cached.isNull()) {
+    // An empty file is what a power cut leaves.
+    if (cached.isEmpty())
+        Download::join(url, file, std::move(callback));
+    else
         callback.invoke(cached);
-        return;
-    }
-    const auto download = std::make_shared<Download>(file, std::move(callback));
-    KRHTTPRequest::GET(url, Callback(download, &Download::response));
 }

@@ -6,10 +6,12 @@
 
 namespace {
 
-constexpr int longestWait = 60'000;
+constexpr KRRunLoop::Duration longestWait { 60'000 };
 constexpr size_t idleHandlesKept = 16;
 // Enough for a screen of avatars beside the timelines without crowding a small site.
-constexpr long connectionsPerHost = 8;
+constexpr int placesPerHost = 8;
+// However many avatars a page has, half of the places stay with what people wait for.
+constexpr int placesPerHostForPictures = 4;
 
 } // namespace
 
@@ -18,15 +20,6 @@ KRTransferEngine::KRTransferEngine()
     , m_multi(m_curl.multiInit())
 {
     m_curl.multiSetOption(m_multi, CURLMOPT_PIPELINING, CURLPIPE_MULTIPLEX);
-    m_curl.multiSetOption(m_multi, CURLMOPT_MAX_HOST_CONNECTIONS, connectionsPerHost);
-}
-
-KRTransferEngine::~KRTransferEngine()
-{
-    cancelAll();
-    for (CURL* handle : m_idleHandles)
-        m_curl.easyCleanup(handle);
-    m_curl.multiCleanup(m_multi);
 }
 
 CURL* KRTransferEngine::takeHandle()
@@ -38,23 +31,77 @@ CURL* KRTransferEngine::takeHandle()
     return handle;
 }
 
-void KRTransferEngine::start(CURL* handle, std::shared_ptr<KRTransfer> transfer)
+void KRTransferEngine::start(CURL* handle, std::shared_ptr<KRTransfer> transfer, KRTransferTerms terms)
 {
+    if (_hasPlaceFor(terms)) {
+        _begin(handle, { std::move(transfer), std::move(terms) });
+        return;
+    }
+    // libcurl has a queue of its own, in which nothing overtakes and nothing ends.
+    const TimePoint deadline = std::chrono::steady_clock::now() + terms.longestWait;
+    const auto behind = std::find_if(m_waiting.begin(), m_waiting.end(), [&](const Waiting& waiting) {
+        return waiting.transfer.terms.kind > terms.kind;
+    });
+    m_waiting.insert(behind, { handle, { std::move(transfer), std::move(terms) }, deadline });
+}
+
+bool KRTransferEngine::_hasPlaceFor(const KRTransferTerms& terms) const
+{
+    const Places places = m_places.value(terms.host);
+    return places.taken < placesPerHost
+        && (terms.kind != KRTransferKind::Picture || places.takenByPictures < placesPerHostForPictures);
+}
+
+void KRTransferEngine::_begin(CURL* handle, Transfer transfer)
+{
+    Places& places = m_places[transfer.terms.host];
+    ++places.taken;
+    if (transfer.terms.kind == KRTransferKind::Picture)
+        ++places.takenByPictures;
     m_transfers.emplace(handle, std::move(transfer));
     m_curl.multiAddHandle(m_multi, handle);
+}
+
+void KRTransferEngine::_giveBack(const KRTransferTerms& terms)
+{
+    const auto places = m_places.find(terms.host);
+    --places->taken;
+    if (terms.kind == KRTransferKind::Picture)
+        --places->takenByPictures;
+    if (places->taken == 0)
+        m_places.erase(places);
+}
+
+void KRTransferEngine::_beginWaiting()
+{
+    for (size_t at = 0; at < m_waiting.size();) {
+        if (!_hasPlaceFor(m_waiting[at].transfer.terms)) {
+            ++at;
+            continue;
+        }
+        Waiting next = std::move(m_waiting[at]);
+        m_waiting.erase(m_waiting.begin() + qsizetype(at));
+        _begin(next.handle, std::move(next.transfer));
+    }
 }
 
 bool KRTransferEngine::moveOn()
 {
     int running = 0;
     m_curl.multiPerform(m_multi, &running);
-    return _tellEnded();
+    const bool haveEnded = _tellEnded();
+    return _endOverdue() || haveEnded;
 }
 
 void KRTransferEngine::wait(std::optional<KRRunLoop::Duration> limit)
 {
-    const int milliseconds
-        = limit ? static_cast<int>(std::min<qint64>(limit->count(), longestWait)) : longestWait;
+    KRRunLoop::Duration shortest = std::min(limit.value_or(longestWait), longestWait);
+    for (const Waiting& waiting : m_waiting) {
+        const auto left
+            = std::chrono::ceil<KRRunLoop::Duration>(waiting.deadline - std::chrono::steady_clock::now());
+        shortest = std::clamp(left, KRRunLoop::Duration::zero(), shortest);
+    }
+    const int milliseconds = static_cast<int>(shortest.count());
     m_curl.multiPoll(m_multi, nullptr, 0, milliseconds, nullptr);
 }
 
@@ -74,13 +121,37 @@ bool KRTransferEngine::_tellEnded()
         const CURLcode code = message->data.result;
         m_curl.multiRemoveHandle(m_multi, handle);
         const auto found = m_transfers.find(handle);
-        const std::shared_ptr<KRTransfer> transfer = std::move(found->second);
+        const Transfer transfer = std::move(found->second);
         m_transfers.erase(found);
-        transfer->transferDidEnd(handle, code);
-        _recycle(handle);
+        _giveBack(transfer.terms);
+        _beginWaiting();
+        _end(handle, transfer.transfer, code);
         ended = true;
     }
     return ended;
+}
+
+bool KRTransferEngine::_endOverdue()
+{
+    bool ended = false;
+    // Those that are told may start others.
+    const auto isOverdue = [now = std::chrono::steady_clock::now()](
+                               const Waiting& waiting) { return waiting.deadline <= now; };
+    for (;;) {
+        const auto overdue = std::find_if(m_waiting.begin(), m_waiting.end(), isOverdue);
+        if (overdue == m_waiting.end())
+            return ended;
+        const Waiting waiting = std::move(*overdue);
+        m_waiting.erase(overdue);
+        _end(waiting.handle, waiting.transfer.transfer, CURLE_OPERATION_TIMEDOUT);
+        ended = true;
+    }
+}
+
+void KRTransferEngine::_end(CURL* handle, const std::shared_ptr<KRTransfer>& transfer, int code)
+{
+    transfer->transferDidEnd(handle, code);
+    _recycle(handle);
 }
 
 void KRTransferEngine::_recycle(CURL* handle)
@@ -100,4 +171,8 @@ void KRTransferEngine::cancelAll()
         _recycle(handle);
     }
     m_transfers.clear();
+    for (const Waiting& waiting : m_waiting)
+        _recycle(waiting.handle);
+    m_waiting.clear();
+    m_places.clear();
 }

@@ -2,6 +2,10 @@
 
 #include "foundation/KRRunLoop.h"
 
+#include <QByteArray>
+#include <QHash>
+
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -23,6 +27,24 @@ public:
     virtual void transferDidEnd(CURL* handle, int code) = 0;
 };
 
+/// What kind of transfer waits for a place: in this order they get the next free one.
+enum class KRTransferKind {
+    /// Posts and other things that change something at the server. People wait for these.
+    Command,
+    /// Reading.
+    Data,
+    /// Pictures, which have an allowance of their own beside.
+    Picture,
+};
+
+/// Which places a transfer takes, and how long it waits for one.
+struct KRTransferTerms {
+    /// The server, with its port.
+    QByteArray host;
+    KRTransferKind kind = KRTransferKind::Data;
+    std::chrono::seconds longestWait { 0 };
+};
+
 /// libcurl's multi interface behind two waits: for sockets, and for a wake-up from another thread. Everything
 /// but wakeUp() is the background thread's.
 class KRTransferEngine {
@@ -30,12 +52,14 @@ public:
     KRTransferEngine();
     KRTransferEngine(const KRTransferEngine&) = delete;
     KRTransferEngine& operator=(const KRTransferEngine&) = delete;
-    ~KRTransferEngine();
+    // Lives as long as its thread, which is as long as the process.
+    ~KRTransferEngine() = delete;
 
     /// A handle with default options, ready to be set up and started.
     [[nodiscard]] CURL* takeHandle();
-    /// Starts a handle; the engine keeps the transfer until it has ended.
-    void start(CURL* handle, std::shared_ptr<KRTransfer> transfer);
+    /// Starts a handle as soon as its server has a place for it; the engine keeps the transfer until it has
+    /// ended. One that finds no place in its time ends as if the server had not answered.
+    void start(CURL* handle, std::shared_ptr<KRTransfer> transfer, KRTransferTerms terms);
 
     /// Moves every transfer on and tells those that ended. Answers whether any did: that has usually brought
     /// new work, so the caller looks before it waits.
@@ -48,11 +72,36 @@ public:
     void cancelAll();
 
 private:
+    using TimePoint = std::chrono::steady_clock::time_point;
+
+    struct Transfer {
+        std::shared_ptr<KRTransfer> transfer;
+        KRTransferTerms terms;
+    };
+    struct Waiting {
+        CURL* handle = nullptr;
+        Transfer transfer;
+        TimePoint deadline;
+    };
+    struct Places {
+        int taken = 0;
+        int takenByPictures = 0;
+    };
+
     bool _tellEnded();
+    bool _endOverdue();
+    void _end(CURL* handle, const std::shared_ptr<KRTransfer>& transfer, int code);
+    [[nodiscard]] bool _hasPlaceFor(const KRTransferTerms& terms) const;
+    void _begin(CURL* handle, Transfer transfer);
+    void _giveBack(const KRTransferTerms& terms);
+    void _beginWaiting();
     void _recycle(CURL* handle);
 
     const KRCurlLibrary& m_curl;
     CURLM* m_multi;
-    std::unordered_map<CURL*, std::shared_ptr<KRTransfer>> m_transfers;
+    std::unordered_map<CURL*, Transfer> m_transfers;
+    // Commands first, pictures last, each kind in the order of asking.
+    std::vector<Waiting> m_waiting;
+    QHash<QByteArray, Places> m_places;
     std::vector<CURL*> m_idleHandles;
 };

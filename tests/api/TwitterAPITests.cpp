@@ -203,7 +203,13 @@ TEST_F(TwitterAPITest, SuccessesThatAreNoneAreErrors)
     const QString webPage = u"Status 200: the server answered with a web page"_s;
     EXPECT_EQ(statuses("<!-- a --><!DOCTYPE HTML><html/>"), webPage);
     EXPECT_EQ(statuses("<div>Sign in</div>", "Content-Type: text/html\r\n"), webPage);
-    EXPECT_EQ(statuses("<?xml version='1.0'?><statuses/>", "Content-Type: text/html\r\n"), QString());
+    EXPECT_EQ(statuses("<Div>Sign in</Div>"), webPage);
+    EXPECT_EQ(statuses("Sign in", "Content-Type: text/html\r\n"), webPage);
+    EXPECT_NE(statuses("Sign in"), webPage);
+    for (const QByteArray good :
+        { "<?xml version='1.0'?><statuses/>", "<statuses/>", "<!DOCTYPE x><statuses/>" })
+        EXPECT_EQ(statuses(good, "Content-Type: text/html\r\n"), QString()) << "what counts is what is in it";
+    EXPECT_EQ(statuses("<hash><error>Not\ntoday</error></hash>"), u"Not today"_s);
     EXPECT_NE(statuses("<statuses>"), QString());
 
     answer(200, "<?xml version='1.0'?>\n<html xmlns='http://www.w3.org/1999/xhtml'/>");
@@ -227,6 +233,36 @@ TEST_F(TwitterAPITest, APageWithForbiddenCharactersIsReadWithoutThem)
     EXPECT_EQ(QStringList(KRAdditions::mapFunction(result.value(), &TwitterStatus::statusID)).join(u' '),
         u"481 480 479"_s);
     EXPECT_EQ(result.value().first()->text(), u"noncharacter [\uFFFD] inside"_s);
+}
+
+TEST_F(TwitterAPITest, NobodyIsAskedForWithoutANameOrAnID)
+{
+    const auto expectRefused = [](const auto& result) {
+        ASSERT_TRUE(result.isError());
+        EXPECT_EQ(result.error().description,
+            u"This person has no name that the service could be asked for"_s);
+    };
+    for (const QString& nobody : { QString(), u""_s }) {
+        expectRefused(resultOf<TwitterStatusList>(
+            [&](auto& api) { api.userTimelineForUserID(nobody, one, none, {}, {}); }));
+        expectRefused(resultOf<TwitterStatusList>(
+            [&](auto& api) { api.userTimelineForUsername(nobody, one, none, {}, {}); }));
+        expectRefused(resultOf<TwitterStatusList>([&](auto& api) { api.favoritesForUserID(nobody, {}); }));
+        expectRefused(resultOf<TwitterUserList>([&](auto& api) { api.friendsForUserID(nobody, {}); }));
+        expectRefused(resultOf<TwitterUserList>([&](auto& api) { api.friendsForUsername(nobody, {}); }));
+        expectRefused(resultOf<TwitterUserList>([&](auto& api) { api.followersForUserID(nobody, {}); }));
+        expectRefused(resultOf<TwitterUserList>([&](auto& api) { api.followersForUsername(nobody, {}); }));
+        expectRefused(resultOf<TwitterUserPtr>([&](auto& api) { api.userWithID(nobody); }));
+        expectRefused(resultOf<TwitterUserPtr>([&](auto& api) { api.userWithUsername(nobody); }));
+        expectRefused(resultOf<TwitterUserPtr>([&](auto& api) { api.followUserID(nobody); }));
+        expectRefused(resultOf<TwitterUserPtr>([&](auto& api) { api.followUsername(nobody); }));
+        expectRefused(resultOf<TwitterUserPtr>([&](auto& api) { api.unfollowUserID(nobody); }));
+        expectRefused(resultOf<bool>([&](auto& api) { api.userIDFollowsUserID(one, nobody); }));
+        expectRefused(resultOf<bool>([&](auto& api) { api.usernameFollowsUsername(nobody, one); }));
+        expectRefused(
+            resultOf<TwitterDirectMessagePtr>([&](auto& api) { api.sendToUserID(u"a"_s, nobody); }));
+    }
+    EXPECT_EQ(server.requestCount(), 0);
 }
 
 TEST_F(TwitterAPITest, WithoutAHostThereIsAnErrorAndNoRequest)

@@ -44,6 +44,30 @@ TEST_F(ServiceHosts, LaterTablesStandOverEarlierOnes)
     EXPECT_EQ(fromFile.valueForKey(u"List"_s), u"a,b"_s);
 }
 
+TEST_F(ServiceHosts, PagesAreBelowTheWebHostHoweverItIsWritten)
+{
+    const struct {
+        QString host;
+        QByteArray root;
+    } cases[] = {
+        { u"example.org"_s, "https://example.org/" },
+        { u"example.org/"_s, "https://example.org/" },
+        { u"https://example.org/social//"_s, "https://example.org/social/" },
+        { u"HTTP://example.org:81/a%2Fb"_s, "http://example.org:81/a%2Fb/" },
+        { u"ftp://example.org"_s, {} },
+        { u"user@example.org"_s, {} },
+        { QString(), {} },
+    };
+    for (const auto& test : cases) {
+        TwitterServiceHosts hosts;
+        hosts.setValueForKey(test.host, u"WebHost"_s);
+        EXPECT_EQ(hosts.webRoot().toUtf8(), test.root) << qPrintable(test.host);
+        EXPECT_EQ(hosts.webURLForUser(u"b%2/ö"_s).toEncoded(),
+            test.root.isEmpty() ? QByteArray() : test.root + "b%252%2F%C3%B6");
+        EXPECT_TRUE(hosts.webURLForUser({}).isEmpty());
+    }
+}
+
 TEST_F(ServiceHosts, AFileThatCannotBeReadIsAnError)
 {
     for (const QString& file :

@@ -42,7 +42,6 @@ TEST(KRHTTPRedirects, StayWithinTheOriginWithEverything)
         ASSERT_TRUE(request.run());
         EXPECT_EQ(request->data(), QByteArray("arrived"));
         EXPECT_EQ(request->statusCode(), 200);
-        EXPECT_EQ(request->responseUrl(), server.url(u"/target?x=1"_s));
         EXPECT_FALSE(server.requests().value(1).value("authorization").isEmpty());
         EXPECT_EQ(server.requests().value(1).value("x-api-key"), QByteArray("token"));
     }
@@ -106,6 +105,7 @@ TEST(KRHTTPRedirects, TurnAPostIntoAGetOrRepeatItOnlyToTheSameOrigin)
         auto request = std::make_unique<KRTestRequest>(url);
         (*request)->setMethod(u"POST"_s);
         (*request)->setBody("text=private");
+        (*request)->setValueForHTTPHeaderField(u"text/xml"_s, u"Content-Type"_s);
         EXPECT_TRUE(request->run());
         return request;
     };
@@ -115,12 +115,14 @@ TEST(KRHTTPRedirects, TurnAPostIntoAGetOrRepeatItOnlyToTheSameOrigin)
         EXPECT_EQ(server.requests().last().method, QByteArray("GET"));
         EXPECT_TRUE(server.requests().last().body.isEmpty());
         EXPECT_TRUE(server.requests().last().values("content-length").isEmpty());
+        EXPECT_TRUE(server.requests().last().values("content-type").isEmpty()) << "there is no content";
     }
     for (const int status : { 307, 308 }) {
         KRTestServer same(hopTo([] { return "/after"; }, status));
         EXPECT_EQ((*post(same.url(u"/hop"_s)))->statusCode(), 200);
         EXPECT_EQ(same.requests().last().method, QByteArray("POST"));
         EXPECT_EQ(same.requests().last().body, QByteArray("text=private"));
+        EXPECT_EQ(same.requests().last().value("content-type"), QByteArray("text/xml"));
 
         KRTestServer away(hopTo([&] { return other.url(u"/"_s).toEncoded(); }, status));
         EXPECT_EQ(post(away.url(u"/hop"_s))->errorCode(), status);

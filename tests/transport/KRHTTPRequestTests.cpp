@@ -7,6 +7,7 @@
 #include "transport/KRInputStream.h"
 #include "transport/KRNetworkCache.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryFile>
 
@@ -132,6 +133,21 @@ TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
     EXPECT_EQ(ended, 1);
 }
 
+TEST(KRHTTPRequest, CanBeStartedAgainWithNewCallbacksByTheOldOne)
+{
+    KRTestServer server(answerOK);
+    KRTestRequest request(server.url());
+    struct Restarter {
+        KRTestRequest& request;
+        void response(KRHTTPRequest&) { request.start(); }
+    };
+    request->setResponseCallback(
+        Callback(std::make_shared<Restarter>(Restarter { request }), &Restarter::response));
+    request->startRequest();
+    ASSERT_TRUE(request.wait());
+    EXPECT_EQ(server.requestCount(), 2);
+}
+
 TEST(KRHTTPRequest, ReusesConnectionsForReadingAndNeverForWriting)
 {
     KRTestServer server(answerOK);
@@ -210,6 +226,9 @@ TEST(KRHTTPRequest, StreamsABodyFromAFileAndReportsProgress)
         EXPECT_FALSE(progress->fell);
         EXPECT_EQ(request->uploadedBytes(), content.size());
         EXPECT_EQ(request->uploadProgress(), lengthIsKnown ? 1.0 : 0.0);
+        request->startRequest();
+        ASSERT_TRUE(KRWaitUntil([&] { return server.requestCount() == (lengthIsKnown ? 2 : 4); }));
+        EXPECT_EQ(server.requests().last().body, content) << "all of it again";
     }
     EXPECT_TRUE(log.contains(u"UPLOAD PROGRESS"_s));
     EXPECT_TRUE(log.contains(u"-> 1.000000"_s));
@@ -270,6 +289,21 @@ TEST(KRNetworkCache, DownloadsOnceAndAnswersFromTheFileAtOnce)
     ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 3; }));
     EXPECT_EQ(receiver->code, 404);
     EXPECT_TRUE(KRNetworkCache::cachedDataForURL(server.url(u"/missing.png"_s)).isNull());
+
+    // Five who ask at once wait for one download; so does who finds what a power cut left.
+    const QUrl wanted = server.url(u"/wanted.png"_s);
+    (void)KRNetworkCache::cachedDataForURL(wanted, &file);
+    ASSERT_TRUE(QFile(file).open(QIODevice::WriteOnly));
+    for (int asker = 0; asker < 5; ++asker)
+        KRNetworkCache::request(wanted, Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 8; }));
+    EXPECT_EQ(server.requestCount(), 3);
+    EXPECT_EQ(KRNetworkCache::cachedDataForURL(wanted), QByteArray("picture"));
+    EXPECT_EQ(QFile::permissions(file),
+        QFile::permissions(file) & ~(QFileDevice::ReadGroup | QFileDevice::ReadOther));
+    EXPECT_EQ(QDir(QFileInfo(file).path()).entryList({ u"*wanted*"_s }).size(), 1)
+        << "nothing half-written stays";
+    receiver->count = 3;
 
     const QUrl longAddress = server.url(u"/"_s + QString(400, u'x'));
     KRNetworkCache::request(longAddress, Callback(receiver, &Receiver::took));

@@ -1,7 +1,5 @@
 #include "app/links/PelinorBrowserLinkPresenter.h"
 
-using namespace Qt::StringLiterals;
-
 void PelinorBrowserLinkPresenter::openImageViewer(const QUrl& /*fullSizeImageURL*/,
     const QString& sourceURLString)
 {
@@ -25,11 +23,11 @@ void PelinorBrowserLinkPresenter::pushSearchView(const QString& /*query*/)
 
 void PelinorBrowserLinkPresenter::pushUserDetailsView(const QString& screenName)
 {
-    const QString host = m_hosts.webHost();
-    if (host.isEmpty())
+    const QUrl page = m_hosts.webURLForUser(screenName);
+    if (page.isEmpty())
         m_workspace.beep();
     else
-        _open(QUrl((host.contains("://"_L1) ? u"%1/%2"_s : u"https://%1/%2"_s).arg(host, screenName)));
+        _open(page);
 }
 
 void PelinorBrowserLinkPresenter::_open(const QUrl& url)

@@ -85,11 +85,14 @@ void TwitterStatus::setText(const QString& text)
     m_activeTextRanges = KRActiveTextRanges(m_text);
 }
 
-QUrl TwitterStatus::twitterURL(const QString& webHost) const
+QUrl TwitterStatus::twitterURL(const QString& webRoot) const
 {
-    if (webHost.isEmpty() || !m_fromUser)
+    if (webRoot.isEmpty() || !m_fromUser || m_fromUser->username().isEmpty() || m_statusID.isEmpty())
         return {};
-    return QUrl(u"https://%1/%2/status/%3"_s.arg(webHost, m_fromUser->username(), m_statusID));
+    const auto encoded
+        = [](const QString& text) { return QString::fromLatin1(QUrl::toPercentEncoding(text)); };
+    return QUrl(webRoot + encoded(m_fromUser->username()) + "/status/"_L1 + encoded(m_statusID),
+        QUrl::StrictMode);
 }
 
 bool TwitterStatus::isEqual(const TwitterStatus& other) const

@@ -82,9 +82,9 @@ public:
 
     /// False for the rows of a list that stand for no post.
     virtual bool isNotADummyStatus() const { return true; }
-    /// The status's page on the service's web host (which may carry a folder); empty without a host or
-    /// author.
-    QUrl twitterURL(const QString& webHost) const;
+    /// The status's page below the root of the service's pages, as TwitterServiceHosts::webRoot() gives it;
+    /// empty without a root, an ID or an author's name.
+    QUrl twitterURL(const QString& webRoot) const;
 
     /// The same object or ID.
     bool isEqual(const TwitterStatus& other) const;

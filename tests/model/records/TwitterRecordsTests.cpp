@@ -125,12 +125,13 @@ TEST(Status, PageOnTheWebSite)
 {
     TwitterStatus status;
     status.setStatusID(u"42"_s);
-    EXPECT_TRUE(status.twitterURL(u"example.org"_s).isEmpty());
-    status.setFromUser(KRTestUser({}, u"bob"_s));
-    EXPECT_EQ(status.twitterURL(u"example.org"_s).toEncoded(), "https://example.org/bob/status/42");
-    EXPECT_EQ(status.twitterURL(u"example.org/social"_s).toEncoded(),
-        "https://example.org/social/bob/status/42");
+    const QString root = u"https://example.org/social/"_s;
+    EXPECT_TRUE(status.twitterURL(root).isEmpty());
+    status.setFromUser(KRTestUser({}, u"b%2/ö"_s));
+    EXPECT_EQ(status.twitterURL(root).toEncoded(), "https://example.org/social/b%252%2F%C3%B6/status/42");
     EXPECT_TRUE(status.twitterURL({}).isEmpty());
+    status.setStatusID({});
+    EXPECT_TRUE(status.twitterURL(root).isEmpty());
 }
 
 TEST(User, Fields)
