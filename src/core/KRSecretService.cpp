@@ -198,6 +198,12 @@ Answer removeNow(const Attributes& attributes)
     const GRef<SecretService> secrets = service(error);
     if (!secrets)
         return failure(error);
+    // Clearing passes over what is locked as if it were not there.
+    const GRef<SecretItem> item = firstItem(secrets.get(), attributes, error);
+    if (item && secret_item_get_locked(item.get()))
+        return { Status::Locked, {}, {}, QStringLiteral("the keyring is locked") };
+    if (error.error)
+        return failure(error);
     const bool isRemoved = secret_service_clear_sync(secrets.get(),
         nullptr,
         makeAttributes(attributes).get(),
