@@ -45,7 +45,6 @@ TwitterConcreteStatusesStream::TwitterConcreteStatusesStream(std::shared_ptr<Twi
 TwitterStatusList TwitterConcreteStatusesStream::statuses() const
 {
     TwitterStatusList rows;
-    rows.reserve(m_statuses.size() + 2);
     rows.append(dummyDated<TwitterDummyHeaderStatus>(KRDistantFuture()));
     for (const TwitterStatusPtr& status : m_statuses) {
         const TwitterStreamGaps::Gap* const gap
