@@ -5,6 +5,7 @@
 #include "foundation/KRUserDefaults.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "transport/KRBackgroundThread.h"
+#include "transport/KRHTTPRequest.h"
 
 #include <cstdio>
 
@@ -24,6 +25,7 @@ int run(const PelinorLaunchOptions& options)
     KRQtRunLoopDriver driver;
     KRUserDefaults& defaults = KRUserDefaults::standardUserDefaults();
     Twitter::setSharedEnvironment({ &defaults, hosts.value(), true });
+    KRHTTPRequest::removeAbandonedBodies();
     Twitter& twitter = Twitter::sharedTwitter();
     const TwitterAccountPtr account = options.chooseAccount(twitter);
     if (!account)

@@ -52,9 +52,10 @@ void CommandRunner::_startReading()
 {
     const QString& command = m_line.command;
     const QString name = m_line.arguments.value(0);
-    const auto statuses = [this] { return m_account->accountRequest(_then(&CommandRunner::gotStatuses)); };
-    const auto users = [this] { return m_account->accountRequest(_then(&CommandRunner::gotUsers)); };
-    const auto answer = [this] { return m_account->accountRequest(_then(&CommandRunner::gotAnswer)); };
+    const auto statuses
+        = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotStatuses)); };
+    const auto users = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotUsers)); };
+    const auto answer = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotAnswer)); };
     if (command == u"verify")
         answer()->verifyCredentials();
     else if (command == u"timeline")
@@ -68,9 +69,9 @@ void CommandRunner::_startReading()
     else if (command == u"favorites")
         statuses()->favoritesForUsername(name, m_line.page);
     else if (command == u"show")
-        m_account->accountRequest(_then(&CommandRunner::gotStatus))->statusWithID(name);
+        m_account->authenticatedRequest(_then(&CommandRunner::gotStatus))->statusWithID(name);
     else if (command == u"profile")
-        m_account->accountRequest(_then(&CommandRunner::gotUser))->userWithUsername(name);
+        m_account->authenticatedRequest(_then(&CommandRunner::gotUser))->userWithUsername(name);
     else if (command == u"friends")
         users()->friendsForUsername(name, m_line.page);
     else if (command == u"followers")
@@ -78,15 +79,15 @@ void CommandRunner::_startReading()
     else if (command == u"follows")
         answer()->usernameFollowsUsername(name, m_line.arguments.value(1));
     else
-        m_account->accountRequest(_then(&CommandRunner::gotText))->rateLimitStatus();
+        m_account->authenticatedRequest(_then(&CommandRunner::gotText))->rateLimitStatus();
 }
 
 void CommandRunner::_startWriting()
 {
     const QString& command = m_line.command;
     const QString argument = m_line.arguments.value(0);
-    const auto status = [this] { return m_account->accountRequest(_then(&CommandRunner::gotStatus)); };
-    const auto user = [this] { return m_account->accountRequest(_then(&CommandRunner::gotUser)); };
+    const auto status = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotStatus)); };
+    const auto user = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotUser)); };
     if (command == u"post")
         status()->update(argument, m_line.replyTo);
     else if (command == u"delete")

@@ -7,7 +7,8 @@ bool CommandRunner::_startMessagesOrSearch()
 {
     const QString& command = m_line.command;
     const QString argument = m_line.arguments.value(0);
-    const auto messages = [this] { return m_account->accountRequest(_then(&CommandRunner::gotMessages)); };
+    const auto messages
+        = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotMessages)); };
     const TwitterServiceHosts& hosts = m_account->context().hosts;
     if (command == u"messages")
         messages()->directMessagesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
@@ -16,7 +17,7 @@ bool CommandRunner::_startMessagesOrSearch()
     else if (command == u"conversations")
         _startConversations();
     else if (command == u"send")
-        m_account->accountRequest(_then(&CommandRunner::gotMessage))
+        m_account->authenticatedRequest(_then(&CommandRunner::gotMessage))
             ->sendToUsername(m_line.arguments.value(1), argument);
     else if (command == u"search")
         TwitterSearchAPI::request(hosts, _then(&CommandRunner::gotStatuses))

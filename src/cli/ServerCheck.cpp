@@ -121,7 +121,7 @@ void ServerCheck::_startStep()
         return;
     }
 
-    const auto statuses = [this](auto method) { return m_account->accountRequest(_then(method)); };
+    const auto statuses = [this](auto method) { return m_account->authenticatedRequest(_then(method)); };
     const auto paged = [&] { return statuses(&ServerCheck::gotPage); };
     constexpr int pageSize = ServerCheckRules::pageSize;
     switch (m_step) {
@@ -160,10 +160,11 @@ void ServerCheck::_startStep()
         TwitterSearchAPI::request(m_account->context().hosts, _then(&ServerCheck::gotTrends))->trends();
         break;
     case Step::ReceivedMessages:
-        m_account->accountRequest(_then(&ServerCheck::gotMessages))->directMessagesSinceID({}, {}, {});
+        m_account->authenticatedRequest(_then(&ServerCheck::gotMessages))->directMessagesSinceID({}, {}, {});
         break;
     case Step::SentMessages:
-        m_account->accountRequest(_then(&ServerCheck::gotMessages))->sentDirectMessagesSinceID({}, {}, {});
+        m_account->authenticatedRequest(_then(&ServerCheck::gotMessages))
+            ->sentDirectMessagesSinceID({}, {}, {});
         break;
     case Step::Uploads:
         _startUploads();
@@ -171,10 +172,10 @@ void ServerCheck::_startStep()
     case Step::Posting:
         m_postText
             = u"Pelinor tries whether it can post here, and takes this back. %1"_s.arg(KRAdditions::GUID());
-        m_account->accountRequest(_then(&ServerCheck::gotStatus))->update(m_postText, {});
+        m_account->authenticatedRequest(_then(&ServerCheck::gotStatus))->update(m_postText, {});
         break;
     case Step::Deleting:
-        m_account->accountRequest(_then(&ServerCheck::gotStatus))->destroyStatus(m_postID);
+        m_account->authenticatedRequest(_then(&ServerCheck::gotStatus))->destroyStatus(m_postID);
         break;
     case Step::End:
         break;

@@ -5,6 +5,7 @@
 #include "foundation/KRUserDefaults.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPConnection.h"
+#include "transport/KRHTTPRequest.h"
 
 #include <QFile>
 
@@ -47,6 +48,7 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
     if (line.takesText() && line.arguments.last() == u"-")
         line.arguments.last() = input.readAll().trimmed();
 
+    KRHTTPRequest::removeAbandonedBodies();
     TwitterEnvironment environment;
     environment.hosts = hosts.value();
     environment.runsHeartbeat = false;

@@ -106,6 +106,16 @@ std::unique_ptr<EMGenericKeychainItem> EMKeychainProxy::addGenericKeychainItemFo
     return std::make_unique<EMGenericKeychainItem>(answer.item, service, username, password);
 }
 
+bool EMKeychainProxy::removeGenericKeychainItemForService(const QString& service, const QString& username)
+{
+    const Answer answer = KRSecretService::remove(genericAttributes(service, username));
+    if (answer.status == Status::Done || answer.status == Status::NotFound)
+        return true;
+    logError("removeGenericKeychainItemForService:withUsername:", answer);
+    react(answer);
+    return false;
+}
+
 std::unique_ptr<EMInternetKeychainItem> EMKeychainProxy::internetKeychainItemForServer(
     const EMInternetKeychainLocation& location,
     const QString& username)

@@ -20,6 +20,8 @@ public:
     std::unique_ptr<EMGenericKeychainItem> addGenericKeychainItemForService(const QString& service,
         const QString& username,
         const QString& password);
+    /// Whether there is no such item any more; otherwise that is logged.
+    bool removeGenericKeychainItemForService(const QString& service, const QString& username);
     std::unique_ptr<EMInternetKeychainItem>
     internetKeychainItemForServer(const EMInternetKeychainLocation& location, const QString& username);
     std::unique_ptr<EMInternetKeychainItem> addInternetKeychainItemForServer(
@@ -29,7 +31,8 @@ public:
 
     /// Locks the default keyring; whether that worked.
     bool lockKeychain();
-    /// Asks for the default keyring to be unlocked; the desktop asks the user, nobody waits here.
+    /// Asks for the default keyring to be unlocked; the desktop asks the user, nobody waits here. However
+    /// many ask until it is, KRKeychainDidUnlockNotification is posted once.
     void unlockKeychain();
 
 private:

@@ -29,6 +29,13 @@ KRKeychain::setPassword(const QString& password, const QString& username, const 
     return errorWithDomain(QString::fromUtf16(errorDomain), -1, u"could not store item in keychain"_s);
 }
 
+KRResult<void> KRKeychain::removePasswordForUsername(const QString& username, const QString& serviceName)
+{
+    if (EMKeychainProxy::sharedProxy().removeGenericKeychainItemForService(serviceName, username))
+        return {};
+    return errorWithDomain(QString::fromUtf16(errorDomain), -1, u"could not remove item from keychain"_s);
+}
+
 void KRKeychain::noteUnavailable(const QString& reason)
 {
     static bool wasTold = false;

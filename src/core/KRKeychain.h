@@ -28,6 +28,9 @@ public:
     static KRResult<void>
     setPassword(const QString& password, const QString& username, const QString& serviceName);
 
+    /// Removing what is not there is no error.
+    static KRResult<void> removePasswordForUsername(const QString& username, const QString& serviceName);
+
     /// Says once that there is nobody to keep passwords.
     static void noteUnavailable(const QString& reason);
 };

@@ -15,7 +15,7 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-#include <vector>
+#include <utility>
 
 namespace {
 
@@ -198,6 +198,12 @@ Answer removeNow(const Attributes& attributes)
     const GRef<SecretService> secrets = service(error);
     if (!secrets)
         return failure(error);
+    // Clearing passes over what is locked as if it were not there.
+    const GRef<SecretItem> item = firstItem(secrets.get(), attributes, error);
+    if (item && secret_item_get_locked(item.get()))
+        return { Status::Locked, {}, {}, QStringLiteral("the keyring is locked") };
+    if (error.error)
+        return failure(error);
     const bool isRemoved = secret_service_clear_sync(secrets.get(),
         nullptr,
         makeAttributes(attributes).get(),
@@ -265,8 +271,9 @@ public:
                 = answer.status == Status::Failed || answer.status == Status::Unavailable;
             if (mayHaveBeenRestarted && !m_isStuck)
                 answer = call();
-            m_isStuck = false;
             std::scoped_lock guard(pending->lock);
+            // Under the lock, as is giving up: whichever comes second counts.
+            m_isStuck = false;
             pending->answer = std::move(answer);
             pending->done.notify_one();
         });
@@ -319,7 +326,7 @@ private:
     std::thread m_thread;
 };
 
-/// One prompt at a time, and who waits for its end. Main thread; the prompt itself is waited for on a thread
+/// One prompt at a time, and whom its end is told. Main thread; the prompt itself is waited for on a thread
 /// apart from the worker, since it may stay open for hours while look-ups go on.
 class Unlocking {
 public:
@@ -331,50 +338,49 @@ public:
 
     void join(std::function<void(bool isUnlocked)> finished)
     {
-        m_waiting.push_back(std::move(finished));
-        if (m_waiting.size() == 1)
+        if (!m_finished) {
+            m_finished = std::move(finished);
             _ask();
-        else if (Worker::shared().ask(askWhetherOpen).status == Status::Done)
-            // Opened in another way, while a prompt that nobody answers is still up.
-            _end(true);
+        } else if (Worker::shared().ask(askWhetherOpen).status == Status::Done) {
+            // Opened in another way, while a prompt that nobody answers is still up. Told later, since
+            // whoever joins may be in the middle of a look-up.
+            KRRunLoop::main().post([this, prompt = m_prompt] { _end(prompt, true); });
+        }
     }
 
     void stop()
     {
         if (m_prompt)
-            g_cancellable_cancel(m_prompt);
+            g_cancellable_cancel(m_prompt.get());
         if (m_thread.joinable())
             m_thread.join();
     }
 
 private:
+    using Prompt = std::shared_ptr<GCancellable>;
+
     void _ask()
     {
         stop();
-        m_prompt = g_cancellable_new();
+        m_prompt = Prompt(g_cancellable_new(), GObjectDeleter());
         m_thread = std::thread([this, prompt = m_prompt] {
-            const bool isUnlocked = setLocked(false, prompt).status == Status::Done;
-            KRRunLoop::main().post([this, prompt, isUnlocked] {
-                if (prompt == m_prompt)
-                    _end(isUnlocked);
-                g_object_unref(prompt);
-            });
+            const bool isUnlocked = setLocked(false, prompt.get()).status == Status::Done;
+            KRRunLoop::main().post([this, prompt, isUnlocked] { _end(prompt, isUnlocked); });
         });
     }
 
-    void _end(bool isUnlocked)
+    void _end(const Prompt& prompt, bool isUnlocked)
     {
-        g_cancellable_cancel(m_prompt);
+        // It may have ended in the other way already.
+        if (prompt != m_prompt)
+            return;
+        g_cancellable_cancel(prompt.get());
         m_prompt = nullptr;
-        std::vector<std::function<void(bool)>> told;
-        told.swap(m_waiting);
-        for (const auto& tell : told)
-            tell(isUnlocked);
+        std::exchange(m_finished, nullptr)(isUnlocked);
     }
 
-    std::vector<std::function<void(bool)>> m_waiting;
-    // Released by the call that ends its thread's work.
-    GCancellable* m_prompt = nullptr;
+    std::function<void(bool)> m_finished;
+    Prompt m_prompt;
     std::thread m_thread;
 };
 

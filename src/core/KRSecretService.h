@@ -51,7 +51,7 @@ Answer remove(const Attributes& attributes);
 Answer lock();
 /// Asks the desktop to unlock the default keyring, which may show the user a prompt; `finished` is called on
 /// the main thread when that has ended, with whether it is unlocked now. A request while one is under way
-/// joins it.
+/// joins it, and what it gives is dropped: one unlocking is told once.
 void unlockInBackground(std::function<void(bool isUnlocked)> finished);
 /// Ends what is under way, prompts included, before the process ends. Nothing may be asked afterwards.
 void stop();

@@ -5,9 +5,11 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
 #include "foundation/KRUserDefaults.h"
-#include "transport/KRHTTPRequest.h"
+#include "model/streams/TwitterStatusStreamFilter.h"
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -31,8 +33,11 @@ Twitter::Twitter(TwitterEnvironment environment)
         m_environment.defaults = &KRUserDefaults::standardUserDefaults();
     if (!m_environment.hosts)
         m_environment.hosts = TwitterServiceHosts::hostsWithDefaults(*m_environment.defaults).value();
-    KRHTTPRequest::removeAbandonedBodies();
+    ReadFilterTerms(*m_environment.defaults);
     _loadAccounts();
+    m_changeObservation
+        = KRNotificationCenter::defaultCenter().observe<TwitterAccountArchiveDidChangeNotification>(
+            [this](const auto& notification) { _accountDidChange(notification.object); });
     if (!m_environment.runsHeartbeat)
         return;
     KRRunLoop& loop = KRRunLoop::main();
@@ -83,18 +88,52 @@ void Twitter::_saveAccounts()
 {
     KRKeyedArchiver archiver;
     archiver.encodeObjects("accounts"_L1, m_accounts);
+    _write(archiver);
+    KRNotificationCenter::defaultCenter().post(TwitterAccountsDidChangeNotification());
+}
+
+void Twitter::_saveChanges()
+{
+    struct Changes {
+        TwitterAccountPtr account;
+        void encodeWithCoder(KRKeyedArchiver& coder) const { account->encodeChangesWithCoder(coder); }
+    };
+    std::vector<std::unique_ptr<Changes>> changes;
+    for (const TwitterAccountPtr& account : std::as_const(m_accounts))
+        changes.push_back(std::make_unique<Changes>(Changes { account }));
+    KRKeyedArchiver archiver;
+    archiver.encodeObjects("accounts"_L1, changes);
+    _write(archiver);
+}
+
+void Twitter::_write(const KRKeyedArchiver& archiver)
+{
+    m_isSavePending = false;
     m_environment.defaults->setData(accountsKey, archiver.archivedData());
     const KRResult<void> written = m_environment.defaults->synchronize();
     if (written.isError())
         KRLog(u"Error: the account list is not saved: %1"_s.arg(written.error().description));
-    KRNotificationCenter::defaultCenter().post(TwitterAccountsDidChangeNotification());
+}
+
+void Twitter::_accountDidChange(const TwitterAccount* account)
+{
+    const auto isIt = [account](const TwitterAccountPtr& one) { return one.get() == account; };
+    if (m_isSavePending || std::none_of(m_accounts.begin(), m_accounts.end(), isIt))
+        return;
+    m_isSavePending = true;
+    m_saveTimer = KRRunLoop::main().scheduleTimer(saveDelay, KRRunLoop::Repeats::No, [this] {
+        if (m_isSavePending)
+            _saveChanges();
+    });
 }
 
 void Twitter::addAccount(const TwitterAccountPtr& account)
 {
-    m_accounts.append(account);
+    const TwitterAccountPtr added = account;
+    m_accounts.append(added);
     _saveAccounts();
-    account->refresh();
+    if (m_accounts.contains(added))
+        added->refresh();
 }
 
 void Twitter::removeAccount(const TwitterAccountPtr& account)
@@ -148,7 +187,14 @@ void Twitter::refresh()
 {
     KRClock::Duration delay { 0 };
     for (const TwitterAccountPtr& account : std::as_const(m_accounts)) {
-        KRRunLoop::main().performAfterDelay(delay, [account] { account->refresh(); });
+        const auto refreshOne = [root = weak_from_this(), account = std::weak_ptr(account)] {
+            const std::shared_ptr<Twitter> twitter = root.lock();
+            const TwitterAccountPtr one = account.lock();
+            // Removed meanwhile, it has nothing left to ask for, whoever else keeps it.
+            if (twitter && one && twitter->m_accounts.contains(one))
+                one->refresh();
+        };
+        KRRunLoop::main().performAfterDelay(delay, refreshOne);
         delay += accountRefreshStep;
     }
 }

@@ -8,6 +8,8 @@
 class KRUserDefaults;
 class Twitter;
 
+// All of these are posted on the main thread.
+
 /// After every heartbeat's refresh.
 struct TwitterHeartbeatNotification {
     static constexpr char name[] = "TwitterHeartbeatNotification";
@@ -33,7 +35,8 @@ struct TwitterEnvironment {
 };
 
 /// The root of the model: the accounts, the one record of each thing, the heartbeat and the trends. Main
-/// thread only; owned by a std::shared_ptr.
+/// thread only; owned by a std::shared_ptr. What changes inside an account is saved soon afterwards, without
+/// TwitterAccountsDidChangeNotification.
 class Twitter : public std::enable_shared_from_this<Twitter> {
 public:
     static constexpr KRClock::Duration heartbeatInterval = std::chrono::seconds(360);
@@ -41,6 +44,9 @@ public:
     static constexpr KRClock::Duration firstHeartbeatDelay = std::chrono::seconds(3);
     /// Accounts are refreshed so long one after the other.
     static constexpr KRClock::Duration accountRefreshStep = std::chrono::seconds(2);
+
+    /// A change inside an account is saved so long after it, with whatever else has changed by then.
+    static constexpr KRClock::Duration saveDelay = std::chrono::seconds(2);
 
     /// Restores the account list from the defaults and starts the heartbeat.
     explicit Twitter(TwitterEnvironment environment);
@@ -56,7 +62,8 @@ public:
     const QList<TwitterAccountPtr>& accounts() const { return m_accounts; }
     /// Appends and saves, then refreshes the account.
     void addAccount(const TwitterAccountPtr& account);
-    /// Removes every account of the same name, and saves.
+    /// Removes every account of the same name, and saves. Their passwords stay where they are stored, see
+    /// TwitterAccount::removePasswordFromKeychain().
     void removeAccount(const TwitterAccountPtr& account);
     [[nodiscard]] bool containsAccount(const TwitterAccountPtr& account) const;
     /// Moves an account to an insertion point counted before the removal. Nothing happens when that is where
@@ -97,6 +104,9 @@ public:
 private:
     void _loadAccounts();
     void _saveAccounts();
+    void _saveChanges();
+    void _write(const KRKeyedArchiver& archiver);
+    void _accountDidChange(const TwitterAccount* account);
     void trendsResponse(const KRResult<QStringList>& response);
 
     TwitterEnvironment m_environment;
@@ -106,4 +116,7 @@ private:
     bool m_loadingTrends = false;
     KRTimer m_heartbeatTimer;
     KRTimer m_firstHeartbeat;
+    KRTimer m_saveTimer;
+    bool m_isSavePending = false;
+    KRObservation m_changeObservation;
 };

@@ -9,6 +9,7 @@
 #include "text/KRDateAdditions.h"
 #include "text/KRStringAdditions.h"
 #include "text/TwitterAdditions.h"
+#include "transport/KRProxy.h"
 
 #include <algorithm>
 #include <typeinfo>
@@ -58,7 +59,10 @@ TwitterAccount::TwitterAccount(QString username, TwitterAccountContext context)
     _observeKeychain();
 }
 
-TwitterAccount::~TwitterAccount() = default;
+TwitterAccount::~TwitterAccount()
+{
+    dissociateWeakProxy(this);
+}
 
 TwitterAccountPtr TwitterAccount::accountWithUsername(const QString& username,
     const QString& password,
@@ -89,11 +93,23 @@ TwitterAccountPtr TwitterAccount::accountWithCoder(const KRKeyedUnarchiver& code
 
 void TwitterAccount::encodeWithCoder(KRKeyedArchiver& coder) const
 {
-    coder.encodeString("username"_L1, m_username);
     if (m_password.isNull())
         KRLog(u"Error: no password set for account"_s);
-    else if (m_needToSavePassword)
+    else if (m_passwordState != Password::Stored)
         _savePassword();
+    _encodeWithoutPassword(coder);
+}
+
+void TwitterAccount::encodeChangesWithCoder(KRKeyedArchiver& coder) const
+{
+    if (m_passwordState == Password::Given && !m_password.isNull())
+        _savePassword();
+    _encodeWithoutPassword(coder);
+}
+
+void TwitterAccount::_encodeWithoutPassword(KRKeyedArchiver& coder) const
+{
+    coder.encodeString("username"_L1, m_username);
     coder.encodeDate("freshTweets"_L1, m_freshTweets);
     coder.encodeDate("freshMentions"_L1, m_freshMentions);
     coder.encodeDate("freshMessages"_L1, m_freshMessages);
@@ -105,21 +121,31 @@ void TwitterAccount::encodeWithCoder(KRKeyedArchiver& coder) const
 void TwitterAccount::setPassword(const QString& password)
 {
     m_password = password;
-    m_needToSavePassword = true;
+    m_passwordState = Password::Given;
+    _postArchiveDidChange();
+}
+
+KRResult<void> TwitterAccount::removePasswordFromKeychain()
+{
+    m_passwordState = Password::Stored;
+    return KRKeychain::removePasswordForUsername(m_username, serviceName());
 }
 
 void TwitterAccount::_loadPassword()
 {
     KRError reported;
-    m_password = KRKeychain::passwordForUsername(m_username, serviceName(), &reported);
+    const QString password = KRKeychain::passwordForUsername(m_username, serviceName(), &reported);
     if (!reported.description.isNull())
         KRLog(
             u"Error getting password from keychain for user %1: %2"_s.arg(m_username, reported.description));
+    m_password = password;
 }
 
 void TwitterAccount::_savePassword() const
 {
-    if (KRKeychain::setPassword(m_password, m_username, serviceName()).isError())
+    const bool isRefused = KRKeychain::setPassword(m_password, m_username, serviceName()).isError();
+    m_passwordState = isRefused ? Password::Refused : Password::HandedOver;
+    if (isRefused)
         KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
               u"permissions. (Service: \"%1\""_s.arg(serviceName()));
 }
@@ -132,11 +158,10 @@ void TwitterAccount::_observeKeychain()
 
 void TwitterAccount::_keychainDidUnlock()
 {
-    if (m_needToSavePassword) {
+    // An account whose login is still being checked, or that nobody keeps, has nothing to store.
+    if (m_passwordState == Password::Refused)
         _savePassword();
-        return;
-    }
-    if (!m_password.isNull())
+    if (m_passwordState != Password::Stored || !m_password.isNull())
         return;
     _loadPassword();
     if (!m_password.isNull())
@@ -195,12 +220,19 @@ const std::shared_ptr<TwitterDirectMessagesConversationManager>& TwitterAccount:
 
 void TwitterAccount::refresh()
 {
+    const TwitterAccountPtr self = shared_from_this();
     timelineStream()->loadNewer();
     repliesStream()->loadNewer();
     directMessagesManager()->refresh();
     KRClock::Duration delay = firstSearchDelay;
     for (const TwitterSearchPtr& search : std::as_const(m_savedSearches)) {
-        KRRunLoop::main().performAfterDelay(delay, [stream = search->stream()] { stream->loadNewer(); });
+        const auto load = [self = weak_from_this(), search = std::weak_ptr(search)] {
+            const TwitterAccountPtr account = self.lock();
+            const TwitterSearchPtr one = search.lock();
+            if (account && account->m_savedSearches.contains(one))
+                one->stream()->loadNewer();
+        };
+        KRRunLoop::main().performAfterDelay(delay, load);
         delay += searchStep;
     }
 }
@@ -228,6 +260,7 @@ void TwitterAccount::addSavedSearch(const TwitterSearchPtr& search)
         KRLog(u"Error: saving search with no stream attached"_s);
     }
     m_savedSearches.append(search);
+    _postArchiveDidChange();
 }
 
 void TwitterAccount::removeSavedSearch(const TwitterSearchPtr& search)
@@ -245,6 +278,7 @@ void TwitterAccount::removeSavedSearch(const TwitterSearchPtr& search)
             m_searchObservations.erase(one->stream().get());
         return isRemoved;
     });
+    _postArchiveDidChange();
 }
 
 // --- What is unread
@@ -252,6 +286,7 @@ void TwitterAccount::removeSavedSearch(const TwitterSearchPtr& search)
 void TwitterAccount::setNotificationOptions(quint32 options)
 {
     m_notificationOptions = options | TwitterAccountNotificationOptionsSet;
+    _postArchiveDidChange();
 }
 
 bool TwitterAccount::_has(TwitterAccountNotificationOption option) const
@@ -259,23 +294,28 @@ bool TwitterAccount::_has(TwitterAccountNotificationOption option) const
     return (m_notificationOptions & option) != 0;
 }
 
+void TwitterAccount::_noteFresh(QDateTime& mark, const QDateTime& newest)
+{
+    const TwitterAccountPtr self = shared_from_this();
+    if (std::exchange(mark, newest) != newest)
+        _postArchiveDidChange();
+    _postDidUpdate();
+}
+
 void TwitterAccount::noteFreshTweets()
 {
-    m_freshTweets = dateOf(m_timelineStream ? m_timelineStream->newestStatus() : nullptr);
-    _postDidUpdate();
+    _noteFresh(m_freshTweets, dateOf(m_timelineStream ? m_timelineStream->newestStatus() : nullptr));
 }
 
 void TwitterAccount::noteFreshMentions()
 {
-    m_freshMentions = dateOf(m_repliesStream ? m_repliesStream->newestStatus() : nullptr);
-    _postDidUpdate();
+    _noteFresh(m_freshMentions, dateOf(m_repliesStream ? m_repliesStream->newestStatus() : nullptr));
 }
 
 void TwitterAccount::noteFreshMessages()
 {
-    m_freshMessages
-        = m_directMessagesManager ? m_directMessagesManager->newestMessageDateNotFromMe() : QDateTime();
-    _postDidUpdate();
+    _noteFresh(m_freshMessages,
+        m_directMessagesManager ? m_directMessagesManager->newestMessageDateNotFromMe() : QDateTime());
 }
 
 void TwitterAccount::noteFreshSearches()
@@ -285,6 +325,7 @@ void TwitterAccount::noteFreshSearches()
 
 void TwitterAccount::markAllAsRead()
 {
+    const TwitterAccountPtr self = shared_from_this();
     noteFreshTweets();
     noteFreshMentions();
     noteFreshMessages();
@@ -332,7 +373,15 @@ bool TwitterAccount::hasFreshAnythingApplicableToDockBadge() const
 
 void TwitterAccount::_postDidUpdate()
 {
+    // The observers that come after one that removes the account are told of it too.
+    const TwitterAccountPtr self = shared_from_this();
     KRNotificationCenter::defaultCenter().post(TwitterAccountDidUpdateNotification { this });
+}
+
+void TwitterAccount::_postArchiveDidChange()
+{
+    const TwitterAccountPtr self = shared_from_this();
+    KRNotificationCenter::defaultCenter().post(TwitterAccountArchiveDidChangeNotification { this });
 }
 
 TwitterStatusList TwitterAccount::unNotifiedStatuses(const TwitterStatusList& statuses)
@@ -364,6 +413,7 @@ TwitterDirectMessageList TwitterAccount::_unNotifiedMessages()
 
 void TwitterAccount::somethingDidUpdate()
 {
+    const TwitterAccountPtr self = shared_from_this();
     KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
     _postDidUpdate();
     if (_has(TwitterAccountTimelineGrowl)) {

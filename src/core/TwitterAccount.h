@@ -43,7 +43,11 @@ struct TwitterAccountContext {
 };
 
 /// One signed-in user: credentials, streams, unread marks, and the requests made in the user's name. Main
-/// thread, except for what follows a post, which passes through on the background thread.
+/// thread; the callbacks of its requests come on the thread that each operation names.
+///
+/// Whatever it posts, an observer may remove the account: it stays until the operation that posts is through.
+/// What it does later, and what follows an answer, holds it weakly, so that a removed account sends nothing
+/// more.
 class TwitterAccount final : public TwitterStreamAccount,
                              public TwitterCredentials,
                              public std::enable_shared_from_this<TwitterAccount> {
@@ -59,11 +63,16 @@ public:
 
     /// Archives all but the password, which goes to the keychain when it was given in this run.
     void encodeWithCoder(KRKeyedArchiver& coder) const;
+    /// The same for the saves in between: a password that was handed to the keychain before is not again.
+    void encodeChangesWithCoder(KRKeyedArchiver& coder) const;
 
     QString username() const override { return m_username; }
     /// Null when it is not known.
     QString password() const override { return m_password; }
     void setPassword(const QString& password);
+    /// Takes the stored password out of the keychain; the one in memory stays, and is not stored any more.
+    /// Removing an account from the list leaves its password stored: whoever removes it decides.
+    KRResult<void> removePasswordFromKeychain();
 
     [[nodiscard]] bool isEqual(const TwitterAccount& other) const;
     [[nodiscard]] int compare(const TwitterAccount& other) const;
@@ -78,7 +87,7 @@ public:
     [[nodiscard]] const QList<TwitterSearchPtr>& savedSearches() const { return m_savedSearches; }
     [[nodiscard]] bool containsSavedSearch(const TwitterSearch& search) const;
     /// Adding what is there and removing what is not does nothing. The account hears of what a search's
-    /// stream brings if the stream has been made by then. Neither saves the account list.
+    /// stream brings if the stream has been made by then.
     void addSavedSearch(const TwitterSearchPtr& search);
     void removeSavedSearch(const TwitterSearchPtr& search);
 
@@ -117,7 +126,7 @@ public:
     }
     /// A request with this account's credentials.
     template <class Result>
-    [[nodiscard]] auto accountRequest(KRCallback<Result> callback)
+    [[nodiscard]] auto authenticatedRequest(KRCallback<Result> callback)
     {
         return TwitterAPI::authenticatedRequest(m_context.hosts, *this, std::move(callback));
     }
@@ -135,10 +144,13 @@ public:
     void sendDirectMessage(const QString& text,
         const TwitterUser& user,
         KRCallback<TwitterDirectMessagePtr> callback);
+    /// Somebody without an ID, as people from search results are, is named by screen name here and below. The
+    /// callbacks of these two are invoked on the background thread.
     void follow(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
     void stopFollowing(const TwitterUser& user, KRCallback<TwitterUserPtr> callback);
+    /// The callback is invoked on the main thread.
     void checkIfUserFollows(const TwitterUser& user, const TwitterUser& other, KRCallback<bool> callback);
-    /// Counts as a favourite at once; a failure is not undone.
+    /// Counts as a favourite at once; a failure is not undone. Nothing happens without an ID.
     void addStatusToFavorites(const TwitterStatusPtr& status);
     [[nodiscard]] bool isFavoriteStatus(const TwitterStatus& status) const;
 
@@ -155,13 +167,15 @@ public:
     [[nodiscard]] const TwitterAccountContext& context() const { return m_context; }
 
 private:
-    struct UserLookup {
-        QString key;
-        KRCallback<TwitterUserPtr> callback;
-    };
-    struct StatusLookup {
-        QString key;
-        KRCallback<TwitterStatusPtr> callback;
+    enum class Password {
+        /// From the keychain, or none.
+        Stored,
+        /// Given in this run, and not yet handed to the keychain.
+        Given,
+        /// Handed to it in this run, as every further archive will.
+        HandedOver,
+        /// The keychain did not take it.
+        Refused,
     };
 
     TwitterAccount(QString username, TwitterAccountContext context);
@@ -169,6 +183,9 @@ private:
     void _keychainDidUnlock();
     void _loadPassword();
     void _savePassword() const;
+    void _encodeWithoutPassword(KRKeyedArchiver& coder) const;
+    void _noteFresh(QDateTime& mark, const QDateTime& newest);
+    void _postArchiveDidChange();
 
     void somethingDidUpdate();
     [[nodiscard]] static TwitterStatusList unNotifiedStatuses(const TwitterStatusList& statuses);
@@ -176,30 +193,16 @@ private:
     void _postDidUpdate();
     [[nodiscard]] bool _has(TwitterAccountNotificationOption option) const;
 
-    void didUpdate(const KRResult<TwitterStatusPtr>& response, const KRCallback<TwitterStatusPtr>& callback);
-    void didMessage(const KRResult<TwitterDirectMessagePtr>& response,
-        const KRCallback<TwitterDirectMessagePtr>& callback);
-    void followingStatus(const KRResult<bool>& response, const KRCallback<bool>& callback);
     void myUserResponse(const KRResult<TwitterUserPtr>& response);
     void myUserDidUpdate();
-    void unauthenticatedUserForUsernameResponse(const KRResult<TwitterUserPtr>& response,
-        const UserLookup& lookup);
-    void unauthenticatedUserForIDResponse(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
-    void unauthenticatedStatusResponse(const KRResult<TwitterStatusPtr>& response,
-        const StatusLookup& lookup);
-    void authenticatedUserForUsernameResponse(const KRResult<TwitterUserPtr>& response,
-        const UserLookup& lookup);
-    void authenticatedUserForIDResponse(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
-    void authenticatedStatusResponse(const KRResult<TwitterStatusPtr>& response, const StatusLookup& lookup);
-    void _finishLookup(const KRResult<TwitterUserPtr>& response, const UserLookup& lookup);
-    void _finishLookup(const KRResult<TwitterStatusPtr>& response, const StatusLookup& lookup);
     void _loadNewerTimeline();
     void _refreshMessages();
 
     TwitterAccountContext m_context;
     QString m_username;
     QString m_password;
-    bool m_needToSavePassword = false;
+    // Archiving, which changes nothing else, hands it over.
+    mutable Password m_passwordState = Password::Stored;
     TwitterUserPtr m_user;
     bool m_loadingUser = false;
     std::shared_ptr<TwitterTimelineStream> m_timelineStream;

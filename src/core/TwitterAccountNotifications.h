@@ -5,9 +5,17 @@
 
 class TwitterAccount;
 
+/// All of these are posted on the main thread.
+
 /// Something of an account has changed: its user, its streams, or what counts as seen.
 struct TwitterAccountDidUpdateNotification {
     static constexpr char name[] = "TwitterAccountDidUpdateNotification";
+    const TwitterAccount* object;
+};
+
+/// Something that an account archives has changed; whoever keeps the account list saves it soon.
+struct TwitterAccountArchiveDidChangeNotification {
+    static constexpr char name[] = "TwitterAccountArchiveDidChangeNotification";
     const TwitterAccount* object;
 };
 

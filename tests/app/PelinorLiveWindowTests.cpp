@@ -29,7 +29,7 @@ protected:
         KRHTTPTransportSettings::setCurrent(settings);
         const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, m_service.servicesFile());
         ASSERT_FALSE(hosts.isError());
-        m_twitter = std::make_unique<Twitter>(TwitterEnvironment { &m_defaults, hosts.value(), false });
+        m_twitter = std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, hosts.value(), false });
         m_alice
             = TwitterAccount::accountWithUsername(u"alice"_s, u"wonderland"_s, m_twitter->accountContext());
         m_bob = TwitterAccount::accountWithUsername(u"bob"_s, u"builder"_s, m_twitter->accountContext());
@@ -53,7 +53,7 @@ protected:
     KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
     PelinorDisplayPreferences m_displayPreferences;
     KRTextHeightCache m_heights;
-    std::unique_ptr<Twitter> m_twitter;
+    std::shared_ptr<Twitter> m_twitter;
     TwitterAccountPtr m_alice;
     TwitterAccountPtr m_bob;
     std::unique_ptr<PelinorTwitterAccount> m_listAccount;

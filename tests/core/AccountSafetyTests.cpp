@@ -1,9 +1,7 @@
-#include "core/KRKeychain.h"
 #include "core/Twitter.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRUserDefaults.h"
 #include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
 
 #include <QTemporaryDir>
 
@@ -16,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kills = 300;
+constexpr int kills = 60;
 
 TwitterEnvironment environmentWith(KRUserDefaults& defaults)
 {
@@ -111,15 +109,11 @@ TEST(AccountList, SetsUnreadableDataAsideAndStartsEmpty)
     EXPECT_EQ(Twitter(environmentWith(defaults)).accounts().size(), 1);
 }
 
-TEST(AccountList, WithoutASecretServicePasswordsLiveInMemoryAndTheUserIsToldOnce)
+TEST(AccountList, WithoutASecretServicePasswordsLiveInMemory)
 {
     // This program runs in a session bus without a Secret Service.
     const QTemporaryDir directory;
     KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    int told = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
-            [&](const auto&) { ++told; });
     KRTestLog log;
     Twitter twitter(environmentWith(defaults));
     for (const QString& name : { u"one"_s, u"two"_s })
@@ -127,8 +121,5 @@ TEST(AccountList, WithoutASecretServicePasswordsLiveInMemoryAndTheUserIsToldOnce
     EXPECT_EQ(twitter.accounts().first()->password(), u"pw"_s);
     const Twitter restored(environmentWith(defaults));
     EXPECT_TRUE(restored.accounts().first()->password().isNull());
-    // Earlier tests of this process may have been the ones to hear it.
-    EXPECT_TRUE(KRWaitUntil([] { return KRRunLoop::main().timeUntilNextWork() == std::nullopt; }));
-    EXPECT_LE(told, 1);
     EXPECT_FALSE(log.lines().join(u' ').contains(u"\"pw\""));
 }

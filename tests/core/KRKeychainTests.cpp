@@ -3,6 +3,7 @@
 #include "core/KRSecretService.h"
 #include "core/Twitter.h"
 #include "foundation/KRUserDefaults.h"
+#include "support/KRManualClock.h"
 #include "support/KRTestLog.h"
 #include "support/KRTestWait.h"
 
@@ -19,6 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString service = u"com.kestrin.pelinor-test"_s;
+const QString keychainService = QString::fromUtf16(TwitterAccount::keychainService);
 
 /// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the
 /// daemon is a new one, as after an update of it.
@@ -27,9 +29,9 @@ void unlockLikeTheUser()
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
 }
 
-std::unique_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
+std::shared_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
 {
-    return std::make_unique<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
+    return std::make_shared<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
 }
 
 } // namespace
@@ -108,27 +110,31 @@ TEST(TwitterAccount, KeepsItsPasswordInTheKeychainOnly)
     EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
 }
 
-TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
+TEST(TwitterAccount, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
 {
     const QTemporaryDir directory;
     KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    {
-        const auto twitter = makeTwitter(defaults);
-        twitter->addAccount(
-            TwitterAccount::accountWithUsername(u"frank"_s, u"locked in"_s, twitter->accountContext()));
-    }
+    const auto add = [](Twitter& twitter, const QString& name, const QString& password) {
+        const TwitterAccountPtr account
+            = TwitterAccount::accountWithUsername(name, password, twitter.accountContext());
+        twitter.addAccount(account);
+        return account;
+    };
+    add(*makeTwitter(defaults), u"frank"_s, u"locked in"_s);
+    add(*makeTwitter(defaults), u"fred"_s, u"too"_s);
     ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
     KRTestLog log;
     EMKeychainProxy::sharedProxy().setLogsErrors(true);
+    int told = 0;
     QElapsedTimer timer;
     timer.start();
     const auto twitter = makeTwitter(defaults);
     EXPECT_LT(timer.elapsed(), 2 * KRSecretService::answerLimit.count());
-    const TwitterAccountPtr account = twitter->accounts().value(0);
-    ASSERT_TRUE(account);
-    EXPECT_TRUE(account->password().isNull());
+    ASSERT_EQ(twitter->accounts().size(), 2);
+    const TwitterAccountPtr frank = twitter->accounts()[0];
+    EXPECT_TRUE(frank->password().isNull());
 
-    // A password that is given meanwhile is kept in memory, and its storing fails with the error for that.
+    // Storing fails now, with the error for that; the password lives in memory.
     const KRResult<void> stored = KRKeychain::setPassword(u"new"_s, u"grace"_s, service);
     ASSERT_TRUE(stored.isError());
     EXPECT_EQ(stored.error(),
@@ -136,11 +142,96 @@ TEST(TwitterAccount, WaitsForNobodyWhileTheKeyringIsLocked)
     EXPECT_TRUE(
         log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
                      "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
+    EXPECT_TRUE(KRKeychain::removePasswordForUsername(u"frank"_s, keychainService).isError());
+    const TwitterAccountPtr refused = add(*twitter, u"heidi"_s, u"refused"_s);
+    const TwitterAccountPtr withdrawn = add(*twitter, u"ivan"_s, u"withdrawn"_s);
+    EXPECT_FALSE(withdrawn->removePasswordFromKeychain().isError()) << "nothing of it is stored";
+    const TwitterAccountPtr empty = add(*twitter, u"judy"_s, {});
+    const TwitterAccountPtr beingChecked
+        = TwitterAccount::accountWithUsername(u"mallory"_s, u"a guess"_s, twitter->accountContext());
 
     unlockLikeTheUser();
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
+            [&](const auto&) { ++told; });
     EXPECT_TRUE(KRWaitUntil([&] {
         // The prompt that nobody could answer may still be ending; whoever asks again then succeeds.
-        EMKeychainProxy::sharedProxy().unlockKeychain();
-        return account->password() == u"locked in";
+        if (told == 0)
+            EMKeychainProxy::sharedProxy().unlockKeychain();
+        return frank->password() == u"locked in" && twitter->accounts()[1]->password() == u"too";
     })) << log.lines().join(u'\n').toStdString();
+    EXPECT_EQ(told, 1) << "many waited for one unlocking";
+    const auto inKeychain
+        = [](const QString& name) { return KRKeychain::passwordForUsername(name, keychainService, nullptr); };
+    EXPECT_EQ(inKeychain(u"heidi"_s), u"refused"_s);
+    for (const QString& name : { u"ivan"_s, u"judy"_s, u"mallory"_s })
+        EXPECT_TRUE(inKeychain(name).isNull()) << name.toStdString();
+    KRRunLoop::main().runPending();
+    EXPECT_EQ(told, 1);
+
+    // What is stored is taken out again, and what is not there is no trouble.
+    for (int i = 0; i < 2; ++i)
+        EXPECT_FALSE(refused->removePasswordFromKeychain().isError());
+    EXPECT_TRUE(inKeychain(u"heidi"_s).isNull());
+    EXPECT_EQ(refused->password(), u"refused"_s);
+    twitter->removeAccount(frank);
+    EXPECT_EQ(inKeychain(u"frank"_s), u"locked in"_s) << "removing an account leaves its password";
+}
+
+TEST(TwitterAccount, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    const auto twitter = makeTwitter(defaults);
+    const TwitterAccountPtr account
+        = TwitterAccount::accountWithUsername(u"kim"_s, u"first"_s, twitter->accountContext());
+    twitter->addAccount(account);
+    const auto inKeychain
+        = [] { return KRKeychain::passwordForUsername(u"kim"_s, keychainService, nullptr); };
+    KRManualClock clock;
+    ASSERT_FALSE(KRKeychain::setPassword(u"by hand"_s, u"kim"_s, keychainService).isError());
+    account->setNotificationOptions(0x8);
+    clock.advance(Twitter::saveDelay);
+    EXPECT_EQ(inKeychain(), u"by hand"_s);
+    account->setPassword(u"second"_s);
+    clock.advance(Twitter::saveDelay);
+    EXPECT_EQ(inKeychain(), u"second"_s);
+    ASSERT_FALSE(KRKeychain::setPassword(u"by hand"_s, u"kim"_s, keychainService).isError());
+    twitter->shutdown();
+    EXPECT_EQ(inKeychain(), u"second"_s);
+}
+
+TEST(KRSecretService, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
+{
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " STOP"), 0);
+    const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"bob"_s } };
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(KRSecretService::lookUp(attributes).status, KRSecretService::Status::Unavailable);
+    EXPECT_GE(timer.restart(), KRSecretService::answerLimit.count() / 2);
+    EXPECT_EQ(KRSecretService::lookUp(attributes).error, u"the Secret Service does not answer"_s);
+    EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " CONT"), 0);
+    EXPECT_TRUE(KRWaitUntil(
+        [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
+}
+
+TEST(KRKeychain, TellsOnceThatNobodyKeepsPasswords)
+{
+    KRManualClock clock;
+    KRTestLog log;
+    int told = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
+            [&](const auto&) { ++told; });
+    KRKeychain::noteUnavailable(u"test"_s);
+    EXPECT_EQ(told, 0) << "whoever shows it may not have been made yet";
+    clock.advance(std::chrono::seconds(1));
+    EXPECT_EQ(told, 1);
+    KRKeychain::noteUnavailable(u"test"_s);
+    clock.advance(std::chrono::seconds(9));
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(log.lines(),
+        QStringList(
+            u"Warning: no Secret Service answers (test); passwords are kept in memory for this run"_s));
 }

@@ -1,194 +1,246 @@
 #include "KRTestAccount.h"
 #include "foundation/KRKeyedArchiver.h"
-#include "support/KRManualClock.h"
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
 using TwitterAccountTest = KRTestAccount;
 
+TwitterAccountPtr restored(const TwitterAccount& account)
+{
+    KRKeyedArchiver archiver;
+    account.encodeWithCoder(archiver);
+    const QByteArray data = archiver.archivedData();
+    EXPECT_FALSE(data.contains("pw"));
+    return TwitterAccount::accountWithCoder(KRKeyedUnarchiver::unarchiverWithData(data).value(),
+        account.context());
+}
+
+/// What the three kinds of news have in common.
+struct Kind {
+    using Account = TwitterAccount;
+
+    const char* name;
+    void (*add)(Account& account, const QString& id, const QString& author, const QDateTime& date);
+    bool (Account::*hasFresh)() const;
+    void (Account::*noteFresh)();
+    quint32 statusItem, dockBadge, growl;
+    /// One's own post is the newest one when posts are marked as seen, and no news when they are announced.
+    bool ownCounts;
+};
+
+TwitterStatusPtr statusOf(const QString& id, const QString& author, const QDateTime& date)
+{
+    return KRTestStatus(id, KRTestUser({}, author), date, u"x"_s);
+}
+
+const Kind kinds[] = {
+    { "timeline",
+        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
+            account.timelineStream()->addStatuses({ statusOf(id, author, date) });
+        },
+        &TwitterAccount::hasFreshTweets,
+        &TwitterAccount::noteFreshTweets,
+        0x2,
+        0x4,
+        0x8,
+        true },
+    { "mentions",
+        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
+            account.repliesStream()->addStatuses({ statusOf(id, author, date) });
+        },
+        &TwitterAccount::hasFreshMentions,
+        &TwitterAccount::noteFreshMentions,
+        0x40,
+        0x80,
+        0x100,
+        true },
+    { "messages",
+        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
+            account.directMessagesManager()->receivedStream()->addMessages(
+                { KRTestMessage(id, KRTestUser({}, author), KRTestUser({}, u"alice"_s), date) });
+        },
+        &TwitterAccount::hasFreshMessages,
+        &TwitterAccount::noteFreshMessages,
+        0x800,
+        0x1000,
+        0x2000,
+        false },
+};
+
 } // namespace
+
+TEST_F(TwitterAccountTest, KnowsWhatIsFreshAndKeepsItsMarks)
+{
+    for (const Kind& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        KRManualClock clock;
+        const QDateTime start = clock.now();
+        const TwitterAccountPtr account = makeAccount();
+        const auto hasFresh = [&] { return ((*account).*kind.hasFresh)(); };
+        EXPECT_FALSE(hasFresh());
+        kind.add(*account, u"1"_s, u"bob"_s, start.addSecs(-10));
+        EXPECT_FALSE(hasFresh()) << "older than the account";
+        kind.add(*account, u"2"_s, u"ALICE"_s, start.addSecs(10));
+        EXPECT_FALSE(hasFresh()) << "one's own is no news";
+        kind.add(*account, u"3"_s, u"bob"_s, start.addSecs(5));
+        EXPECT_TRUE(hasFresh());
+        EXPECT_TRUE(account->hasFreshAnythingApplicableToStatusItem()) << "as long as nobody chose otherwise";
+        EXPECT_FALSE(account->hasFreshAnythingApplicableToDockBadge());
+        for (const Kind& other : kinds) {
+            for (const quint32 bit : { other.statusItem, other.dockBadge, other.growl }) {
+                account->setNotificationOptions(bit);
+                EXPECT_EQ(account->hasFreshAnythingApplicableToStatusItem(), bit == kind.statusItem);
+                EXPECT_EQ(account->hasFreshAnythingApplicableToDockBadge(), bit == kind.dockBadge);
+            }
+        }
+
+        const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account);
+        ((*account).*kind.noteFresh)();
+        EXPECT_EQ(updates.count, 1);
+        EXPECT_FALSE(hasFresh());
+        kind.add(*account, u"4"_s, u"bob"_s, start.addSecs(7));
+        EXPECT_EQ(hasFresh(), !kind.ownCounts);
+        clock.advance(100s);
+        const TwitterAccountPtr again = restored(*account);
+        kind.add(*again, u"5"_s, u"bob"_s, start.addSecs(12));
+        EXPECT_TRUE(((*again).*kind.hasFresh)()) << "the mark is kept";
+
+        // Marking an empty list leaves no mark, and without a mark nothing is fresh.
+        const TwitterAccountPtr empty = makeAccount();
+        ((*empty).*kind.noteFresh)();
+        kind.add(*empty, u"6"_s, u"bob"_s, start.addSecs(999));
+        EXPECT_FALSE(((*empty).*kind.hasFresh)());
+    }
+}
+
+TEST_F(TwitterAccountTest, AnnouncesEachOnce)
+{
+    QString announced;
+    const auto note = [&](const QString& kind, const auto& notification) {
+        EXPECT_EQ(notification.account, m_account.get());
+        announced += kind;
+        for (const auto& one : *notification.object) {
+            if constexpr (requires { one->messageID(); })
+                announced += one->messageID();
+            else
+                announced += one->statusID();
+        }
+        announced += u' ';
+    };
+    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
+    const KRObservation observations[] = {
+        center.observe<TwitterAccountGrowlForNewTimelineStatuses>(
+            [&](const auto& posted) { note(u"timeline"_s, posted); }),
+        center.observe<TwitterAccountGrowlForNewMentionStatuses>(
+            [&](const auto& posted) { note(u"mentions"_s, posted); }),
+        center.observe<TwitterAccountGrowlForNewMessages>(
+            [&](const auto& posted) { note(u"messages"_s, posted); }),
+    };
+    const QDateTime now = KRNow();
+    for (const Kind& kind : kinds) {
+        // Records are the same for all accounts of one run, and announced once in it.
+        m_twitter = makeTwitter();
+        m_context = m_twitter->accountContext();
+        m_account = makeAccount();
+        m_account->setNotificationOptions(kind.growl);
+        announced.clear();
+        kind.add(*m_account, u"1"_s, u"bob"_s, now);
+        kind.add(*m_account, u"1"_s, u"bob"_s, now);
+        kind.add(*m_account, u"2"_s, u"alice"_s, now);
+        const Kind& other = kinds[&kind == kinds];
+        other.add(*m_account, u"3"_s, u"bob"_s, now);
+        const QString name = QLatin1String(kind.name);
+        EXPECT_EQ(announced, u"%1%2 %1 %1%3 %1 "_s.arg(name, u"1"_s, kind.ownCounts ? u"2"_s : u""_s));
+        m_account->setNotificationOptions(0);
+        kind.add(*m_account, u"4"_s, u"bob"_s, now);
+        EXPECT_EQ(announced.count(u'4'), 0);
+    }
+}
 
 TEST_F(TwitterAccountTest, ArchivesItselfWithoutItsPassword)
 {
+    const TwitterSearchPtr named = makeSearch(u"tea"_s);
+    named->setDisplayName(u"Cups"_s);
+    m_account->addSavedSearch(named);
+    m_account->addSavedSearch(makeSearch(u"#b"_s));
     m_account->setNotificationOptions(0);
     EXPECT_EQ(m_account->notificationOptions(), 0x1U);
-    KRKeyedArchiver archiver;
-    archiver.encodeObject("account"_L1, *m_account);
-    const QByteArray data = archiver.archivedData();
-    EXPECT_FALSE(data.contains("pw"));
-    const auto coder = KRKeyedUnarchiver::unarchiverWithData(data);
-    const TwitterAccountPtr restored
-        = TwitterAccount::accountWithCoder(*coder.value().decodeObject("account"_L1), m_context);
-    EXPECT_EQ(restored->username(), u"Alice"_s);
-    EXPECT_EQ(restored->notificationOptions(), 0x1U);
-    EXPECT_TRUE(restored->isEqual(*m_account));
+    const TwitterAccountPtr again = restored(*m_account);
+    EXPECT_EQ(again->username(), u"Alice"_s);
+    EXPECT_EQ(again->notificationOptions(), 0x1U);
+    ASSERT_EQ(again->savedSearches().size(), 2);
+    EXPECT_EQ(again->savedSearches()[0]->displayName(), u"Cups"_s);
+    EXPECT_EQ(again->savedSearches()[1]->query(), u"#b"_s);
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(again);
+    again->savedSearches()[1]->stream()->addStatuses({});
+    EXPECT_EQ(updates.count, 1) << "a restored search is observed as an added one is";
 
+    EXPECT_TRUE(again->isEqual(*makeAccount(u"aLICE"_s)) && !again->isEqual(*makeAccount(u"Alic"_s)));
+    EXPECT_TRUE(again->compare(*makeAccount(u"alice"_s)) < 0 && again->compare(*makeAccount(u"Al"_s)) > 0);
     KRKeyedArchiver old;
     old.encodeString("username"_L1, u"bob"_s);
     old.encodeInteger("notificationOptions"_L1, 0);
     const auto bare = KRKeyedUnarchiver::unarchiverWithData(old.archivedData());
     EXPECT_EQ(TwitterAccount::accountWithCoder(bare.value(), m_context)->notificationOptions(), 0x843U);
+    EXPECT_TRUE(restored(*TwitterAccount::accountWithUsername(u"x"_s, {}, m_context))->password().isNull());
+    EXPECT_TRUE(m_log.contains(u"Error: no password set for account"_s));
 }
 
-TEST_F(TwitterAccountTest, KnowsWhatIsFresh)
+TEST_F(TwitterAccountTest, KeepsEverySearchOnceAndHearsOfIt)
 {
-    KRManualClock clock;
-    const TwitterAccountPtr account = makeAccount();
-    const QDateTime now = clock.now();
-    EXPECT_FALSE(account->hasFreshTweets());
-    const auto stream = account->timelineStream();
-    stream->addStatuses({ status(u"1"_s, u"bob"_s, now.addSecs(-10)) });
-    EXPECT_FALSE(account->hasFreshTweets()) << "older than the account";
-    stream->addStatuses({ status(u"2"_s, u"ALICE"_s, now.addSecs(10)) });
-    EXPECT_FALSE(account->hasFreshTweets()) << "one's own posts are never news";
-    stream->addStatuses({ status(u"3"_s, u"bob"_s, now.addSecs(5)) });
-    EXPECT_TRUE(account->hasFreshTweets());
-    EXPECT_TRUE(account->hasFreshAnythingApplicableToStatusItem());
-    EXPECT_FALSE(account->hasFreshAnythingApplicableToDockBadge());
-
-    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account);
-    account->noteFreshTweets();
-    EXPECT_EQ(updates.count, 1);
-    EXPECT_FALSE(account->hasFreshTweets());
-    stream->addStatuses({ status(u"4"_s, u"bob"_s, now.addSecs(7)) });
-    EXPECT_FALSE(account->hasFreshTweets()) << "the mark is the newest post's date, one's own included";
-
-    // Marking an empty list leaves no mark, and without a mark nothing is fresh.
-    account->noteFreshMentions();
-    account->repliesStream()->addStatuses({ status(u"5"_s, u"bob"_s, now.addSecs(99)) });
-    EXPECT_FALSE(account->hasFreshMentions());
-}
-
-TEST_F(TwitterAccountTest, AnnouncesEachStatusOnce)
-{
-    m_account->setNotificationOptions(TwitterAccountTimelineGrowl);
-    QString announced;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewTimelineStatuses>(
-            [&](const auto& notification) {
-                announced += u'[';
-                for (const TwitterStatusPtr& one : *notification.object)
-                    announced += one->statusID();
-                announced += u']';
-            });
-    const QDateTime now = KRNow();
-    m_account->timelineStream()->addStatuses(
-        { status(u"1"_s, u"bob"_s, now), status(u"2"_s, u"alice"_s, now.addSecs(1)) });
-    m_account->timelineStream()->addStatuses(
-        { status(u"1"_s, u"bob"_s, now), status(u"3"_s, u"bob"_s, now.addSecs(2)) });
-    m_account->repliesStream()->addStatuses({});
-    EXPECT_EQ(announced, u"[21][3][]"_s);
-
-    m_account->setNotificationOptions(TwitterAccountMentionsGrowl);
-    QList<qsizetype> mentions;
-    const KRObservation mentionsObservation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountGrowlForNewMentionStatuses>(
-            [&](const auto& notification) { mentions.append(notification.object->size()); });
-    m_account->repliesStream()->addStatuses({ status(u"4"_s, u"bob"_s, now) });
-    m_account->timelineStream()->addStatuses({ status(u"5"_s, u"bob"_s, now) });
-    EXPECT_EQ(mentions, (QList<qsizetype> { 1, 0 }));
-    EXPECT_EQ(announced, u"[21][3][]"_s) << "each kind answers to its own bit";
-}
-
-TEST_F(TwitterAccountTest, RefreshesWithItsCredentials)
-{
-    const QByteArray hi = KRTestSite::status(5, "carol", "hi @alice");
-    m_site.answer("/statuses/home_timeline.xml",
-        KRTestSite::statuses({ KRTestSite::status(7, "bob", "hello"), hi }));
-    m_site.answer("/statuses/replies.xml", KRTestSite::statuses({ hi }));
-    m_site.answer("/direct_messages.xml", "<direct-messages/>");
-    m_site.answer("/direct_messages/sent.xml", "<direct-messages/>");
-    m_account->refresh();
-    ASSERT_TRUE(KRWaitUntil([&] {
-        return m_account->timelineStream()->storedStatuses().size() == 2
-            && m_account->repliesStream()->storedStatuses().size() == 1;
-    }));
-    EXPECT_EQ(m_account->timelineStream()->storedStatuses().at(1),
-        m_account->repliesStream()->storedStatuses().at(0))
-        << "one status is one record";
-    EXPECT_TRUE(m_account->isMentionedInStatus(*m_account->repliesStream()->newestStatus()));
-    ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 4; }));
-    for (const KRTestServer::Request& request : m_site.requests())
-        EXPECT_EQ(request.value("authorization"), "Basic " + QByteArray("Alice:pw").toBase64());
-    EXPECT_TRUE(m_site.targets().contains("/statuses/home_timeline.xml?count=200"));
-}
-
-TEST_F(TwitterAccountTest, APostLoadsTheTimeline)
-{
-    m_site.answer("/statuses/update.xml", KRTestSite::status(9, "alice", "posted"));
-    m_site.answer("/statuses/home_timeline.xml",
-        KRTestSite::statuses({ KRTestSite::status(9, "alice", "posted") }));
-    using Receiver = KRTestReceiver<TwitterStatusPtr>;
-    const auto receiver = std::make_shared<Receiver>();
-    m_account->update(u"posted & <sent>"_s, u"4"_s, Callback(receiver, &Receiver::took));
-    ASSERT_TRUE(KRWaitUntil([&] { return m_account->timelineStream()->newestStatusID() == u"9"; }));
-    EXPECT_EQ(receiver->count, 1);
-    EXPECT_EQ(m_site.requests().value(0).body,
-        QByteArray("status=posted+%26+%3Csent%3E&in_reply_to_status_id=4&source=pelinor"));
-
-    m_site.answer("/statuses/update.xml", "<hash><error>duplicate</error></hash>", 400);
-    m_account->update(u"posted"_s, {}, Callback(receiver, &Receiver::took));
-    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 2; }));
-    ASSERT_TRUE(receiver->result->isError());
-    EXPECT_EQ(receiver->result->error().description, u"Bad request. duplicate"_s);
-    EXPECT_EQ(m_site.targets().count("POST /statuses/update.xml"), 2);
-}
-
-TEST_F(TwitterAccountTest, LooksUpWithoutCredentialsFirst)
-{
-    std::atomic<bool> isPublic = true;
-    m_site.answer("/users/show.xml", [&](const KRTestServer::Request& request) {
-        const bool mayRead = isPublic || !request.value("authorization").isEmpty();
-        return mayRead ? KRTestSite::Answer { 200, KRTestSite::user(3, "bob") }
-                       : KRTestSite::Answer { 401, {} };
-    });
-    for (const bool open : { true, false }) {
-        isPublic = open;
-        const qsizetype before = m_site.requests().size();
-        const auto receiver = std::make_shared<KRTestReceiver<TwitterUserPtr>>();
-        m_account->requestUserWithUsername(u"bob"_s,
-            Callback(receiver, &KRTestReceiver<TwitterUserPtr>::took));
-        ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 1; }));
-        ASSERT_FALSE(receiver->result->isError());
-        EXPECT_EQ(receiver->result->value(), m_context.tables->cachedUserWithID(u"3"_s));
-        EXPECT_EQ(m_site.requests().size() - before, open ? 1 : 2);
-        EXPECT_TRUE(m_site.requests().value(before).value("authorization").isEmpty());
-    }
-    EXPECT_TRUE(m_log.contains(u"couldn't load user unathenticated... trying authenticated"_s));
-
-    m_site.answer("/statuses/show/8.xml", "<hash><error>gone</error></hash>", 410);
-    const auto receiver = std::make_shared<KRTestReceiver<TwitterStatusPtr>>();
-    m_account->requestStatusWithID(u"8"_s, Callback(receiver, &KRTestReceiver<TwitterStatusPtr>::took));
-    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 1; }));
-    EXPECT_EQ(receiver->result->error().code, 410);
-}
-
-TEST_F(TwitterAccountTest, LoadsItsOwnUserOnDemandAndAgainAfterAFailure)
-{
-    m_site.answer("/users/show.xml", "nothing", 503);
+    m_log.clear();
     const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account);
-    EXPECT_EQ(m_account->user(), nullptr);
-    EXPECT_EQ(m_account->user(), nullptr);
-    ASSERT_TRUE(KRWaitUntil([&] { return m_log.contains(u"Error loading user for account Alice"_s); }));
-    EXPECT_EQ(m_site.requests().size(), 2) << "one look-up: without and with credentials";
+    const TwitterSearchPtr tea = makeSearch(u"tea"_s);
+    for (const TwitterSearchPtr& one : { tea, tea, makeSearch(u"TEA"_s) })
+        m_account->addSavedSearch(one);
+    EXPECT_EQ(m_account->savedSearches(), QList<TwitterSearchPtr> { tea });
+    const QDateTime now = KRNow();
+    tea->stream()->addStatuses({ status(u"1"_s, u"bob"_s, now) });
+    EXPECT_EQ(updates.count, 1);
+    EXPECT_FALSE(m_account->hasFreshSearches()) << "nothing was marked yet";
+    tea->stream()->noteFreshStatuses();
+    tea->stream()->addStatuses({ status(u"2"_s, u"bob"_s, now.addSecs(1)) });
+    m_account->noteFreshSearches();
+    EXPECT_TRUE(m_account->hasFreshSearches()) << "each search keeps its own mark";
+    EXPECT_EQ(updates.count, 3);
+    m_account->markAllAsRead();
+    EXPECT_FALSE(m_account->hasFreshSearches());
+    EXPECT_EQ(updates.count, 7);
 
-    m_site.answer("/users/show.xml", KRTestSite::user(1, "alice"));
-    EXPECT_EQ(m_account->user(), nullptr);
-    ASSERT_TRUE(KRWaitUntil([&] { return updates.count == 1; }));
-    EXPECT_EQ(m_account->user(), m_context.tables->cachedUserWithID(u"1"_s));
-    const TwitterUserPtr newer = KRTestUser(u"1"_s, u"alice"_s);
-    newer->setLastUpdated(KRNow().addSecs(60));
-    m_context.tables->definitiveUser(newer);
-    EXPECT_EQ(updates.count, 2);
+    m_account->removeSavedSearch(makeSearch(u"coffee"_s));
+    EXPECT_EQ(m_account->savedSearches().size(), 1);
+    m_account->removeSavedSearch(makeSearch(u"tEa"_s));
+    EXPECT_FALSE(m_account->containsSavedSearch(*tea));
+    tea->stream()->addStatuses({});
+    EXPECT_EQ(updates.count, 7) << "no longer observed";
+    EXPECT_TRUE(m_log.lines().isEmpty());
+    const TwitterSearchPtr bare = makeSearch({});
+    m_account->addSavedSearch(bare);
+    EXPECT_TRUE(m_account->containsSavedSearch(*bare));
+    m_account->removeSavedSearch(bare);
+    EXPECT_EQ(m_log.lines(),
+        (QStringList { u"Error: saving search with no stream attached"_s,
+            u"Error: remove saved search with no stream attached"_s }));
 }
 
-TEST_F(TwitterAccountTest, MarksFavouritesAtOnce)
+TEST_F(TwitterAccountTest, MarksEverythingAsReadAndKnowsWhoIsMeant)
 {
-    m_site.answer("/favorites/create/6.xml", KRTestSite::status(6, "bob", "nice"));
-    const TwitterStatusPtr liked = status(u"6"_s, u"bob"_s, KRNow());
-    m_account->addStatusToFavorites(liked);
-    EXPECT_TRUE(m_account->isFavoriteStatus(*liked));
-    EXPECT_TRUE(KRWaitUntil([&] { return m_site.targets().contains("POST /favorites/create/6.xml"); }));
+    const QDateTime later = KRNow().addSecs(60);
+    for (const Kind& kind : kinds)
+        kind.add(*m_account, u"1"_s, u"bob"_s, later);
+    m_account->markAllAsRead();
+    for (const Kind& kind : kinds)
+        EXPECT_FALSE(((*m_account).*kind.hasFresh)()) << kind.name;
+    const TwitterStatusPtr post = status(u"2"_s, u"bob"_s, later);
+    for (const auto& [text, isMeant] : { std::pair(u"hi @aLICE!"_s, true),
+             std::pair(u"hi @alicette"_s, true),
+             std::pair(u"alice"_s, false) }) {
+        post->setText(text);
+        EXPECT_EQ(m_account->isMentionedInStatus(*post), isMeant);
+    }
+    post->setFromUser(nullptr);
+    EXPECT_FALSE(m_account->isAuthorOfStatus(*post));
 }

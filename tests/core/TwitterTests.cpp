@@ -1,31 +1,14 @@
-#include "core/Twitter.h"
-#include "foundation/KRUserDefaults.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "transport/KRBackgroundThread.h"
-
-#include <QTemporaryDir>
+#include "KRTestAccount.h"
 
 #include <future>
-#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
 
-class TwitterTest : public testing::Test {
+class TwitterTest : public KRTestAccount {
 protected:
-    std::unique_ptr<Twitter> makeTwitter(bool runsHeartbeat = false)
-    {
-        return std::make_unique<Twitter>(
-            TwitterEnvironment { &m_defaults, TwitterServiceHosts(), runsHeartbeat });
-    }
-    static void addAccounts(Twitter& twitter, const QStringList& names)
-    {
-        for (const QString& name : names)
-            twitter.addAccount(TwitterAccount::accountWithUsername(name, u"pw"_s, twitter.accountContext()));
-    }
     static QString namesOf(const Twitter& twitter)
     {
         QStringList names;
@@ -33,109 +16,318 @@ protected:
             names.append(account->username());
         return names.join(u' ');
     }
+    /// The accounts whose timelines are loading.
+    QString loading() const
+    {
+        QString loading;
+        for (const TwitterAccountPtr& account : m_twitter->accounts())
+            loading += account->timelineStream()->isLoadingNewer() ? account->username() : QString();
+        return loading;
+    }
+    /// No answer comes before `release`.
+    void holdAnswers()
+    {
+        for (const char* path : { "/statuses/home_timeline.xml",
+                 "/statuses/replies.xml",
+                 "/direct_messages.xml",
+                 "/direct_messages/sent.xml" })
+            m_site.answer(path, [gate = m_gate](const auto&) {
+                gate.wait();
+                return KRTestSite::Answer { 200, "<nothing/>" };
+            });
+    }
+    void release() { m_release.set_value(); }
 
-    KRTestLog m_log;
-    QTemporaryDir m_directory;
-    KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
+private:
+    std::promise<void> m_release;
+    std::shared_future<void> m_gate = m_release.get_future().share();
 };
 
 } // namespace
 
 TEST_F(TwitterTest, BeatsAfterThreeSecondsAndThenEverySixMinutes)
 {
+    answerWithNothing();
+    addAccounts({ u"a"_s });
+    ASSERT_TRUE(KRWaitUntil([&] { return loading().isEmpty() && m_site.requests().size() == 4; }));
+    holdAnswers();
     KRManualClock clock;
     QList<qint64> beats;
     const auto start = clock.monotonicNow();
     const KRObservation observation
         = KRNotificationCenter::defaultCenter().observe<TwitterHeartbeatNotification>(
             [&](const auto&) { beats.append((clock.monotonicNow() - start) / 1s); });
-    const auto twitter = makeTwitter(true);
-    clock.advance(1000s);
+    m_twitter = makeTwitter(true);
+    EXPECT_FALSE(m_twitter->hasFreshAnythingApplicableToDockBadge());
+    clock.advance(3s);
+    EXPECT_EQ(loading(), u"a"_s) << "a heartbeat refreshes";
+    clock.advance(997s);
     EXPECT_EQ(beats, (QList<qint64> { 3, 360, 720 }));
-    EXPECT_FALSE(twitter->hasFreshAnythingApplicableToDockBadge());
-    EXPECT_FALSE(twitter->hasFreshAnythingApplicableToStatusItem());
+    release();
 }
 
-TEST_F(TwitterTest, RefreshesAccountsTwoSecondsApart)
+TEST_F(TwitterTest, RefreshesAccountsTwoSecondsApartAndNoneThatWasRemoved)
 {
-    KRManualClock clock;
-    const auto twitter = makeTwitter();
-    addAccounts(*twitter, { u"a"_s, u"b"_s, u"c"_s });
-    // Loads without a host fail at once on the background thread, and say so; those that adding began are
-    // over.
-    std::promise<void> areOver;
-    performOnSharedBackgroundThread([&] { areOver.set_value(); });
-    areOver.get_future().wait();
-    QMap<const void*, QString> owners;
-    for (const TwitterAccountPtr& account : twitter->accounts())
-        owners[account->timelineStream().get()] = account->username();
-    std::mutex lock;
-    QString refreshed;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>([&](const auto& one) {
-              std::scoped_lock guard(lock);
-              refreshed += owners.value(one.object);
-          });
-    const auto seen = [&] {
-        std::scoped_lock guard(lock);
-        return refreshed;
-    };
-    // The answers may pass through the background thread, which the manual clock does not hold back.
-    const auto settle = [&](const QString& expected) {
-        for (int i = 0; i < 2000 && seen() != expected; ++i)
-            std::this_thread::sleep_for(1ms);
-        return seen();
-    };
-    twitter->refresh();
-    clock.advance(0s);
-    EXPECT_EQ(settle(u"a"_s), u"a"_s);
-    clock.advance(1999ms);
-    EXPECT_EQ(seen(), u"a"_s);
-    clock.advance(1ms);
-    EXPECT_EQ(settle(u"ab"_s), u"ab"_s);
-    clock.advance(2s);
-    EXPECT_EQ(settle(u"abc"_s), u"abc"_s);
+    answerWithNothing();
+    addAccounts({ u"a"_s, u"b"_s, u"c"_s, u"d"_s });
+    ASSERT_TRUE(KRWaitUntil([&] { return loading().isEmpty() && m_site.requests().size() == 16; }));
+    holdAnswers();
+    {
+        KRManualClock clock;
+        m_twitter->refresh();
+        const TwitterAccountPtr kept = m_twitter->accounts()[2];
+        clock.advance(0s);
+        EXPECT_EQ(loading(), u"a"_s);
+        clock.advance(1999ms);
+        EXPECT_EQ(loading(), u"a"_s);
+        clock.advance(1ms);
+        EXPECT_EQ(loading(), u"ab"_s);
+        m_twitter->removeAccount(kept);
+        clock.advance(2s);
+        EXPECT_FALSE(kept->timelineStream()->isLoadingNewer());
+        clock.advance(2s);
+        EXPECT_EQ(loading(), u"abd"_s);
+    }
+    release();
 }
 
 TEST_F(TwitterTest, KeepsTheAccountListInItsOrder)
 {
-    int changes = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountsDidChangeNotification>(
-            [&](const auto&) { ++changes; });
-    const QString unchanged = u"a b c"_s;
+    const KRTestCounter<TwitterAccountsDidChangeNotification> changes;
     struct Move {
         qsizetype from, to;
         const char16_t* result = u"a b c";
     };
-    const Move none[] = { { 0, 1 }, { 1, 1 }, { -1, 2 }, { 3, 0 }, { 0, 4 }, { 1, -1 } };
-    QList<Move> moves { { 0, 2, u"b a c" }, { 2, 0, u"c a b" }, { 0, 3, u"b c a" } };
-    std::copy(std::begin(none), std::end(none), std::back_inserter(moves));
-    for (const Move& move : moves) {
+    for (const Move& move : { Move { 0, 2, u"b a c" },
+             { 2, 0, u"c a b" },
+             { 0, 3, u"b c a" },
+             { 0, 1 },
+             { 1, 1 },
+             { -1, 2 },
+             { 3, 0 },
+             { 0, 4 },
+             { 1, -1 } }) {
         const QString result = QString::fromUtf16(move.result);
-        const auto twitter = makeTwitter();
-        while (!twitter->accounts().isEmpty())
-            twitter->removeAccount(twitter->accounts().first());
-        addAccounts(*twitter, { u"a"_s, u"b"_s, u"c"_s });
-        changes = 0;
-        twitter->reorderAccountFromIndex(move.from, move.to);
-        EXPECT_EQ(namesOf(*twitter), result);
-        EXPECT_EQ(changes, result == unchanged ? 0 : 1);
+        m_twitter = makeTwitter();
+        while (!m_twitter->accounts().isEmpty())
+            m_twitter->removeAccount(m_twitter->accounts().first());
+        m_hosts = {};
+        m_context.hosts = {};
+        addAccounts({ u"a"_s, u"b"_s, u"c"_s });
+        changes.count = 0;
+        m_twitter->reorderAccountFromIndex(move.from, move.to);
+        EXPECT_EQ(namesOf(*m_twitter), result);
+        EXPECT_EQ(changes.count, result == u"a b c"_s ? 0 : 1);
         EXPECT_EQ(namesOf(*makeTwitter()), result) << "what is shown is saved";
-        EXPECT_TRUE(twitter->containsAccount(
-            TwitterAccount::accountWithUsername(u"B"_s, u""_s, twitter->accountContext())));
+        EXPECT_TRUE(m_twitter->containsAccount(makeAccount(u"B"_s)));
+        EXPECT_FALSE(m_twitter->containsAccount(makeAccount(u"d"_s)));
+    }
+}
+
+TEST_F(TwitterTest, SavesSoonWhatChangesInsideAnAccount)
+{
+    KRManualClock clock;
+    m_hosts = {};
+    m_context.hosts = {};
+    addAccounts({ u"a"_s });
+    settle();
+    const KRTestCounter<TwitterAccountsDidChangeNotification> lists;
+    const TwitterAccountPtr account = m_twitter->accounts().first();
+    const auto saved = [&] { return makeTwitter()->accounts().first(); };
+    account->timelineStream()->addStatuses({ status(u"1"_s, u"bob"_s, clock.now().addSecs(9)) });
+    const TwitterSearchPtr tea = makeSearch(u"tea"_s);
+    const std::pair<std::function<void()>, std::function<bool(TwitterAccount&)>> changes[] = {
+        { [&] { account->setNotificationOptions(0x8); },
+            [](TwitterAccount& one) { return one.notificationOptions() == 0x9; } },
+        { [&] { account->addSavedSearch(tea); },
+            [](TwitterAccount& one) { return one.savedSearches().size() == 1; } },
+        { [&] { account->removeSavedSearch(tea); },
+            [](TwitterAccount& one) { return one.savedSearches().isEmpty(); } },
+        { [&] { account->noteFreshTweets(); },
+            [&](TwitterAccount& one) {
+                one.timelineStream()->addStatuses({ status(u"2"_s, u"bob"_s, clock.now().addSecs(1)) });
+                return !one.hasFreshTweets();
+            } },
+    };
+    for (const auto& [change, isSaved] : changes) {
+        change();
+        EXPECT_FALSE(isSaved(*saved()));
+        clock.advance(Twitter::saveDelay);
+        EXPECT_TRUE(isSaved(*saved()));
+    }
+    // What changes nothing, or an account in no list, is not saved; changes that come together are saved at
+    // once.
+    account->noteFreshTweets();
+    makeAccount(u"x"_s)->setNotificationOptions(1);
+    EXPECT_GT(KRRunLoop::main().timeUntilNextWork().value_or(1h), Twitter::saveDelay);
+    account->setNotificationOptions(0x2);
+    clock.advance(Twitter::saveDelay / 2);
+    account->setNotificationOptions(0x4);
+    clock.advance(Twitter::saveDelay / 2);
+    EXPECT_EQ(saved()->notificationOptions(), 0x5U);
+    account->setNotificationOptions(0x8);
+    EXPECT_EQ(lists.count, 0);
+    m_twitter->shutdown();
+    EXPECT_EQ(saved()->notificationOptions(), 0x9U);
+    EXPECT_EQ(lists.count, 1);
+}
+
+// Each observer removes the account as soon as it hears, with requests and delayed calls out, and nobody else
+// keeps the account. Sanitizers see whether anything touches it afterwards.
+TEST_F(TwitterTest, AnyObserverMayRemoveTheAccount)
+{
+    answerWithNothing();
+    const QByteArray post = KRTestSite::statuses({ KRTestSite::status(5, "bob", "hi @alice") });
+    for (const char* path : { "/statuses/home_timeline.xml", "/statuses/replies.xml" })
+        m_site.answer(path, post);
+    for (const char* path : { "/direct_messages.xml", "/direct_messages/sent.xml" })
+        m_site.answer(path, "<list>" + KRTestSite::message(5, "bob", "Alice") + "</list>");
+    m_site.answer("/users/show.xml", KRTestSite::user(3, "alice"));
+    m_site.answer("/statuses/update.xml", KRTestSite::status(9, "Alice", "posted"));
+    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
+    const auto remove = [this](const auto&) {
+        if (!m_twitter->accounts().isEmpty())
+            m_twitter->removeAccount(m_twitter->accounts().first());
+    };
+    using Observe = std::function<KRObservation()>;
+    const Observe observers[] = {
+        [&] { return center.observe<TwitterAccountDidUpdateNotification>(remove); },
+        [&] { return center.observe<TwitterAccountGrowlForNewTimelineStatuses>(remove); },
+        [&] { return center.observe<TwitterAccountGrowlForNewMentionStatuses>(remove); },
+        [&] { return center.observe<TwitterAccountGrowlForNewMessages>(remove); },
+        [&] { return center.observe<TwitterAccountArchiveDidChangeNotification>(remove); },
+        [&] { return center.observe<TwitterAccountsDidChangeNotification>(remove); },
+        [&] { return center.observe<TwitterStreamDidUpdateNotification>(remove); },
+        [&] { return center.observe<TwitterDirectMessageConversationDidUpdateNotification>(remove); },
+        [&] { return center.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>(remove); },
+        [&] { return center.observe<TwitterUserDidUpdateNotification>(remove); },
+        [&] { return center.observe<TwitterHeartbeatNotification>(remove); },
+    };
+    for (const Observe& observe : observers) {
+        SCOPED_TRACE(&observe - observers);
+        KRManualClock clock;
+        m_twitter = makeTwitter();
+        m_context = m_twitter->accountContext();
+        m_account = makeAccount();
+        m_account->setNotificationOptions(~0U);
+        const std::weak_ptr<TwitterAccount> watched = m_account;
+        using Receiver = KRTestReceiver<TwitterStatusPtr>;
+        const auto receiver = std::make_shared<Receiver>();
+        // A stream lives until its last answer has come.
+        std::vector<std::weak_ptr<void>> streams;
+        const KRObservation observation = observe();
+        m_twitter->addAccount(std::exchange(m_account, nullptr));
+        if (const TwitterAccountPtr account = watched.lock()) {
+            const auto& messages = account->directMessagesManager();
+            streams = { account->timelineStream(),
+                account->repliesStream(),
+                messages->receivedStream(),
+                messages->sentStream() };
+            account->addSavedSearch(makeSearch(u"tea"_s));
+            account->user();
+            account->update(u"x"_s, {}, Callback(receiver, &Receiver::took));
+        } else {
+            receiver->count = 1;
+        }
+        m_twitter->heartbeat();
+        const auto isOver = [&] {
+            // A merge tells of people.
+            for (const TwitterUserPtr& user : m_twitter->cachedUsers()) {
+                const TwitterUserPtr newer = KRTestUser(user->userID(), user->username());
+                newer->setLastUpdated(user->lastUpdated().addSecs(1));
+                m_twitter->definitiveUser(newer);
+            }
+            if (const TwitterAccountPtr account = watched.lock(); account && receiver->count > 0)
+                account->markAllAsRead();
+            return watched.expired() && receiver->count > 0
+                && std::all_of(streams.begin(), streams.end(), [](const auto& one) { return one.expired(); });
+        };
+        ASSERT_TRUE(waitWithoutTime(isOver));
+        const auto sent = [this] {
+            const QList<KRTestServer::Request> requests = m_site.requests();
+            return std::count_if(requests.begin(), requests.end(), [](const auto& one) {
+                return !one.value("authorization").isEmpty() || one.target.startsWith("/search");
+            });
+        };
+        const auto before = sent();
+        clock.advance(20s);
+        settle();
+        clock.advance(20s);
+        settle();
+        EXPECT_EQ(sent(), before);
     }
 }
 
 TEST_F(TwitterTest, AnnouncesANewAccountBeforeItIsRefreshed)
 {
-    const auto twitter = makeTwitter();
-    const TwitterAccountPtr account
-        = TwitterAccount::accountWithUsername(u"a"_s, u"pw"_s, twitter->accountContext());
+    answerWithNothing();
     bool wasLoading = true;
     const KRObservation observation
         = KRNotificationCenter::defaultCenter().observe<TwitterAccountsDidChangeNotification>(
-            [&](const auto&) { wasLoading = account->timelineStream()->isLoadingNewer(); });
-    twitter->addAccount(account);
+            [&](const auto&) { wasLoading = m_account->timelineStream()->isLoadingNewer(); });
+    m_twitter->addAccount(m_account);
     EXPECT_FALSE(wasLoading);
+    EXPECT_TRUE(m_account->timelineStream()->isLoadingNewer());
+    ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 4; }));
+}
+
+TEST_F(TwitterTest, AsksItsAccountsAndTablesForEverything)
+{
+    const QDateTime later = KRNow().addSecs(60);
+    m_hosts = {};
+    m_context.hosts = {};
+    addAccounts({ u"a"_s, u"b"_s });
+    const TwitterAccountPtr second = m_twitter->accounts()[1];
+    second->timelineStream()->addStatuses({ status(u"1"_s, u"bob"_s, later) });
+    EXPECT_TRUE(m_twitter->hasFreshAnythingApplicableToStatusItem());
+    EXPECT_FALSE(m_twitter->hasFreshAnythingApplicableToDockBadge());
+    second->setNotificationOptions(TwitterAccountTimelineDockBadge);
+    EXPECT_FALSE(m_twitter->hasFreshAnythingApplicableToStatusItem());
+    EXPECT_TRUE(m_twitter->hasFreshAnythingApplicableToDockBadge());
+    m_twitter->markAllAsRead();
+    EXPECT_FALSE(m_twitter->hasFreshAnythingApplicableToDockBadge());
+
+    const TwitterUserPtr carol = KRTestUser(u"7"_s, u"Carol"_s);
+    const TwitterDirectMessagePtr message = KRTestMessage(u"8"_s, carol, carol);
+    EXPECT_EQ(m_twitter->definitiveUsers({ carol }), TwitterUserList { carol });
+    EXPECT_EQ(m_twitter->definitiveUser(KRTestUser(u"7"_s, u"Carol"_s)), carol);
+    EXPECT_EQ(m_twitter->definitiveDirectMessages({ message }), TwitterDirectMessageList { message });
+    EXPECT_EQ(m_twitter->definitiveMessage(KRTestMessage(u"8"_s, {}, {})), message);
+    const TwitterStatusPtr post = second->timelineStream()->newestStatus();
+    EXPECT_EQ(m_twitter->definitiveStatus(status(u"1"_s, u"x"_s, later)), post);
+    EXPECT_EQ(m_twitter->definitiveStatuses({ post }), TwitterStatusList { post });
+    EXPECT_EQ(m_twitter->cachedUserWithID(u"7"_s), carol);
+    EXPECT_EQ(m_twitter->cachedUserWithUsername(u"CAROL"_s), carol);
+    EXPECT_EQ(m_twitter->cachedStatusWithID(u"1"_s), post);
+    EXPECT_EQ(m_twitter->cachedDirectMessageWithID(u"8"_s), message);
+    EXPECT_EQ(m_twitter->cachedUsers(), TwitterUserList { carol });
+    EXPECT_EQ(m_twitter->usersStartingWith(u"cA"_s), TwitterUserList { carol });
+}
+
+TEST_F(TwitterTest, TrendsLoadOnFirstDemandAndOnceAtATime)
+{
+    const KRTestCounter<TwitterTrendsDidUpdateNotification> updates(m_twitter);
+    m_site.answer("/trends.json", "<div>no</div>", 501);
+    EXPECT_TRUE(m_twitter->trends().isEmpty());
+    EXPECT_TRUE(m_twitter->trends().isEmpty());
+    ASSERT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 1; }));
+    m_site.answer("/trends.json", R"({"trends":[{"name":"#tea"},{"name":"b"}]})");
+    // The failure frees the way for the next request.
+    ASSERT_TRUE(KRWaitUntil([&] { return !m_twitter->trends().isEmpty(); }));
+    EXPECT_EQ(m_twitter->trends(), (QStringList { u"#tea"_s, u"b"_s }));
+    EXPECT_EQ(updates.count, 1);
+    EXPECT_EQ(m_site.requests().size(), 2);
+
+    m_site.answer("/trends.json", "[]");
+    m_twitter->updateTrends();
+    m_twitter->updateTrends();
+    ASSERT_TRUE(KRWaitUntil([&] { return updates.count == 2; }));
+    EXPECT_TRUE(m_twitter->trends().isEmpty());
+    EXPECT_EQ(m_site.requests().size(), 3) << "an empty list is a list";
+
+    m_twitter->updateTrends();
+    m_twitter.reset();
+    EXPECT_TRUE(KRWaitUntil([&] { return m_site.requests().size() == 4; }));
+    settle();
+    EXPECT_EQ(updates.count, 2);
 }

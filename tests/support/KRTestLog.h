@@ -26,6 +26,11 @@ public:
         std::scoped_lock guard(m_lock);
         return { m_lines.begin(), m_lines.end() };
     }
+    void clear()
+    {
+        std::scoped_lock guard(m_lock);
+        m_lines.clear();
+    }
     bool contains(const QString& text) const { return !lines().filter(text).isEmpty(); }
 
 private:

@@ -54,17 +54,35 @@ QByteArray KRTestSite::user(int id, const QByteArray& name)
         + "</screen_name></user>";
 }
 
+namespace {
+
+/// One minute per ID, so that a higher ID is a later post.
+QByteArray createdAt(int id)
+{
+    const QDateTime date = QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs(id * 60LL);
+    return "<created_at>"
+        + QLocale::c().toString(date, QStringLiteral("ddd MMM dd HH:mm:ss '+0000' yyyy")).toLatin1()
+        + "</created_at>";
+}
+
+} // namespace
+
+QByteArray KRTestSite::message(int id, const QByteArray& sender, const QByteArray& recipient)
+{
+    const auto person = [](const QByteArray& role, const QByteArray& name) {
+        return "<" + role + "><id>" + name + "0</id><screen_name>" + name + "</screen_name></" + role + ">";
+    };
+    return "<direct_message><id>" + QByteArray::number(id) + "</id><text>t</text>" + createdAt(id)
+        + person("sender", sender) + person("recipient", recipient) + "</direct_message>";
+}
+
 QByteArray
 KRTestSite::status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo)
 {
-    // One minute per ID, so that a higher ID is a later post.
-    const QDateTime date = QDateTime(QDate(2026, 11, 1), QTime(0, 0), Qt::UTC).addSecs(id * 60LL);
-    const QByteArray dateText
-        = QLocale::c().toString(date, QStringLiteral("ddd MMM dd HH:mm:ss '+0000' yyyy")).toLatin1();
     const auto userID = static_cast<int>(qHash(author, 0) % 1000 + 1);
-    return "<status><text>" + text + "</text><created_at>" + dateText + "</created_at><id>"
-        + QByteArray::number(id) + "</id><in_reply_to_status_id>" + inReplyTo + "</in_reply_to_status_id>"
-        + user(userID, author) + "</status>";
+    return "<status><text>" + text + "</text>" + createdAt(id) + "<id>" + QByteArray::number(id)
+        + "</id><in_reply_to_status_id>" + inReplyTo + "</in_reply_to_status_id>" + user(userID, author)
+        + "</status>";
 }
 
 QByteArray KRTestSite::statuses(const QList<QByteArray>& elements)

@@ -31,6 +31,8 @@ public:
     /// One "status" element in the form that sites send.
     static QByteArray
     status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo = {});
+    /// One "direct_message" element, as old as a status of that ID.
+    static QByteArray message(int id, const QByteArray& sender, const QByteArray& recipient);
     /// The document around elements.
     static QByteArray statuses(const QList<QByteArray>& elements);
     static QByteArray user(int id, const QByteArray& name);

@@ -1,5 +1,6 @@
 #include "model/records/TwitterDirectMessage.h"
 
+#include "model/records/TwitterRecordOrder.h"
 #include "model/records/TwitterRecordReading.h"
 #include "text/KRDateAdditions.h"
 #include "text/KRStringAdditions.h"
@@ -65,7 +66,7 @@ size_t TwitterDirectMessage::hashValue() const
 
 std::weak_ordering TwitterDirectMessage::compare(const TwitterDirectMessage& other) const
 {
-    return KRAdditions::compareDates(other.m_date, m_date);
+    return compareNewestFirst(m_date, m_messageID, other.m_date, other.m_messageID);
 }
 
 QString TwitterDirectMessage::description() const

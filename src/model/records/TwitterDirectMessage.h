@@ -51,7 +51,7 @@ public:
     /// The same object or ID.
     bool isEqual(const TwitterDirectMessage& other) const;
     size_t hashValue() const;
-    /// By date, the newest first; without a date last.
+    /// By date, the newest first; of one date the higher ID first. Without a date last.
     std::weak_ordering compare(const TwitterDirectMessage& other) const;
 
     /// For logs.

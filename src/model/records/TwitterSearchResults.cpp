@@ -22,15 +22,34 @@ public:
         const KRResult<void> parsed = KRJSONParser::parseData(data, _handler(&SearchReader::parseSearchJSON));
         if (parsed.isError())
             return parsed.error();
-        // Without an ID a status cannot be made definitive, without an author it cannot be shown.
-        m_statuses.removeIf([](const TwitterStatusPtr& status) {
-            return status->statusID().isNull() || !status->fromUser()
-                || status->fromUser()->username().isNull();
-        });
+        for (const TwitterStatusPtr& status : std::as_const(m_statuses))
+            _dropNobody(*status);
+        // The rest of a result may be what is missing of an answer that was cut.
+        if (!m_statuses.isEmpty() && !_endsAsItBegins(data) && !_isComplete(*m_statuses.last()))
+            m_statuses.removeLast();
         return std::move(m_statuses);
     }
 
 private:
+    static bool _endsAsItBegins(const QByteArray& data)
+    {
+        const QByteArrayView text = QByteArrayView(data).trimmed();
+        return (text.startsWith('{') && text.endsWith('}')) || (text.startsWith('[') && text.endsWith(']'));
+    }
+
+    static bool _isComplete(const TwitterStatus& status)
+    {
+        return !status.statusID().isNull() && status.fromUser() && !status.fromUser()->username().isNull();
+    }
+
+    // Of a picture alone nobody is known by.
+    static void _dropNobody(TwitterStatus& status)
+    {
+        const TwitterUserPtr& user = status.fromUser();
+        if (user && user->username().isNull() && user->userID().isNull())
+            status.setFromUser(nullptr);
+    }
+
     KRJSONParser::Handler _handler(void (SearchReader::*method)(KRJSONParser&))
     {
         return KRJSONParser::Handler::withFunction(

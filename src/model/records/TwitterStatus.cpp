@@ -1,6 +1,7 @@
 #include "model/records/TwitterStatus.h"
 
 #include "foundation/KRKeyedArchiver.h"
+#include "model/records/TwitterRecordOrder.h"
 #include "model/records/TwitterRecordReading.h"
 #include "text/KRDateAdditions.h"
 #include "text/KRStringAdditions.h"
@@ -106,7 +107,7 @@ size_t TwitterStatus::hashValue() const
 
 std::weak_ordering TwitterStatus::compare(const TwitterStatus& other) const
 {
-    return KRAdditions::compareDates(other.m_date, m_date);
+    return compareNewestFirst(m_date, m_statusID, other.m_date, other.m_statusID);
 }
 
 QString TwitterStatus::description() const

@@ -39,7 +39,8 @@ public:
     /// The "status" elements of a document, in its order.
     static KRResult<TwitterStatusList> statusesWithXML(const QByteArray& data);
     /// The results of a search, in the order of the answer: an object with "results", or an array of full
-    /// statuses. What is cut short gives those that came whole enough to be shown, with ID and author.
+    /// statuses. One without an author, or without an ID, is a result all the same, but for the last one of
+    /// an answer that is cut short.
     static KRResult<TwitterStatusList> statusesWithSearchJSON(const QByteArray& data);
 
     /// Archives the ID, which is all that outlives a run.
@@ -60,6 +61,7 @@ public:
     /// The date as the service wrote it; null for search results that are partial.
     const QString& originalDateString() const { return m_originalDateString; }
     void setOriginalDateString(const QString& string) { m_originalDateString = string; }
+    /// Null when the service did not say; so it is with some search results.
     const TwitterUserPtr& fromUser() const { return m_fromUser; }
     void setFromUser(TwitterUserPtr user) { m_fromUser = std::move(user); }
     /// Null for a status that answers none.
@@ -87,7 +89,7 @@ public:
     /// The same object or ID.
     bool isEqual(const TwitterStatus& other) const;
     size_t hashValue() const;
-    /// By date, the newest first; without a date last.
+    /// By date, the newest first; of one date the higher ID first. Without a date last.
     std::weak_ordering compare(const TwitterStatus& other) const;
 
     /// For logs.

@@ -108,10 +108,6 @@ void TwitterUniquingTables::_replaceUser(const TwitterUserPtr& user, const Twitt
         if (message->recipient() == user)
             message->setRecipient(replacement);
     }
-    for (TwitterUserPtr& holder : m_usersByUsername) {
-        if (holder == user)
-            holder = replacement;
-    }
     // Whoever else still holds it shows the person's data all the same.
     user->assimilateUser(*replacement);
 }

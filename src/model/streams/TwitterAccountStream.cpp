@@ -25,22 +25,39 @@ TwitterStatusPtr TwitterAccountStream::newestStatusThatIsNotMine() const
     return found == stored.end() ? nullptr : *found;
 }
 
+KRResult<void> TwitterAccountStream::_mayLoad() const
+{
+    if (m_account.expired())
+        return noAccountError();
+    return {};
+}
+
+template <class Send>
+void TwitterAccountStream::_load(const KRCallback<TwitterStatusList>& callback, Send send) const
+{
+    const std::shared_ptr<TwitterStreamAccount> account = m_account.lock();
+    const KRResult<void> allowed = _mayLoad();
+    if (allowed.isError())
+        callback.invoke(allowed.error());
+    else
+        send(*account->authenticatedRequest(callback));
+}
+
 void TwitterAccountStream::_loadNewer()
 {
-    const KRCallback<TwitterStatusList> callback = loadNewerResponseCallback();
-    if (const std::shared_ptr<TwitterStreamAccount> account = m_account.lock())
-        _requestNewer(*account->authenticatedRequest(callback));
-    else
-        callback.invoke(noAccountError());
+    _load(loadNewerResponseCallback(),
+        [this](TwitterStatusesOperations& request) { _requestNewer(request); });
 }
 
 void TwitterAccountStream::_loadOlder()
 {
-    const KRCallback<TwitterStatusList> callback = loadOlderResponseCallback();
-    if (const std::shared_ptr<TwitterStreamAccount> account = m_account.lock())
-        _requestOlder(*account->authenticatedRequest(callback));
-    else
-        callback.invoke(noAccountError());
+    _load(loadOlderResponseCallback(),
+        [this](TwitterStatusesOperations& request) { _requestOlder(request); });
+}
+
+void TwitterAccountStream::_loadBelow(const QString& maxID, const KRCallback<TwitterStatusList>& callback)
+{
+    _load(callback, [&](TwitterStatusesOperations& request) { _requestBelow(request, maxID); });
 }
 
 void TwitterAccountStream::_requestNewer(TwitterStatusesOperations&)
@@ -48,7 +65,12 @@ void TwitterAccountStream::_requestNewer(TwitterStatusesOperations&)
     KRLog(QStringLiteral("subclasses must implement"));
 }
 
-void TwitterAccountStream::_requestOlder(TwitterStatusesOperations&)
+void TwitterAccountStream::_requestOlder(TwitterStatusesOperations& request)
+{
+    _requestBelow(request, oldestStatusID());
+}
+
+void TwitterAccountStream::_requestBelow(TwitterStatusesOperations&, const QString&)
 {
     KRLog(QStringLiteral("subclasses must implement"));
 }
@@ -58,9 +80,9 @@ void TwitterTimelineStream::_requestNewer(TwitterStatusesOperations& request)
     request.friendsTimelineSinceID(newestStatusID(), {}, TwitterAPIMaxCount, {});
 }
 
-void TwitterTimelineStream::_requestOlder(TwitterStatusesOperations& request)
+void TwitterTimelineStream::_requestBelow(TwitterStatusesOperations& request, const QString& maxID)
 {
-    request.friendsTimelineSinceID({}, oldestStatusID(), TwitterAPIMaxCount, {});
+    request.friendsTimelineSinceID({}, maxID, TwitterAPIMaxCount, {});
 }
 
 void TwitterRepliesStream::_requestNewer(TwitterStatusesOperations& request)
@@ -68,7 +90,7 @@ void TwitterRepliesStream::_requestNewer(TwitterStatusesOperations& request)
     request.repliesSinceID(newestStatusID(), {}, {});
 }
 
-void TwitterRepliesStream::_requestOlder(TwitterStatusesOperations& request)
+void TwitterRepliesStream::_requestBelow(TwitterStatusesOperations& request, const QString& maxID)
 {
-    request.repliesSinceID({}, oldestStatusID(), {});
+    request.repliesSinceID({}, maxID, {});
 }

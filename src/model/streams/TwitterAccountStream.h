@@ -4,7 +4,7 @@
 #include "model/streams/TwitterStreamAccount.h"
 
 /// A stream that loads with an account's credentials. A load without an account, or after the account has
-/// gone, ends at once and changes nothing.
+/// gone, ends at once and changes nothing. Main thread, as its base.
 class TwitterAccountStream : public TwitterConcreteStatusesStream {
 public:
     using TwitterConcreteStatusesStream::TwitterConcreteStatusesStream;
@@ -19,12 +19,19 @@ public:
 protected:
     void _loadNewer() override;
     void _loadOlder() override;
+    void _loadBelow(const QString& maxID, const KRCallback<TwitterStatusList>& callback) override;
 
-    /// Send the request of a load as one operation.
+    /// The error a load ends with at once, when there is nobody to ask for.
+    [[nodiscard]] virtual KRResult<void> _mayLoad() const;
+    /// Send the request of a load as one operation. The older page is the one below the oldest status.
     virtual void _requestNewer(TwitterStatusesOperations& request);
     virtual void _requestOlder(TwitterStatusesOperations& request);
+    virtual void _requestBelow(TwitterStatusesOperations& request, const QString& maxID);
 
 private:
+    template <class Send>
+    void _load(const KRCallback<TwitterStatusList>& callback, Send send) const;
+
     // An account owns its streams.
     std::weak_ptr<TwitterStreamAccount> m_account;
 };
@@ -35,8 +42,10 @@ public:
     using TwitterAccountStream::TwitterAccountStream;
 
 private:
+    [[nodiscard]] bool _canLoadBelow() const override { return true; }
+    [[nodiscard]] qsizetype _pageCount() const override { return TwitterAPIMaxCount; }
     void _requestNewer(TwitterStatusesOperations& request) override;
-    void _requestOlder(TwitterStatusesOperations& request) override;
+    void _requestBelow(TwitterStatusesOperations& request, const QString& maxID) override;
 };
 
 /// The mentions.
@@ -45,6 +54,7 @@ public:
     using TwitterAccountStream::TwitterAccountStream;
 
 private:
+    [[nodiscard]] bool _canLoadBelow() const override { return true; }
     void _requestNewer(TwitterStatusesOperations& request) override;
-    void _requestOlder(TwitterStatusesOperations& request) override;
+    void _requestBelow(TwitterStatusesOperations& request, const QString& maxID) override;
 };

@@ -12,6 +12,16 @@
 
 namespace {
 
+QStringList idsOf(const TwitterStatusList& statuses)
+{
+    QStringList ids;
+    for (const TwitterStatusPtr& status : statuses) {
+        if (!status->statusID().isNull())
+            ids.append(status->statusID());
+    }
+    return ids;
+}
+
 bool hasStatusID(const TwitterStatusPtr& status)
 {
     return !status->statusID().isNull();
@@ -35,9 +45,16 @@ TwitterConcreteStatusesStream::TwitterConcreteStatusesStream(std::shared_ptr<Twi
 TwitterStatusList TwitterConcreteStatusesStream::statuses() const
 {
     TwitterStatusList rows;
-    rows.reserve(m_statuses.size() + 2);
     rows.append(dummyDated<TwitterDummyHeaderStatus>(KRDistantFuture()));
-    rows.append(m_statuses);
+    for (const TwitterStatusPtr& status : m_statuses) {
+        const TwitterStreamGaps::Gap* const gap
+            = m_gaps.isEmpty() ? nullptr : m_gaps.gapAbove(status->statusID());
+        if (gap && gap->isShown) {
+            rows.append(std::make_shared<TwitterDummyMissingStatus>(gap->belowID, gap->isLoading));
+            rows.last()->setDate(status->date());
+        }
+        rows.append(status);
+    }
     rows.append(m_isAtEnd ? dummyDated<TwitterDummyEndOfStreamStatus>(KRDistantPast())
                           : dummyDated<TwitterDummyLoadingStatus>(KRDistantPast()));
     return rows;
@@ -46,6 +63,17 @@ TwitterStatusList TwitterConcreteStatusesStream::statuses() const
 void TwitterConcreteStatusesStream::setStatuses(const TwitterStatusList& statuses)
 {
     m_statuses = statuses;
+    if (!m_gaps.isEmpty()) {
+        const QStringList ids = idsOf(m_statuses);
+        m_gaps.keepAbove([&ids](const QString& id) { return ids.contains(id); });
+    }
+    _postDidUpdate();
+}
+
+void TwitterConcreteStatusesStream::_postDidUpdate()
+{
+    // Whoever hears of it may remove the account that owns the stream.
+    const auto self = shared_from_this();
     KRNotificationCenter::defaultCenter().post(TwitterStreamDidUpdateNotification { this });
 }
 
@@ -61,6 +89,21 @@ void TwitterConcreteStatusesStream::loadOlder()
         _loadOlder();
 }
 
+void TwitterConcreteStatusesStream::loadMissing(const TwitterDummyMissingStatus& row)
+{
+    if (!m_gaps.beginLoading(row.belowID()))
+        return;
+    _loadGap(row.belowID());
+    _postDidUpdate();
+}
+
+void TwitterConcreteStatusesStream::_loadGap(const QString& belowID)
+{
+    if (const TwitterStreamGaps::Gap* const gap = m_gaps.gapAbove(belowID))
+        _loadBelow(gap->aboveID,
+            Callback(shared_from_this(), &TwitterConcreteStatusesStream::loadMissingResponse, belowID));
+}
+
 void TwitterConcreteStatusesStream::_loadNewer()
 {
     KRLog(QStringLiteral("subclasses must implement"));
@@ -73,7 +116,7 @@ void TwitterConcreteStatusesStream::_loadOlder()
 
 KRCallback<TwitterStatusList> TwitterConcreteStatusesStream::loadNewerResponseCallback()
 {
-    return Callback(shared_from_this(), &TwitterConcreteStatusesStream::loadNewerResponse);
+    return Callback(shared_from_this(), &TwitterConcreteStatusesStream::loadNewerResponse, newestStatusID());
 }
 
 KRCallback<TwitterStatusList> TwitterConcreteStatusesStream::loadOlderResponseCallback()
@@ -114,40 +157,103 @@ void TwitterConcreteStatusesStream::markAtEnd()
 void TwitterConcreteStatusesStream::_markAtEnd()
 {
     m_isAtEnd = true;
-    KRNotificationCenter::defaultCenter().post(TwitterStreamDidUpdateNotification { this });
+    _postDidUpdate();
 }
 
-void TwitterConcreteStatusesStream::loadNewerResponse(KRResult<TwitterStatusList> response)
+void TwitterConcreteStatusesStream::loadNewerResponse(const Response& response, const QString& newestKnownID)
 {
     m_isLoadingNewer = false;
-    statusesResponse(response);
+    if (response.isError())
+        _postError(response.error());
+    else
+        mainThreadProxy(shared_from_this())
+            .perform(&TwitterConcreteStatusesStream::_addNewer, response.value(), newestKnownID);
 }
 
-void TwitterConcreteStatusesStream::loadOlderResponse(KRResult<TwitterStatusList> response)
+void TwitterConcreteStatusesStream::loadOlderResponse(const Response& response)
 {
     m_isLoadingOlder = false;
     if (response.isError() || response.value().size() <= largestLastPage)
         markAtEnd();
-    statusesResponse(response);
+    if (response.isError())
+        _postError(response.error());
+    else
+        mainThreadProxy(shared_from_this())
+            .perform(&TwitterConcreteStatusesStream::_addOlder, response.value());
 }
 
-void TwitterConcreteStatusesStream::statusesResponse(const KRResult<TwitterStatusList>& response)
+void TwitterConcreteStatusesStream::loadMissingResponse(const Response& response, const QString& belowID)
 {
-    if (response.isError()) {
-        KRNotificationCenter::defaultCenter().post(TwitterStreamErrorNotification { this, response.error() });
+    const auto proxy = mainThreadProxy(shared_from_this());
+    if (!response.isError()) {
+        proxy.perform(&TwitterConcreteStatusesStream::_addMissing, response.value(), belowID);
         return;
     }
-    mainThreadProxy(shared_from_this())
-        .perform(&TwitterConcreteStatusesStream::addStatuses, response.value());
+    proxy.perform(&TwitterConcreteStatusesStream::_failMissing, belowID);
+    _postError(response.error());
+}
+
+void TwitterConcreteStatusesStream::_postError(const KRError& error)
+{
+    const auto self = shared_from_this();
+    KRNotificationCenter::defaultCenter().post(TwitterStreamErrorNotification { this, error });
+}
+
+void TwitterConcreteStatusesStream::_addNewer(const TwitterStatusList& statuses, const QString& newestKnownID)
+{
+    const bool hasGap
+        = _canLoadBelow() && m_gaps.openBelow(idsOf(statuses), statuses.size(), newestKnownID, _pageCount());
+    addStatuses(statuses);
+    if (hasGap)
+        _loadGap(newestKnownID);
+}
+
+void TwitterConcreteStatusesStream::_addOlder(const TwitterStatusList& statuses)
+{
+    m_gaps.notePage(statuses.size());
+    addStatuses(statuses);
+}
+
+void TwitterConcreteStatusesStream::_addMissing(const TwitterStatusList& statuses, const QString& belowID)
+{
+    const bool goesOn = m_gaps.addPage(idsOf(statuses), statuses.size(), belowID);
+    addStatuses(statuses);
+    if (goesOn)
+        _loadGap(belowID);
+}
+
+void TwitterConcreteStatusesStream::_failMissing(const QString& belowID)
+{
+    m_gaps.fail(belowID);
+    _postDidUpdate();
+}
+
+bool TwitterConcreteStatusesStream::_isKnownWithoutID(const TwitterStatus& status) const
+{
+    const auto nameOf = [](const TwitterStatus& one) {
+        return one.fromUser() ? one.fromUser()->lowercaseUsername() : QString();
+    };
+    return status.statusID().isNull() && status.isNotADummyStatus()
+        && std::any_of(m_statuses.begin(), m_statuses.end(), [&](const TwitterStatusPtr& one) {
+               return one->statusID().isNull() && one->date() == status.date() && one->text() == status.text()
+                   && nameOf(*one) == nameOf(status);
+           });
 }
 
 void TwitterConcreteStatusesStream::addStatuses(const TwitterStatusList& statuses)
 {
     const TwitterStatusList definitive = m_tables->definitiveStatuses(statuses);
     TwitterStatusList merged = m_statuses;
-    merged.append(KRAdditions::mapFunction(definitive, FilterWithUserDefaults));
+    for (const TwitterStatusPtr& status : KRAdditions::mapFunction(definitive, FilterWithUserDefaults)) {
+        // What has no ID is equal to nothing else, and would come again with every load.
+        if (!_isKnownWithoutID(*status))
+            merged.append(status);
+    }
     merged = KRAdditions::sortedArray(KRAdditions::arrayWithoutDuplicates(merged));
-    if (merged.size() > maximumStatuses)
+    if (merged.size() > maximumStatuses) {
         merged.resize(statusesAfterCut);
+        // There is no room for anything older.
+        m_isAtEnd = true;
+    }
     setStatuses(merged);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/streams/TwitterStream.h"
+#include "model/streams/TwitterStreamGaps.h"
 #include "transport/KRCallback.h"
 
 #include <atomic>
@@ -11,6 +12,10 @@ class TwitterUniquingTables;
 /// A stream with its statuses: loading and paging state, merging, and the rows around the posts. Made with
 /// KRMakeMainThreadObject, since a response may hold the last reference. Main thread, but for the responses
 /// and markAtEnd(), which come on the background thread; what they touch is atomic.
+///
+/// A full page of newer posts may not reach the newest one known: a stream whose service can be asked from an
+/// ID down then goes on below the page until it meets that post, or the list is full. Where that fails a
+/// TwitterDummyMissingStatus stands.
 class TwitterConcreteStatusesStream : public TwitterStream,
                                       public std::enable_shared_from_this<TwitterConcreteStatusesStream> {
 public:
@@ -19,12 +24,13 @@ public:
     /// ... to this one.
     static constexpr qsizetype statusesAfterCut = 499;
     /// An older page with so many statuses or fewer was the last one.
-    static constexpr qsizetype largestLastPage = 18;
+    static constexpr qsizetype largestLastPage = TwitterStreamGaps::largestLastPage;
 
     explicit TwitterConcreteStatusesStream(std::shared_ptr<TwitterUniquingTables> tables);
 
-    /// The rows to show: a header, the statuses, and at the bottom the end of the stream or a row that stands
-    /// for what can still be loaded. The rows that are no posts are made afresh by every call.
+    /// The rows to show: a header, the statuses with the places where some are missing, and at the bottom the
+    /// end of the stream or a row that stands for what can still be loaded. The rows that are no posts are
+    /// made afresh by every call.
     [[nodiscard]] TwitterStatusList statuses() const override;
     /// The posts alone, newest first.
     [[nodiscard]] const TwitterStatusList& storedStatuses() const { return m_statuses; }
@@ -35,6 +41,7 @@ public:
     void loadNewer() override;
     /// Asks for what is older than the oldest status. Ignored while such a load runs, and at the end.
     void loadOlder() override;
+    void loadMissing(const TwitterDummyMissingStatus& row) override;
 
     [[nodiscard]] bool isLoadingNewer() const { return m_isLoadingNewer; }
     [[nodiscard]] bool isLoadingOlder() const { return m_isLoadingOlder; }
@@ -50,26 +57,43 @@ public:
     /// Any thread.
     void markAtEnd();
 
-    /// Merges a page into the list: definitive records, the user's filter, no duplicates, newest first, cut.
+    /// Merges a page into the list: definitive records, the user's filter, no duplicates, newest first. A
+    /// list that is cut is full, and at its end.
     void addStatuses(const TwitterStatusList& statuses);
 
 protected:
     /// Issue the request of a load, with one of the callbacks below.
     virtual void _loadNewer();
     virtual void _loadOlder();
+    /// Whether pages can be asked for from an ID down; how many statuses are asked for with a page, 0 when
+    /// the service decides; and asking for such a page.
+    [[nodiscard]] virtual bool _canLoadBelow() const { return false; }
+    [[nodiscard]] virtual qsizetype _pageCount() const { return 0; }
+    virtual void _loadBelow(const QString& /*maxID*/, const KRCallback<TwitterStatusList>& /*callback*/) { }
     [[nodiscard]] KRCallback<TwitterStatusList> loadNewerResponseCallback();
     [[nodiscard]] KRCallback<TwitterStatusList> loadOlderResponseCallback();
 
     [[nodiscard]] const std::shared_ptr<TwitterUniquingTables>& tables() const { return m_tables; }
 
 private:
-    void loadNewerResponse(KRResult<TwitterStatusList> response);
-    void loadOlderResponse(KRResult<TwitterStatusList> response);
-    void statusesResponse(const KRResult<TwitterStatusList>& response);
+    using Response = KRResult<TwitterStatusList>;
+
+    void loadNewerResponse(const Response& response, const QString& newestKnownID);
+    void loadOlderResponse(const Response& response);
+    void loadMissingResponse(const Response& response, const QString& belowID);
+    void _postError(const KRError& error);
+    void _addNewer(const TwitterStatusList& statuses, const QString& newestKnownID);
+    void _addOlder(const TwitterStatusList& statuses);
+    void _addMissing(const TwitterStatusList& statuses, const QString& belowID);
+    void _failMissing(const QString& belowID);
+    void _loadGap(const QString& belowID);
+    [[nodiscard]] bool _isKnownWithoutID(const TwitterStatus& status) const;
+    void _postDidUpdate();
     void _markAtEnd();
 
     std::shared_ptr<TwitterUniquingTables> m_tables;
     TwitterStatusList m_statuses;
+    TwitterStreamGaps m_gaps;
     std::atomic<bool> m_isLoadingNewer = false;
     std::atomic<bool> m_isLoadingOlder = false;
     std::atomic<bool> m_isAtEnd = false;

@@ -55,14 +55,10 @@ void TwitterConversationStream::_stopAtError(const KRError& error)
 void TwitterConversationStream::handleStatus(const TwitterStatusPtr& status)
 {
     addStatuses({ status });
-    if (!status->isNotADummyStatus())
-        return;
-    // A status that the filter dropped, or that is dated after the one that answers it, leads nowhere.
-    const TwitterStatusPtr oldest = oldestStatus();
-    if (oldest && oldest->isEqual(*status))
+    // After a status that the filter dropped, or that is dated after the one that answers it, the oldest one
+    // is the same as before, and the chain has come back to where it was.
+    if (status->isNotADummyStatus())
         getNext();
-    else
-        markAtEnd();
 }
 
 std::shared_ptr<TwitterConversationStream> TwitterConversationStream::_self()

@@ -5,7 +5,7 @@
 #include <QSet>
 
 /// The chain of statuses that a status answers, followed one by one up to its start. A step that fails shows
-/// as an error row at the bottom.
+/// as an error row at the bottom. Main thread, but for gotNext(), which is called where the answer comes.
 class TwitterConversationStream final : public TwitterAccountStream {
 public:
     using TwitterAccountStream::TwitterAccountStream;

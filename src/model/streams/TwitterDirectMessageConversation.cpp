@@ -3,7 +3,6 @@
 #include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterStreamAccount.h"
 #include "text/KRArrayAdditions.h"
-#include "text/KRDateAdditions.h"
 
 #include <algorithm>
 
@@ -64,9 +63,9 @@ void TwitterDirectMessageConversation::endAddingMessages()
 std::weak_ordering TwitterDirectMessageConversation::compare(
     const TwitterDirectMessageConversation& other) const
 {
-    const auto dateOf = [](const TwitterDirectMessageConversation& conversation) {
-        const TwitterDirectMessagePtr message = conversation.mostRecentMessage();
-        return message ? message->date() : QDateTime();
-    };
-    return KRAdditions::compareDates(dateOf(other), dateOf(*this));
+    const TwitterDirectMessagePtr message = mostRecentMessage();
+    const TwitterDirectMessagePtr otherMessage = other.mostRecentMessage();
+    if (message && otherMessage)
+        return message->compare(*otherMessage);
+    return (otherMessage != nullptr) <=> (message != nullptr);
 }

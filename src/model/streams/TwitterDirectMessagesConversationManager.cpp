@@ -100,6 +100,8 @@ void TwitterDirectMessagesConversationManager::sentDidUpdate()
 void TwitterDirectMessagesConversationManager::addMessages(const TwitterDirectMessageList& messages,
     FromMe fromMe)
 {
+    // Whoever hears of an update may remove the account that owns all this.
+    const auto self = shared_from_this();
     for (const TwitterDirectMessageConversationPtr& conversation : std::as_const(m_conversations))
         conversation->beginAddingMessages();
     ConversationIndex index(m_conversations);

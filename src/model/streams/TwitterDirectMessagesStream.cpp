@@ -5,6 +5,8 @@
 #include "model/records/TwitterUniquingTables.h"
 #include "text/KRArrayAdditions.h"
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -14,6 +16,16 @@ KRError noAccountError()
     return errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain),
         -1,
         u"There is no account to load with"_s);
+}
+
+QStringList idsOf(const TwitterDirectMessageList& messages)
+{
+    QStringList ids;
+    for (const TwitterDirectMessagePtr& message : messages) {
+        if (!message->messageID().isNull())
+            ids.append(message->messageID());
+    }
+    return ids;
 }
 
 } // namespace
@@ -28,6 +40,8 @@ TwitterDirectMessagesStream::TwitterDirectMessagesStream(std::shared_ptr<Twitter
 void TwitterDirectMessagesStream::setMessages(const TwitterDirectMessageList& messages)
 {
     m_messages = messages;
+    // Whoever hears of it may remove the account that owns the stream.
+    const auto self = shared_from_this();
     KRNotificationCenter::defaultCenter().post(TwitterStreamDidUpdateNotification { this });
 }
 
@@ -41,8 +55,19 @@ QString TwitterDirectMessagesStream::oldestMessageID() const
     return m_messages.isEmpty() ? QString() : m_messages.last()->messageID();
 }
 
+bool TwitterDirectMessagesStream::isMissingMessages() const
+{
+    const QList<TwitterStreamGaps::Gap>& gaps = m_gaps.gaps();
+    return std::any_of(gaps.begin(), gaps.end(), [](const auto& gap) { return gap.isShown; });
+}
+
 void TwitterDirectMessagesStream::loadNewer()
 {
+    const QList<TwitterStreamGaps::Gap> gaps = m_gaps.gaps();
+    for (const TwitterStreamGaps::Gap& gap : gaps) {
+        if (m_gaps.beginLoading(gap.belowID))
+            _loadGap(gap.belowID);
+    }
     if (!m_isLoadingNewer.exchange(true))
         _loadNewer();
 }
@@ -57,7 +82,7 @@ void TwitterDirectMessagesStream::_loadNewer()
 {
     const KRCallback<TwitterDirectMessageList> callback = loadNewerResponseCallback();
     if (const std::shared_ptr<TwitterStreamAccount> account = m_account.lock())
-        _request(*account->authenticatedRequest(callback), newestMessageID(), {});
+        _request(*account->authenticatedRequest(callback), newestMessageID(), {}, {});
     else
         callback.invoke(noAccountError());
 }
@@ -70,13 +95,26 @@ void TwitterDirectMessagesStream::_loadOlder()
         callback.invoke(noAccountError());
         return;
     }
-    _request(*account->authenticatedRequest(callback), {}, m_page);
+    _request(*account->authenticatedRequest(callback), {}, {}, m_page);
     ++m_page;
+}
+
+void TwitterDirectMessagesStream::_loadGap(const QString& belowID)
+{
+    const TwitterStreamGaps::Gap* const gap = m_gaps.gapAbove(belowID);
+    if (!gap)
+        return;
+    const auto callback
+        = Callback(shared_from_this(), &TwitterDirectMessagesStream::loadMissingResponse, belowID);
+    if (const std::shared_ptr<TwitterStreamAccount> account = m_account.lock())
+        _request(*account->authenticatedRequest(callback), {}, gap->aboveID, {});
+    else
+        callback.invoke(noAccountError());
 }
 
 KRCallback<TwitterDirectMessageList> TwitterDirectMessagesStream::loadNewerResponseCallback()
 {
-    return Callback(shared_from_this(), &TwitterDirectMessagesStream::loadNewerResponse);
+    return Callback(shared_from_this(), &TwitterDirectMessagesStream::loadNewerResponse, newestMessageID());
 }
 
 KRCallback<TwitterDirectMessageList> TwitterDirectMessagesStream::loadOlderResponseCallback()
@@ -84,10 +122,14 @@ KRCallback<TwitterDirectMessageList> TwitterDirectMessagesStream::loadOlderRespo
     return Callback(shared_from_this(), &TwitterDirectMessagesStream::loadOlderResponse);
 }
 
-void TwitterDirectMessagesStream::loadNewerResponse(const Response& response)
+void TwitterDirectMessagesStream::loadNewerResponse(const Response& response, const QString& newestKnownID)
 {
     m_isLoadingNewer = false;
-    messagesResponse(response);
+    if (response.isError())
+        _postError(response.error());
+    else
+        mainThreadProxy(shared_from_this())
+            .perform(&TwitterDirectMessagesStream::_addNewer, response.value(), newestKnownID);
 }
 
 void TwitterDirectMessagesStream::loadOlderResponse(const Response& response)
@@ -95,17 +137,58 @@ void TwitterDirectMessagesStream::loadOlderResponse(const Response& response)
     m_isLoadingOlder = false;
     if (response.isError() || response.value().size() <= largestLastPage)
         m_isAtEnd = true;
-    messagesResponse(response);
+    if (response.isError())
+        _postError(response.error());
+    else
+        mainThreadProxy(shared_from_this())
+            .perform(&TwitterDirectMessagesStream::_addOlder, response.value());
 }
 
-void TwitterDirectMessagesStream::messagesResponse(const Response& response)
+void TwitterDirectMessagesStream::loadMissingResponse(const Response& response, const QString& belowID)
 {
-    if (response.isError()) {
-        KRLog(u"messages response error %1"_s.arg(response.error().description));
-        KRNotificationCenter::defaultCenter().post(TwitterStreamErrorNotification { this, response.error() });
+    const auto proxy = mainThreadProxy(shared_from_this());
+    if (!response.isError()) {
+        proxy.perform(&TwitterDirectMessagesStream::_addMissing, response.value(), belowID);
         return;
     }
-    mainThreadProxy(shared_from_this()).perform(&TwitterDirectMessagesStream::addMessages, response.value());
+    proxy.perform(&TwitterDirectMessagesStream::_failMissing, belowID);
+    _postError(response.error());
+}
+
+void TwitterDirectMessagesStream::_postError(const KRError& error)
+{
+    const auto self = shared_from_this();
+    KRLog(u"messages response error %1"_s.arg(error.description));
+    KRNotificationCenter::defaultCenter().post(TwitterStreamErrorNotification { this, error });
+}
+
+void TwitterDirectMessagesStream::_addNewer(const TwitterDirectMessageList& messages,
+    const QString& newestKnownID)
+{
+    const bool hasGap = m_gaps.openBelow(idsOf(messages), messages.size(), newestKnownID, 0);
+    addMessages(messages);
+    if (hasGap)
+        _loadGap(newestKnownID);
+}
+
+void TwitterDirectMessagesStream::_addOlder(const TwitterDirectMessageList& messages)
+{
+    m_gaps.notePage(messages.size());
+    addMessages(messages);
+}
+
+void TwitterDirectMessagesStream::_addMissing(const TwitterDirectMessageList& messages,
+    const QString& belowID)
+{
+    const bool goesOn = m_gaps.addPage(idsOf(messages), messages.size(), belowID);
+    addMessages(messages);
+    if (goesOn)
+        _loadGap(belowID);
+}
+
+void TwitterDirectMessagesStream::_failMissing(const QString& belowID)
+{
+    m_gaps.fail(belowID);
 }
 
 void TwitterDirectMessagesStream::addMessages(const TwitterDirectMessageList& messages)
@@ -117,14 +200,16 @@ void TwitterDirectMessagesStream::addMessages(const TwitterDirectMessageList& me
 
 void TwitterReceivedDirectMessagesStream::_request(TwitterDirectMessagesOperations& request,
     const QString& sinceID,
+    const QString& maxID,
     std::optional<int> page)
 {
-    request.directMessagesSinceID(sinceID, {}, page);
+    request.directMessagesSinceID(sinceID, maxID, page);
 }
 
 void TwitterSentDirectMessagesStream::_request(TwitterDirectMessagesOperations& request,
     const QString& sinceID,
+    const QString& maxID,
     std::optional<int> page)
 {
-    request.sentDirectMessagesSinceID(sinceID, {}, page);
+    request.sentDirectMessagesSinceID(sinceID, maxID, page);
 }

@@ -4,7 +4,7 @@
 #include "model/streams/TwitterConcreteStatusesStream.h"
 
 /// The results of one search, which needs no account. The first older page is page 1, which the service
-/// answers with what the newest load held already; merging drops what is known.
+/// answers with what the newest load held already; merging drops what is known. Main thread, as its base.
 class TwitterSearchStream final : public TwitterConcreteStatusesStream {
 public:
     TwitterSearchStream(std::shared_ptr<TwitterUniquingTables> tables, TwitterServiceHosts hosts);

@@ -4,10 +4,24 @@
 #include "text/KRStringAdditions.h"
 
 #include <algorithm>
+#include <optional>
+
+namespace {
+
+std::optional<QStringList> s_filterTerms;
+
+} // namespace
+
+void ReadFilterTerms(const KRUserDefaults& defaults)
+{
+    s_filterTerms = defaults.stringListForKey("filterTerms");
+}
 
 TwitterStatusPtr FilterWithUserDefaults(const TwitterStatusPtr& status)
 {
-    static const QStringList terms = KRUserDefaults::standardUserDefaults().stringListForKey("filterTerms");
+    if (!s_filterTerms)
+        ReadFilterTerms(KRUserDefaults::standardUserDefaults());
+    const QStringList& terms = *s_filterTerms;
     const bool isFiltered = std::any_of(terms.begin(), terms.end(), [&status](const QString& term) {
         return !term.isEmpty() && KRAdditions::containsSubstringIgnoringCase(status->text(), term);
     });

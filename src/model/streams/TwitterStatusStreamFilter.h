@@ -8,12 +8,16 @@
 
 #include <memory>
 
-/// The user's own filter: null for a status whose text contains one of the terms under the defaults key
-/// "filterTerms", whatever their case, else the status. The terms are read at the first call and kept for the
-/// run; an empty term filters nothing.
-TwitterStatusPtr FilterWithUserDefaults(const TwitterStatusPtr& status);
+class KRUserDefaults;
 
-/// A test of statuses. This one accepts every status.
+/// The user's own filter: null for a status whose text contains one of the terms under the defaults key
+/// "filterTerms", whatever their case, else the status; an empty term filters nothing. The terms are read
+/// once and kept for the run: by ReadFilterTerms(), or at the first call from the standard defaults. Main
+/// thread.
+TwitterStatusPtr FilterWithUserDefaults(const TwitterStatusPtr& status);
+void ReadFilterTerms(const KRUserDefaults& defaults);
+
+/// A test of statuses. This one accepts every status. Filters are used on the main thread.
 class TwitterStatusStreamFilter {
 public:
     TwitterStatusStreamFilter() = default;

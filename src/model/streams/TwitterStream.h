@@ -3,6 +3,8 @@
 #include "foundation/KRError.h"
 #include "model/records/TwitterStatus.h"
 
+class TwitterDummyMissingStatus;
+
 /// Whatever loads from both ends and tells of it: streams of statuses, and those of direct messages.
 class TwitterLoadingStream {
 public:
@@ -19,7 +21,8 @@ struct TwitterStreamDidUpdateNotification {
     const TwitterLoadingStream* object = nullptr;
 };
 
-/// A load failed. Posted on the thread that delivers the response, which is the background thread.
+/// A load failed. Posted on the thread that delivers the response: the background thread, or the main one
+/// when there was nobody to ask for and nothing was sent.
 struct TwitterStreamErrorNotification {
     static constexpr char name[] = "TwitterStreamErrorNotification";
     const TwitterLoadingStream* object = nullptr;
@@ -27,11 +30,14 @@ struct TwitterStreamErrorNotification {
 };
 
 /// An ordered list of statuses, newest first, that grows at both ends. This base only says what a stream can
-/// be asked; its operations do nothing but log that.
+/// be asked; its operations do nothing but log that. Main thread.
 class TwitterStream : public TwitterLoadingStream {
 public:
     virtual void loadOlder();
     virtual void loadNewer();
+    /// Loads what is missing where the row stands; nothing happens while that is on its way, or for a row
+    /// that the stream no longer shows. Streams without such rows need not have it.
+    virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }
     virtual void setStatuses(const TwitterStatusList& statuses);
     [[nodiscard]] virtual TwitterStatusList statuses() const;
 };

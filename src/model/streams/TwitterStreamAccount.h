@@ -4,7 +4,7 @@
 #include "model/records/TwitterDirectMessage.h"
 #include "model/records/TwitterStatus.h"
 
-/// What a stream asks of the account whose credentials it loads with.
+/// What a stream asks of the account whose credentials it loads with. Main thread.
 class TwitterStreamAccount {
 public:
     TwitterStreamAccount() = default;

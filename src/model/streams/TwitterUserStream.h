@@ -3,7 +3,8 @@
 #include "model/records/TwitterUser.h"
 #include "model/streams/TwitterAccountStream.h"
 
-/// A stream of what belongs to one user.
+/// A stream of what belongs to one user, who is asked for by ID, or by screen name when there is none. A load
+/// without a user ends at once. Main thread, as its base.
 class TwitterUserStream : public TwitterAccountStream {
 public:
     using TwitterAccountStream::TwitterAccountStream;
@@ -12,7 +13,8 @@ public:
     void setUser(const TwitterUserPtr& user) { m_user = user; }
 
 protected:
-    [[nodiscard]] QString _userID() const;
+    /// Without either of them the service would answer with what is the account's own.
+    [[nodiscard]] KRResult<void> _mayLoad() const override;
 
 private:
     // The uniquing tables keep every user alive.
@@ -28,8 +30,11 @@ public:
     static constexpr int pageCount = 40;
 
 private:
+    [[nodiscard]] bool _canLoadBelow() const override { return true; }
+    [[nodiscard]] qsizetype _pageCount() const override { return pageCount; }
     void _requestNewer(TwitterStatusesOperations& request) override;
-    void _requestOlder(TwitterStatusesOperations& request) override;
+    void _requestBelow(TwitterStatusesOperations& request, const QString& maxID) override;
+    void _request(TwitterStatusesOperations& request, const QString& sinceID, const QString& maxID);
 };
 
 /// One user's favourites. The first older page is page 1, which the service answers with what page 0 held
@@ -41,6 +46,7 @@ public:
 private:
     void _requestNewer(TwitterStatusesOperations& request) override;
     void _requestOlder(TwitterStatusesOperations& request) override;
+    void _request(TwitterStatusesOperations& request, int page);
 
     qint32 m_page = 0;
 };

@@ -76,6 +76,20 @@ TEST_F(ProfileImage, IsLoadedOnceOffTheMainThreadAndAnnounced)
     ASSERT_TRUE(KRWaitUntil([&] { return again->profileImage() != nullptr; }));
     EXPECT_EQ(m_server.requestCount(), 1);
     EXPECT_FALSE(s_decodedElsewhere);
+
+    // A merge takes the picture when there is none, and leaves the one there is.
+    const TwitterUserPtr named = userWithImage(u"/other.png"_s);
+    again->setUsername(u"bob"_s);
+    named->setUsername(u"bob"_s);
+    again->setLastUpdated(named->lastUpdated().addSecs(1));
+    named->assimilateUser(*again);
+    EXPECT_EQ(named->profileImage(), again->profileImage());
+    user->setUsername(u"bob"_s);
+    again->setLastUpdated(again->lastUpdated().addSecs(1));
+    const TwitterProfileImagePtr before = user->profileImage();
+    user->assimilateUser(*again);
+    EXPECT_EQ(user->profileImage(), before);
+    EXPECT_NE(before, again->profileImage());
 }
 
 TEST_F(ProfileImage, AFailureIsNotTriedAgain)

@@ -5,7 +5,9 @@
 #include "support/KRTestLog.h"
 #include "text/KRArrayAdditions.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <random>
 
 using namespace KRAdditions;
 using namespace Qt::StringLiterals;
@@ -62,20 +64,45 @@ TEST(Status, ABrokenPageGivesNoPartOfItself)
     EXPECT_TRUE(TwitterDirectMessage::messageWithXML("no xml").isError());
 }
 
-TEST(Status, OrderAndEquality)
+template <class Make>
+void expectOrderAndEquality(Make make)
 {
-    TwitterStatusList statuses;
-    for (const auto& [statusID, day] : { std::pair(1, 1), { 9, 0 }, { 3, 3 }, { 2, 1 }, { 1, 0 } })
-        statuses += KRTestStatus(QString::number(statusID), {}, QDate(2026, 1, day).startOfDay());
-    const auto IDs = [](const TwitterStatusList& list) {
-        return QStringList(mapFunction(list, &TwitterStatus::statusID)).join(u' ');
+    using Record = typename decltype(make(QString(), QDateTime()))::element_type;
+    const auto on = [&](const char16_t* id, int day) {
+        return make(QString::fromUtf16(id), QDate(2026, 1, day).startOfDay());
     };
-    EXPECT_EQ(IDs(sortedArray(statuses)), u"3 1 2 9 1"_s) << "those without a date come last";
-    EXPECT_EQ(IDs(arrayWithoutDuplicates(statuses)), u"1 9 3 2"_s);
+    // The later date first, of one date the higher ID, as a number of any length.
+    const QList<std::shared_ptr<Record>> sorted { on(u"3", 3),
+        on(u"123456789012345678901234567890", 1),
+        on(u"123456789012345678901234567889", 1),
+        on(u"10", 1),
+        on(u"009", 1),
+        on(u"2", 1),
+        on(u"99", 0),
+        on(u"7", 0) };
+    QList<std::shared_ptr<Record>> shuffled = sorted;
+    for (int i = 0; i < 20; ++i) {
+        std::shuffle(shuffled.begin(), shuffled.end(), std::minstd_rand(static_cast<unsigned>(i)));
+        EXPECT_EQ(sortedArray(shuffled), sorted);
+    }
+    EXPECT_TRUE(on(u"", 1)->compare(*on(u"1", 1)) > 0) << "without an ID last";
+    EXPECT_EQ(arrayWithoutDuplicates(sorted + QList { on(u"10", 5), on(u"11", 1) }).size(), 9);
     // Without an ID only the same object is equal.
-    const auto nameless = std::make_shared<TwitterStatus>();
+    const auto nameless = on(nullptr, 1);
     EXPECT_TRUE(nameless->isEqual(*nameless));
-    EXPECT_FALSE(nameless->isEqual(TwitterStatus()));
+    EXPECT_FALSE(nameless->isEqual(*on(nullptr, 1)) || nameless->isEqual(*on(u"1", 1)));
+    EXPECT_EQ(arrayWithoutDuplicates(QList { nameless, nameless, on(nullptr, 1) }).size(), 2);
+}
+
+TEST(Records, OrderAndEquality)
+{
+    expectOrderAndEquality(
+        [](const QString& id, const QDateTime& date) { return KRTestStatus(id, {}, date); });
+    expectOrderAndEquality(
+        [](const QString& id, const QDateTime& date) { return KRTestMessage(id, {}, {}, date); });
+    TwitterDirectMessage message;
+    message.setText(u"now @bob"_s);
+    EXPECT_EQ(message.activeTextRanges().activeRanges(), (KRRangeList { { 4, 4 } }));
 }
 
 TEST(Status, ArchivesItsIDAlone)
@@ -177,14 +204,36 @@ TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
           "never happen\n["_s;
     EXPECT_EQ(log.lines().filter(warning).size(), 2);
 
+    // Everything is taken over, also that something is no longer there.
+    const auto fieldsOf = [](const TwitterUser& one) {
+        QStringList fields { one.userID(),
+            one.username(),
+            one.fullName(),
+            one.location(),
+            one.bio(),
+            one.url().toString(),
+            one.profileImageURL().toString(),
+            one.lastUpdated().toString(Qt::ISODate),
+            QString::number(one.isPartialUser()),
+            QString::number(one.isProtected().value_or(false)) };
+        for (const auto& number : { one.numberOfFollowers(),
+                 one.numberOfFollowing(),
+                 one.numberOfStatuses(),
+                 one.numberOfFavorites() })
+            fields += QString::number(number.value_or(-1));
+        return fields.join(u'|');
+    };
     const TwitterUserPtr fresh = user(u"1"_s, u"Robert"_s, 5);
+    fresh->setFullName(u"Robert R."_s);
     fresh->setLocation(u"here"_s);
+    fresh->setUrl(QUrl(u"http://r"_s));
+    fresh->setProfileImageURL(QUrl(u"http://r/p"_s));
+    fresh->setIsProtected(true);
+    fresh->setNumberOfFollowing(4);
+    fresh->setNumberOfStatuses(5);
+    fresh->setNumberOfFavorites(6);
     cached->assimilateUser(*fresh);
-    EXPECT_EQ(cached->username(), u"Robert"_s);
-    EXPECT_EQ(cached->fullName(), u"Robert"_s);
-    EXPECT_EQ(cached->location(), u"here"_s);
-    EXPECT_TRUE(cached->bio().isNull() && !cached->numberOfFollowers());
-    EXPECT_EQ(cached->lastUpdated(), fresh->lastUpdated());
+    EXPECT_EQ(fieldsOf(*cached), fieldsOf(*fresh));
     EXPECT_EQ(notifications, 1);
 }
 

@@ -125,16 +125,29 @@ TEST(SearchResults, NullsAndWrongTypesLeaveTheFieldAsItWas)
         "5",
         "",
         "<html>",
-        "[{}]" };
+        R"({"results":[1,"x",null,[]]})",
+        R"({"error":"no","list":[{"id":"1","from_user":"bob"}]})" };
     for (const QByteArray& body : empty)
-        EXPECT_TRUE(resultsOf(body).isEmpty()) << body.constData();
-    const QByteArray elsewhere = R"({"error":"no","list":[{"id":"1","from_user":"bob"}]})";
-    for (const QByteArray& body :
-        { QByteArray(R"({"results":[1,"x",null,[]]})"), elsewhere, QByteArray(R"([{"id":1}])") })
         EXPECT_TRUE(resultsOf(body).isEmpty()) << body.constData();
     const auto noText = TwitterStatus::statusesWithSearchJSON("{\"results\":[\"\xff\"]}");
     ASSERT_TRUE(noText.isError());
     EXPECT_EQ(noText.error().domain, u"com.kestrin.json-error"_s);
+}
+
+TEST(SearchResults, WithoutAnAuthorOrAnIDItIsAResultAllTheSame)
+{
+    for (const char* form : { R"({"results":%})", "%" }) {
+        const QByteArray page
+            = R"([{"id":1,"text":"a"},{"from_user":"bob","user":{"screen_name":"bob"},"text":"b"},)"
+              R"({"id":3,"profile_image_url":"http://a/b","user":{"name":"x"},"text":"c"},{}])";
+        const TwitterStatusList results = resultsOf(QByteArray(form).replace('%', page) + "\n ");
+        QStringList lines;
+        for (const TwitterStatusPtr& one : results)
+            lines += one->statusID() + one->text() + (one->fromUser() ? one->fromUser()->username() : u"-"_s);
+        EXPECT_EQ(lines.join(u' '), u"1a- bbob 3c- -"_s);
+    }
+    // Of the last one in an answer that is cut, the rest may be missing.
+    EXPECT_EQ(idsOf(resultsOf(R"([{"id":1,"text":"a"},{"id":2,"text":"b","user":{"id":3},)")), u"1"_s);
 }
 
 TEST(SearchResults, WhatCameBeforeTheCutCanBeShown)

@@ -5,6 +5,8 @@
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterStreamAccount.h"
 #include "support/KRTestSite.h"
+#include "support/KRTestWait.h"
+#include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPConnection.h"
 
 /// An account named "me" that loads from a test's site.
@@ -56,6 +58,17 @@ private:
     TwitterServiceHosts m_hosts;
     std::shared_ptr<TwitterUniquingTables> m_tables = std::make_shared<TwitterUniquingTables>();
 };
+
+/// What responses have posted to the main thread has run once the background thread is past them.
+[[nodiscard]] inline bool KRTestSettle()
+{
+    std::atomic<bool> isPast = false;
+    performOnSharedBackgroundThread([&] { isPast = true; });
+    if (!KRWaitUntil([&] { return isPast.load(); }))
+        return false;
+    KRRunLoop::main().runPending();
+    return true;
+}
 
 /// A real status.
 inline TwitterStatusPtr KRTestStatus(int id,

@@ -14,11 +14,13 @@ namespace {
 
 class Conversation : public testing::Test {
 protected:
-    void follow(const TwitterStatusPtr& base)
+    void follow(const TwitterStatusPtr& base, std::shared_ptr<TwitterUniquingTables> tables = nullptr)
     {
-        m_stream = KRMakeMainThreadObject<TwitterConversationStream>(m_account->tables());
+        if (!tables)
+            tables = m_account->tables();
+        m_stream = KRMakeMainThreadObject<TwitterConversationStream>(tables);
         m_stream->setAccount(m_account);
-        m_stream->setBaseStatus(m_account->tables()->definitiveStatus(base));
+        m_stream->setBaseStatus(tables->definitiveStatus(base));
     }
     [[nodiscard]] bool waitForEnd()
     {
@@ -40,6 +42,7 @@ TEST_F(Conversation, FollowsTheChainThroughCacheAndService)
     m_site.answer("/statuses/show/1.xml", KRTestSite::status(1, "me", "one"));
     follow(KRTestStatus(4, u"four"_s, u"3"_s));
     EXPECT_EQ(KRTestIDs(m_stream->storedStatuses()), u"4"_s) << "the base shows at once";
+    EXPECT_EQ(m_stream->baseStatus(), m_stream->newestStatus());
     ASSERT_TRUE(waitForEnd());
     EXPECT_EQ(KRTestIDs(m_stream->statuses()), u"- 4 3 2 1 -"_s);
     EXPECT_EQ(m_site.requests().size(), 2);
@@ -64,6 +67,11 @@ TEST_F(Conversation, EndsWithAnErrorRowWhereAStatusWasDeleted)
     const auto* row = dynamic_cast<const TwitterDummyErrorStatus*>(rows.at(2).get());
     ASSERT_TRUE(row);
     EXPECT_EQ(row->error().description, u"Gone. This notice has been deleted."_s);
+    EXPECT_LT(row->date(), rows.at(1)->date());
+    EXPECT_TRUE(dynamic_cast<const TwitterDummyEndOfStreamStatus*>(rows.last().get()));
+    m_account.reset();
+    follow(KRTestStatus(4, u"four"_s, u"3"_s), std::make_shared<TwitterUniquingTables>());
+    EXPECT_TRUE(m_stream->isAtEnd()) << "without an account the chain ends at once";
 }
 
 TEST_F(Conversation, AlwaysEnds)

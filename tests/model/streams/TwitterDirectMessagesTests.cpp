@@ -23,15 +23,9 @@ TwitterDirectMessagePtr message(int id, const QString& sender, const QString& re
 
 QByteArray page(int first, int last, const QByteArray& sender, const QByteArray& recipient)
 {
-    const auto person = [](const QByteArray& role, const QByteArray& name) {
-        return "<" + role + "><id>" + name + "0</id><screen_name>" + name + "</screen_name></" + role + ">";
-    };
     QByteArray elements;
     for (int id = last; id >= first; --id)
-        elements += "<direct_message><id>" + QByteArray::number(id)
-            + "</id><text>t</text><created_at>Sun Nov 22 08:" + QByteArray::number(10 + id)
-            + ":00 +0000 2026</created_at>" + person("sender", sender) + person("recipient", recipient)
-            + "</direct_message>";
+        elements += KRTestSite::message(id, sender, recipient);
     return "<direct-messages type=\"array\">" + elements + "</direct-messages>";
 }
 
@@ -69,8 +63,8 @@ TEST_F(DirectMessages, BothListsFoldIntoConversations)
     ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"bob: 3 2 1"_s; }));
     EXPECT_EQ(m_account->tables()->cachedDirectMessageWithID(u"3"_s),
         m_manager->conversations().first()->mostRecentMessage());
-    EXPECT_EQ(m_manager->newestMessageDate().time(), QTime(8, 13));
-    EXPECT_EQ(m_manager->newestMessageDateNotFromMe().time(), QTime(8, 12)) << "one's own is passed over";
+    EXPECT_EQ(m_manager->newestMessageDate().time(), QTime(0, 3));
+    EXPECT_EQ(m_manager->newestMessageDateNotFromMe().time(), QTime(0, 2)) << "one's own is passed over";
 
     m_site.answer("/direct_messages.xml", page(4, 4, "carol", "me"));
     m_manager->refresh();
@@ -106,6 +100,10 @@ TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
     EXPECT_EQ(stream->newestMessageID(), u"39"_s);
     EXPECT_EQ(stream->oldestMessageID(), u"1"_s);
     EXPECT_EQ(m_site.targets().join(' ').replace("/direct_messages.xml", ""), "?page=0 ?page=1 ?page=2");
+    m_site.answer("/direct_messages/sent.xml", page(40, 40, "me", "bob"));
+    m_manager->loadOlder();
+    EXPECT_TRUE(stream->isLoadingOlder() && m_manager->sentStream()->isLoadingOlder());
+    EXPECT_TRUE(KRWaitUntil([&] { return m_manager->sentStream()->messages().size() == 1; }));
 }
 
 TEST_F(DirectMessages, AFailedLoadIsReportedAndChangesNothing)
@@ -168,6 +166,22 @@ TEST_F(DirectMessages, FoldingTheSameListAgainOnlyTellsTheManagersObservers)
     EXPECT_EQ(m_manager->newestMessageNotFromMe()->messageID(), u"5"_s);
     EXPECT_EQ(m_manager->conversationWith(*KRTestUser(u"id of bob"_s, {}))->messages().size(), 2);
     EXPECT_EQ(m_manager->conversationWith(*KRTestUser({}, u"Bob"_s)), nullptr);
+
+    // Of one date the conversation with the higher ID comes first, one without messages last.
+    const auto conversation = [](const TwitterDirectMessageList& messages) {
+        auto made = std::make_unique<TwitterDirectMessageConversation>(nullptr);
+        made->setMessages(messages);
+        for (const TwitterDirectMessagePtr& one : messages)
+            made->addMessage(one);
+        return made;
+    };
+    const QDateTime date = received.first()->date();
+    const auto ninth = conversation({ KRTestMessage(u"9"_s, {}, {}, date) });
+    const auto tenth = conversation({ KRTestMessage(u"10"_s, {}, {}, date) });
+    const auto none = conversation({});
+    EXPECT_EQ(ninth->messages().size(), 1) << "what is there already is not added";
+    EXPECT_TRUE(tenth->compare(*ninth) < 0 && ninth->compare(*tenth) > 0);
+    EXPECT_TRUE(ninth->compare(*none) < 0 && none->compare(*ninth) > 0 && none->compare(*none) == 0);
 }
 
 // The answer of a plain search: the first conversation whose correspondent is equal by ID or by exact name.

@@ -54,6 +54,19 @@ TEST_F(SearchTest, LoadsAtBothEndsWithoutCredentials)
         ASSERT_TRUE(KRWaitUntil([&] { return !stream.isLoadingNewer() && !stream.isLoadingOlder(); }));
     }
     EXPECT_FALSE(stream.isAtEnd());
+    // Marks: nothing is fresh before the first one, nor what was there then.
+    EXPECT_FALSE(stream.hasFreshStatuses());
+    stream.noteFreshStatuses();
+    EXPECT_FALSE(stream.hasFreshStatuses());
+    stream.addStatuses({ KRTestStatus(u"21"_s, {}, stream.newestStatus()->date().addSecs(1)) });
+    EXPECT_TRUE(stream.hasFreshStatuses());
+    // Without an ID a result comes once all the same.
+    const auto nameless = [](const QString& text) {
+        return KRTestStatus({}, KRTestUser({}, u"bob"_s), QDate(2026, 1, 1).startOfDay(Qt::UTC), text);
+    };
+    for (const QString& text : { u"a"_s, u"b"_s, u"a"_s })
+        stream.addStatuses({ nameless(text) });
+    EXPECT_EQ(stream.storedStatuses().size(), 23);
     m_site.answer("/search.json", page(1, 18));
     stream.loadOlder();
     ASSERT_TRUE(KRWaitUntil([&] { return stream.isAtEnd(); }));
@@ -72,8 +85,15 @@ TEST_F(SearchTest, ASearchWithoutAQueryIsNoOthersEqualAndIsNotArchived)
     EXPECT_FALSE(bare->isEqual(*makeSearch({})));
     KRTestLog log;
     KRKeyedArchiver archiver;
-    archiver.encodeObject("tea"_L1, *makeSearch(u"tea"_s));
+    const TwitterSearchPtr tea = makeSearch(u"tea"_s);
+    tea->setDisplayName(u"Cups"_s);
+    archiver.encodeObject("tea"_L1, *tea);
     EXPECT_TRUE(log.lines().isEmpty());
+    const auto coder = KRKeyedUnarchiver::unarchiverWithData(archiver.archivedData());
+    const TwitterSearchPtr restored = TwitterSearch::searchWithCoder(*coder.value().decodeObject("tea"_L1),
+        m_account.tables(),
+        m_account.hosts());
+    EXPECT_EQ(restored->query() + restored->displayName(), u"teaCups"_s);
     archiver.encodeObject("bare"_L1, *bare);
     EXPECT_EQ(log.lines(), QStringList(u"Error: trying to save search with no query string"_s));
 }

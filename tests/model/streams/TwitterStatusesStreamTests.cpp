@@ -79,11 +79,11 @@ TEST(TwitterConcreteStatusesStream, MergesWithoutDuplicatesAndTellsObservers)
     EXPECT_EQ(stream->storedStatuses().at(2), known) << "the first record of a status stays";
     EXPECT_EQ(updates, 2);
 
-    // Equal dates keep the order in which they came.
+    // Of equal dates the higher ID is the newer one, whatever came first.
     const auto ties = makeStream();
-    ties->addStatuses({ KRTestStatus(10, u"a"_s, {}, 5), KRTestStatus(11, u"b"_s, {}, 5) });
+    ties->addStatuses({ KRTestStatus(100, u"a"_s, {}, 5), KRTestStatus(11, u"b"_s, {}, 5) });
     ties->addStatuses({ KRTestStatus(12, u"c"_s, {}, 5), KRTestStatus(13, u"d"_s, {}, 9) });
-    EXPECT_EQ(KRTestIDs(ties->storedStatuses()), u"13 10 11 12"_s);
+    EXPECT_EQ(KRTestIDs(ties->storedStatuses()), u"13 100 12 11"_s);
 }
 
 TEST(TwitterConcreteStatusesStream, IsCutAboveFiveHundred)
@@ -91,10 +91,12 @@ TEST(TwitterConcreteStatusesStream, IsCutAboveFiveHundred)
     const auto stream = makeStream();
     stream->addStatuses(statusesFrom(1, 500));
     EXPECT_EQ(stream->storedStatuses().size(), 500);
+    EXPECT_FALSE(stream->isAtEnd());
     stream->addStatuses({ KRTestStatus(501) });
     EXPECT_EQ(stream->storedStatuses().size(), 499);
     EXPECT_EQ(stream->newestStatusID(), u"501"_s);
     EXPECT_EQ(stream->oldestStatusID(), u"3"_s);
+    EXPECT_TRUE(stream->isAtEnd()) << "there is no room for older ones";
 }
 
 TEST(TwitterConcreteStatusesStream, LeavesOutWhatTheUserFilters)

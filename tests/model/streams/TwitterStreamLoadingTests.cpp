@@ -3,8 +3,6 @@
 #include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterUserStream.h"
-#include "support/KRTestWait.h"
-#include "transport/KRBackgroundThread.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -49,28 +47,17 @@ protected:
     {
         stream.loadNewer();
         // Pages of 50 MB take a while under a sanitizer on a busy machine.
-        return KRWaitUntil([&] { return !stream.isLoadingNewer(); }, std::chrono::minutes(2)) && _settle();
+        return KRWaitUntil([&] { return !stream.isLoadingNewer(); }, std::chrono::minutes(2))
+            && KRTestSettle();
     }
     [[nodiscard]] static bool waitForOlder(TwitterConcreteStatusesStream& stream)
     {
         stream.loadOlder();
-        return KRWaitUntil([&] { return !stream.isLoadingOlder(); }) && _settle();
+        return KRWaitUntil([&] { return !stream.isLoadingOlder(); }) && KRTestSettle();
     }
 
     KRTestSite m_site;
     std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
-
-private:
-    /// What a response has posted to the main thread has run once the background thread is past it.
-    static bool _settle()
-    {
-        std::atomic<bool> isPast = false;
-        performOnSharedBackgroundThread([&] { isPast = true; });
-        if (!KRWaitUntil([&] { return isPast.load(); }))
-            return false;
-        KRRunLoop::main().runPending();
-        return true;
-    }
 };
 
 } // namespace
@@ -102,6 +89,23 @@ TEST_F(StreamLoading, AsksForWhatIsNewerAndOlder)
         "?user_id=42&count=40 ?user_id=42&since_id=29&count=40 ?user_id=42&max_id=10&count=40 "
         "?user_id=42&max_id=10&count=40");
     check(favorites, "/favorites/42.xml", "?page=0 ?page=0 ?page=1 ?page=2");
+
+    // Somebody without an ID is asked for by name, and nobody not at all.
+    const auto loaded = [&](const auto& stream, const TwitterUserPtr& person) {
+        const qsizetype before = m_site.targets().size();
+        stream->setUser(person);
+        EXPECT_TRUE(waitForNewer(*stream) && waitForOlder(*stream));
+        return m_site.targets().mid(before).join(' ').toStdString();
+    };
+    m_site.answer("/favorites/bob.xml", page(10, 29));
+    const auto bob = KRTestUser({}, u"bob"_s);
+    EXPECT_EQ(loaded(makeStream<TwitterUserTimelineStream>(), bob),
+        "/statuses/user_timeline.xml?screen_name=bob&count=40 "
+        "/statuses/user_timeline.xml?screen_name=bob&max_id=10&count=40");
+    EXPECT_EQ(loaded(makeStream<TwitterUserFavoritesStream>(), bob),
+        "/favorites/bob.xml?page=0 /favorites/bob.xml?page=1");
+    for (const TwitterUserPtr& nobody : { TwitterUserPtr(), KRTestUser({}, {}) })
+        EXPECT_EQ(loaded(makeStream<TwitterUserTimelineStream>(), nobody), "");
 }
 
 TEST_F(StreamLoading, EndsWithAShortOrFailedOlderPage)
@@ -113,7 +117,13 @@ TEST_F(StreamLoading, EndsWithAShortOrFailedOlderPage)
     for (const Case& test : { Case { 19, 200, false }, Case { 18, 200, true }, Case { 0, 503, true } }) {
         m_site.answer("/statuses/home_timeline.xml", page(1, test.statuses), test.status);
         const auto stream = makeStream<TwitterTimelineStream>();
+        int updates = 0;
+        const KRObservation observation
+            = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
+                [&](const auto&) { ++updates; },
+                stream.get());
         ASSERT_TRUE(waitForOlder(*stream));
+        EXPECT_EQ(updates, test.ends + (test.status == 200)) << "the end is told of, and so is a page";
         EXPECT_EQ(stream->isAtEnd(), test.ends);
         EXPECT_EQ(stream->storedStatuses().size(), test.statuses);
         const TwitterStatusPtr last = stream->statuses().last();

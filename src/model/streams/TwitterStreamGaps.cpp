@@ -1,0 +1,85 @@
+#include "model/streams/TwitterStreamGaps.h"
+
+#include "model/records/TwitterRecordOrder.h"
+
+#include <algorithm>
+
+namespace {
+
+QString lowestOf(const QStringList& ids)
+{
+    const auto isLower
+        = [](const QString& a, const QString& b) { return std::is_lt(compareTwitterIDs(a, b)); };
+    const auto lowest = std::min_element(ids.begin(), ids.end(), isLower);
+    return lowest == ids.end() ? QString() : *lowest;
+}
+
+} // namespace
+
+bool TwitterStreamGaps::openBelow(const QStringList& pageIDs,
+    qsizetype posts,
+    const QString& belowID,
+    qsizetype asked)
+{
+    const bool isFull = posts > largestLastPage && (posts >= m_longestPage || (asked > 0 && posts >= asked));
+    notePage(posts);
+    const QString lowest = lowestOf(pageIDs);
+    if (!isFull || belowID.isNull() || std::is_lteq(compareTwitterIDs(lowest, belowID)))
+        return false;
+    m_gaps.append({ belowID, lowest });
+    return true;
+}
+
+bool TwitterStreamGaps::addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID)
+{
+    notePage(posts);
+    Gap* const gap = _gapAbove(belowID);
+    if (!gap)
+        return false;
+    const QString lowest = lowestOf(pageIDs);
+    if (posts <= largestLastPage || std::is_lteq(compareTwitterIDs(lowest, belowID))) {
+        m_gaps.removeIf([&belowID](const Gap& one) { return one.belowID == belowID; });
+        return false;
+    }
+    // A service that does not know the request answers with the same page for ever.
+    const bool isLower = std::is_lt(compareTwitterIDs(lowest, gap->aboveID));
+    if (!isLower || ++gap->pagesInARow == maximumPagesInARow)
+        fail(belowID);
+    if (isLower)
+        gap->aboveID = lowest;
+    return gap->isLoading;
+}
+
+void TwitterStreamGaps::fail(const QString& belowID)
+{
+    if (Gap* const gap = _gapAbove(belowID)) {
+        gap->isLoading = false;
+        gap->isShown = true;
+    }
+}
+
+bool TwitterStreamGaps::beginLoading(const QString& belowID)
+{
+    Gap* const gap = _gapAbove(belowID);
+    if (!gap || gap->isLoading)
+        return false;
+    gap->isLoading = true;
+    gap->pagesInARow = 0;
+    return true;
+}
+
+const TwitterStreamGaps::Gap* TwitterStreamGaps::gapAbove(const QString& belowID) const
+{
+    const auto found = std::find_if(m_gaps.begin(), m_gaps.end(), [&belowID](const Gap& gap) {
+        return gap.belowID == belowID;
+    });
+    return found == m_gaps.end() ? nullptr : &*found;
+}
+
+TwitterStreamGaps::Gap* TwitterStreamGaps::_gapAbove(const QString& belowID)
+{
+    const auto found = std::find_if(m_gaps.begin(), m_gaps.end(), [&belowID](const Gap& gap) {
+        return gap.belowID == belowID;
+    });
+    return found == m_gaps.end() ? nullptr : &*found;
+}
