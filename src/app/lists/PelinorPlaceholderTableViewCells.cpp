@@ -78,15 +78,17 @@ int LoadingTableViewCell::heightForTableWidth(int /*width*/)
     return LineHeight;
 }
 
-void LoadingTableViewCell::setState(State state)
+void LoadingTableViewCell::setState(State state, Place place)
 {
     m_state = state;
-    setText(textForState(state), state == State::Loading ? Tone::Quiet : Tone::Action);
+    setText(textForState(state, place), state == State::Loading ? Tone::Quiet : Tone::Action);
 }
 
-QString LoadingTableViewCell::textForState(State state)
+QString LoadingTableViewCell::textForState(State state, Place place)
 {
-    return state == State::Loading ? tr("Loading…") : tr("Show older posts");
+    if (state == State::Loading)
+        return tr("Loading…");
+    return place == Place::Gap ? tr("Some posts are missing here") : tr("Show older posts");
 }
 
 void LoadingTableViewCell::mousePressEvent(QMouseEvent* event)

@@ -34,7 +34,7 @@ public:
     static int heightForTableWidth(int width);
 };
 
-/// The bottom of a list that goes on.
+/// A place where a list goes on: its bottom, or a gap in it.
 class LoadingTableViewCell final : public PelinorPlaceholderTableViewCell {
     Q_OBJECT
 
@@ -49,8 +49,9 @@ public:
     static QString identifier();
     static int heightForTableWidth(int width);
 
-    void setState(State state);
-    static QString textForState(State state);
+    enum class Place { Bottom, Gap };
+    void setState(State state, Place place = Place::Bottom);
+    static QString textForState(State state, Place place = Place::Bottom);
     /// Called for each click on the waiting row, and for Return, Space and a screen reader's press on it.
     void setClickHandler(std::function<void()> handler) { m_clicked = std::move(handler); }
     bool activate() override;

@@ -26,6 +26,11 @@ bool isExactlyAStatus(const TwitterStatus& status)
     return typeid(status) == typeid(TwitterStatus);
 }
 
+LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
+{
+    return row.isLoading() ? LoadingTableViewCell::State::Loading : LoadingTableViewCell::State::Waiting;
+}
+
 } // namespace
 
 PelinorStatusListViewController::PelinorStatusListViewController(PelinorListEnvironment environment,
@@ -233,6 +238,8 @@ int PelinorStatusListViewController::tableViewHeightForRow(KRTableView& tableVie
         return 0;
     if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get()))
         return LoadingTableViewCell::heightForTableWidth(width);
+    if (dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
+        return LoadingTableViewCell::heightForTableWidth(width);
     if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get()))
         return EndOfStreamTableViewCell::heightForTableWidth(width);
     if (dynamic_cast<const TwitterDummyHeaderStatus*>(status.get()))
@@ -253,6 +260,8 @@ KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableVie
         return nullptr;
     if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get()))
         return _loadingCell(tableView);
+    if (dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
+        return _missingCell(tableView, std::static_pointer_cast<TwitterDummyMissingStatus>(status));
     if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get())) {
         auto* const cell = reusedOrNewCell<EndOfStreamTableViewCell>(tableView);
         cell->setHasPosts(_hasPosts());
@@ -290,6 +299,8 @@ QString PelinorStatusListViewController::tableViewAccessibleNameForRow(KRTableVi
         return LoadingTableViewCell::textForState(
             isWaiting ? LoadingTableViewCell::State::Waiting : LoadingTableViewCell::State::Loading);
     }
+    if (const auto* const missing = dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
+        return LoadingTableViewCell::textForState(stateOf(*missing), LoadingTableViewCell::Place::Gap);
     if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get()))
         return EndOfStreamTableViewCell::textForPosts(_hasPosts());
     if (const auto* const error = dynamic_cast<const TwitterDummyErrorStatus*>(status.get()))
@@ -312,6 +323,15 @@ KRTableViewCell* PelinorStatusListViewController::_loadingCell(KRTableView& tabl
     cell->setClickHandler([this] { loadOlder(); });
     const bool isLoading = _loadOlderOnce() || !_hasPosts();
     cell->setState(isLoading ? LoadingTableViewCell::State::Loading : LoadingTableViewCell::State::Waiting);
+    return cell;
+}
+
+KRTableViewCell* PelinorStatusListViewController::_missingCell(KRTableView& tableView,
+    const std::shared_ptr<TwitterDummyMissingStatus>& status)
+{
+    auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
+    cell->setClickHandler([this, status] { loadMissing(*status); });
+    cell->setState(stateOf(*status), LoadingTableViewCell::Place::Gap);
     return cell;
 }
 

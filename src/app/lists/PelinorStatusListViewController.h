@@ -63,6 +63,8 @@ public:
     /// The user leaves the list, having seen its top.
     virtual void noteFreshness() { }
     virtual void loadOlder() { }
+    /// Loads what is missing where the row stands.
+    virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }
     virtual void refresh() { }
     virtual bool shouldAmplifyStatus(const TwitterStatus& /*status*/) const { return false; }
 
@@ -85,6 +87,8 @@ private:
     PelinorStatusCellLayout _layoutOfStatus(const TwitterStatus& status) const;
     KRTableViewCell* _statusCell(KRTableView& tableView, const TwitterStatusPtr& status);
     KRTableViewCell* _loadingCell(KRTableView& tableView);
+    KRTableViewCell* _missingCell(KRTableView& tableView,
+        const std::shared_ptr<TwitterDummyMissingStatus>& status);
     bool _loadOlderOnce();
     bool _hasPosts() const;
     QString _oldestStatusID() const;

@@ -39,6 +39,11 @@ void PelinorTweetsListViewController::loadOlder()
     account().timelineStream()->loadOlder();
 }
 
+void PelinorTweetsListViewController::loadMissing(const TwitterDummyMissingStatus& row)
+{
+    account().timelineStream()->loadMissing(row);
+}
+
 void PelinorTweetsListViewController::refresh()
 {
     account().timelineStream()->loadNewer();

@@ -13,6 +13,7 @@ public:
     QString autosaveName() const override;
     void noteFreshness() override;
     void loadOlder() override;
+    void loadMissing(const TwitterDummyMissingStatus& row) override;
     void refresh() override;
 
 private:

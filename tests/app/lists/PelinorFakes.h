@@ -30,11 +30,13 @@ public:
     }
     void loadNewer() override { ++newerLoads; }
     void loadOlder() override { ++olderLoads; }
+    void loadMissing(const TwitterDummyMissingStatus& row) override { missingLoads.append(row.belowID()); }
 
     TwitterStatusList posts;
     bool isAtEnd = false;
     int newerLoads = 0;
     int olderLoads = 0;
+    QStringList missingLoads;
 
 private:
     KRNotificationCenter& m_center;

@@ -275,6 +275,30 @@ TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
     EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 71), QStringLiteral("No older posts"));
 }
 
+TEST_F(PelinorStatusListTest, AGapLoadsWhatIsMissingWhenItIsClicked)
+{
+    for (const bool isLoading : { false, true }) {
+        account.stream->missingLoads.clear();
+        account.stream->posts = posts(100, 1);
+        account.stream->posts.append(
+            std::make_shared<TwitterDummyMissingStatus>(QStringLiteral("90"), isLoading));
+        account.stream->posts += posts(90, 2);
+        list.viewWillAppear(false);
+        table().show();
+        const QString text
+            = isLoading ? QStringLiteral("Loading…") : QStringLiteral("Some posts are missing here");
+        const auto* const cell = qobject_cast<LoadingTableViewCell*>(table().cellForRow(2));
+        ASSERT_NE(cell, nullptr);
+        EXPECT_EQ(cell->text(), text);
+        EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 2), text);
+        EXPECT_EQ(table().rectForRow(2).height(), LoadingTableViewCell::heightForTableWidth(400));
+        QTest::mouseClick(table().cellForRow(2), Qt::LeftButton);
+        EXPECT_EQ(account.stream->missingLoads,
+            isLoading ? QStringList() : QStringList(QStringLiteral("90")));
+        list.viewWillDisappear(false);
+    }
+}
+
 TEST_F(PelinorStatusListTest, SelectingMarksAsRead)
 {
     account.stream->posts = posts(100, 5);
