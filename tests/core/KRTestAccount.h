@@ -102,18 +102,8 @@ protected:
     {
         std::atomic<bool> isPast = false;
         performOnSharedBackgroundThread([&] { isPast = true; });
-        ASSERT_TRUE(waitWithoutTime([&] { return isPast.load(); }));
+        ASSERT_TRUE(KRWaitUntil([&] { return isPast.load(); }));
         KRRunLoop::main().runPending();
-    }
-    /// Runs the main loop until the condition holds, while a manual clock stands still.
-    template <class Condition>
-    [[nodiscard]] static bool waitWithoutTime(Condition condition)
-    {
-        for (int i = 0; i < 20'000 && !condition(); ++i) {
-            KRRunLoop::main().runPending();
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        return condition();
     }
 
     KRTestLog m_log;

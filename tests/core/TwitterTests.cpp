@@ -242,7 +242,7 @@ TEST_F(TwitterTest, AnyObserverMayRemoveTheAccount)
             return watched.expired() && receiver->count > 0
                 && std::all_of(streams.begin(), streams.end(), [](const auto& one) { return one.expired(); });
         };
-        ASSERT_TRUE(waitWithoutTime(isOver));
+        ASSERT_TRUE(KRWaitUntil(isOver));
         const auto sent = [this] {
             const QList<KRTestServer::Request> requests = m_site.requests();
             return std::count_if(requests.begin(), requests.end(), [](const auto& one) {

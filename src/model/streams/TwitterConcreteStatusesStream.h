@@ -45,6 +45,8 @@ public:
 
     [[nodiscard]] bool isLoadingNewer() const { return m_isLoadingNewer; }
     [[nodiscard]] bool isLoadingOlder() const { return m_isLoadingOlder; }
+    /// What lies between two posts is on its way.
+    [[nodiscard]] bool isLoadingMissing() const { return m_gaps.isLoading(); }
     [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
 
     /// The first, or last, stored status with an ID; null when there is none.

@@ -42,6 +42,8 @@ public:
     [[nodiscard]] bool isLoadingOlder() const { return m_isLoadingOlder; }
     [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
 
+    /// What lies between two messages is on its way.
+    [[nodiscard]] bool isLoadingMissing() const { return m_gaps.isLoading(); }
     /// Loading has failed somewhere between the messages.
     [[nodiscard]] bool isMissingMessages() const;
 

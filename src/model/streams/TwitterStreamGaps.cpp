@@ -68,6 +68,11 @@ bool TwitterStreamGaps::beginLoading(const QString& belowID)
     return true;
 }
 
+bool TwitterStreamGaps::isLoading() const
+{
+    return std::any_of(m_gaps.begin(), m_gaps.end(), [](const Gap& gap) { return gap.isLoading; });
+}
+
 const TwitterStreamGaps::Gap* TwitterStreamGaps::gapAbove(const QString& belowID) const
 {
     const auto found = std::find_if(m_gaps.begin(), m_gaps.end(), [&belowID](const Gap& gap) {

@@ -46,6 +46,8 @@ public:
         m_gaps.removeIf([&isThere](const Gap& gap) { return !isThere(gap.belowID); });
     }
 
+    /// Something is on its way.
+    [[nodiscard]] bool isLoading() const;
     [[nodiscard]] bool isEmpty() const { return m_gaps.isEmpty(); }
     [[nodiscard]] const QList<Gap>& gaps() const { return m_gaps; }
     /// Null when there is none.

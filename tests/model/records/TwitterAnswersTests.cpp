@@ -34,11 +34,6 @@ TwitterStatusPtr status(const QString& name)
     return only(TwitterStatus::statusWithXML(answer(name)));
 }
 
-QString spans(const TwitterStatusPtr& status, const KRRangeList& ranges)
-{
-    return mapFunction(ranges, [&](KRRange range) { return KRSubstring(status->text(), range); }).join(u' ');
-}
-
 void expectComplete(const TwitterUserPtr& user)
 {
     ASSERT_TRUE(user && user->profileImageURL().isValid());
@@ -134,30 +129,6 @@ TEST(RealAnswers, SingleStatuses)
                                  .join(u' ');
         EXPECT_EQ(line, expected) << qPrintable(line);
     }
-}
-
-TEST(RealAnswers, ActiveSpans)
-{
-    const TwitterStatusPtr links = status(u"show.links"_s);
-    EXPECT_EQ(spans(links, links->activeTextRanges().activeRanges()),
-        u"http://example.com/ https://example.org/path/to/page?x=1&y=2#frag "
-        u"http://en.example.org/wiki/Foo_(bar) "
-        "http://example.net/end www.example.com ftp://ftp.example.com/x bob@example.org"_s);
-    const TwitterStatusPtr mentions = status(u"show.mentions"_s);
-    EXPECT_EQ(spans(mentions, mentions->activeTextRanges().usernames()),
-        u"@alice @bob @carol @Alice @nosuchuser @zofia @bob"_s);
-    EXPECT_EQ(spans(mentions, mentions->activeTextRanges().emailAddresses()),
-        u"bob@example.org bob@remote.example.net"_s);
-    const TwitterStatusPtr symbols = status(u"show.symbols"_s);
-    EXPECT_EQ(spans(symbols, symbols->activeTextRanges().stockSymbols()), u"$ACME $GOOG $a"_s);
-    EXPECT_EQ(spans(symbols, symbols->activeTextRanges().emailAddresses()),
-        u"carol@example.org first.last+tag@sub.example.co.uk"_s);
-    // What a repeat repeats is a status inside of the status, and none of its data leaks into the outer one.
-    const TwitterStatusPtr repeat = status(u"show.retweet"_s);
-    EXPECT_EQ(repeat->statusID(), u"462"_s);
-    EXPECT_EQ(repeat->fromUser()->username(), u"alice"_s);
-    EXPECT_TRUE(repeat->text().startsWith(u"RT @bob Links: "_s));
-    EXPECT_EQ(status(u"show.longtext"_s)->text().size(), 994);
 }
 
 TEST(RealAnswers, People)
