@@ -31,15 +31,6 @@ QString stringOf(std::string_view text)
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-std::string_view withoutASCIISpaceAround(std::string_view text)
-{
-    while (!text.empty() && isASCIISpace(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isASCIISpace(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
-
 struct FreeContext {
     void operator()(xmlParserCtxt* context) const
     {
@@ -196,6 +187,11 @@ void KRXMLParser::_characters(std::string_view text)
         xmlStopParser(static_cast<xmlParserCtxt*>(m_context));
         return;
     }
+    // What stands between elements for the eye alone is most of the texts of a page, and is never kept.
+    if (m_text.empty()) {
+        while (!text.empty() && isASCIISpace(text.front()))
+            text.remove_prefix(1);
+    }
     m_text.append(text);
 }
 
@@ -214,18 +210,24 @@ QMap<QString, QString> KRXMLParser::attributes() const
 
 QString KRXMLParser::characters() const
 {
-    const QString text = stringOf(withoutASCIISpaceAround(m_text)).trimmed();
+    if (m_text.empty())
+        return {};
+    const QString text = stringOf(bytes()).trimmed();
     return text.isEmpty() ? QString() : text;
 }
 
 bool KRXMLParser::hasCharacters() const
 {
-    for (const char byte : m_text) {
-        // Unicode has white space of its own, which only the decoded text can tell.
-        if (static_cast<unsigned char>(byte) >= 0x80)
-            return !characters().isNull();
-        if (!isASCIISpace(byte))
-            return true;
-    }
-    return false;
+    if (m_text.empty())
+        return false;
+    // Unicode has white space of its own, which only the decoded text can tell.
+    return static_cast<unsigned char>(m_text.front()) < 0x80 || !characters().isNull();
+}
+
+std::string_view KRXMLParser::bytes() const
+{
+    std::string_view text = m_text;
+    while (!text.empty() && isASCIISpace(text.back()))
+        text.remove_suffix(1);
+    return text;
 }

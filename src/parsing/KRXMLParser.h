@@ -60,6 +60,9 @@ public:
     QString characters() const;
     /// Whether characters() is not null, at much less cost.
     bool hasCharacters() const;
+    /// The text of characters() as it stands in the document, in UTF-8; white space that is not ASCII is
+    /// still around it. Valid during the call.
+    std::string_view bytes() const;
 
 private:
     struct Hooks;
@@ -78,6 +81,7 @@ private:
 
     // A deque, because a handler may push while it runs and must not be moved by that.
     std::deque<StackEntry> m_callbacks;
+    // Begins with no ASCII white space.
     std::string m_text;
     std::string m_errors;
     std::string_view m_elementName;

@@ -10,10 +10,13 @@
 #include "transport/KRNetworkCache.h"
 #include "transport/KRProxy.h"
 
+#include <QCache>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <limits>
+#include <variant>
 
 using namespace Qt::StringLiterals;
 
@@ -34,14 +37,16 @@ constexpr std::array<std::string_view, 10> ignoredElements { "protected",
     "profile_background_image_url" };
 
 // Leading digits, as far as 32 bits go.
-qint32 intValue(QStringView text)
+qint32 intValue(std::string_view text)
 {
-    const bool isNegative = text.startsWith(u'-');
+    const bool isNegative = text.substr(0, 1) == "-";
+    if (isNegative || text.substr(0, 1) == "+")
+        text.remove_prefix(1);
     qint64 value = 0;
-    for (const QChar character : text.sliced(isNegative || text.startsWith(u'+') ? 1 : 0)) {
-        if (character < u'0' || character > u'9')
+    for (const char character : text) {
+        if (character < '0' || character > '9')
             break;
-        value = std::min<qint64>(value * 10 + (character.unicode() - u'0'), Q_INT64_C(1) << 31);
+        value = std::min<qint64>(value * 10 + (character - '0'), Q_INT64_C(1) << 31);
     }
     return static_cast<qint32>(std::clamp<qint64>(isNegative ? -value : value,
         std::numeric_limits<qint32>::min(),
@@ -75,97 +80,94 @@ void TwitterUser::parseUsersXML(KRXMLParser& parser, TwitterUserList& users)
     TwitterRecordReading::readRecord(parser, "user", &TwitterUser::parseUserXML, users);
 }
 
+// Under these names a person's fields stand in every form of answer.
+struct TwitterUser::Fields {
+    using Field
+        = std::variant<QString TwitterUser::*, QUrl TwitterUser::*, std::optional<qint32> TwitterUser::*>;
+    struct Row {
+        std::string_view name;
+        Field field;
+    };
+    static constexpr std::array<Row, 11> rows { { { "id", &TwitterUser::m_userID },
+        { "name", &TwitterUser::m_fullName },
+        { "screen_name", &TwitterUser::m_username },
+        { "location", &TwitterUser::m_location },
+        { "description", &TwitterUser::m_bio },
+        { "profile_image_url", &TwitterUser::m_profileImageURL },
+        { "url", &TwitterUser::m_url },
+        { "followers_count", &TwitterUser::m_numberOfFollowers },
+        { "friends_count", &TwitterUser::m_numberOfFollowing },
+        { "favourites_count", &TwitterUser::m_numberOfFavorites },
+        { "statuses_count", &TwitterUser::m_numberOfStatuses } } };
+
+    // Nothing when no field has the name.
+    static const Field* named(std::string_view name)
+    {
+        for (const Row& row : rows) {
+            if (row.name == name)
+                return &row.field;
+        }
+        return nullptr;
+    }
+
+    // What the parser is at; when that says nothing, the field stays as it was. A number needs no text made
+    // of it, and most people of a page were on it before.
+    template <class Parser>
+    static void take(TwitterUser& user, const Field& field, const Parser& parser)
+    {
+        const std::string_view bytes = parser.bytes();
+        if (bytes.empty())
+            return;
+        if (const auto* number = std::get_if<std::optional<qint32> TwitterUser::*>(&field)) {
+            user.** number = intValue(bytes);
+            return;
+        }
+        const QString text = textOf(parser);
+        if (text.isEmpty())
+            return;
+        if (const auto* url = std::get_if<QUrl TwitterUser::*>(&field))
+            user.** url = urlWithText(text);
+        else
+            user.*std::get<QString TwitterUser::*>(field) = text;
+    }
+
+    static QString textOf(const KRXMLParser& parser) { return parser.characters(); }
+    static QString textOf(const KRJSONParser& parser) { return parser.stringValue(); }
+};
+
 void TwitterUser::parseUserXML(KRXMLParser& parser)
 {
     const std::string_view element = parser.elementName();
-    const auto take = [&parser](QString& field) {
+    if (const Fields::Field* field = Fields::named(element)) {
         if (parser.hasCharacters())
-            field = parser.characters();
-    };
-    const auto takeURL = [&parser](QUrl& field) {
-        if (parser.hasCharacters())
-            field = urlWithText(parser.characters());
-    };
-    const auto takeNumber = [&parser](std::optional<qint32>& field) {
-        if (parser.hasCharacters())
-            field = intValue(parser.characters());
-    };
-
-    if (element == "id")
-        take(m_userID);
-    else if (element == "name")
-        take(m_fullName);
-    else if (element == "screen_name")
-        take(m_username);
-    else if (element == "location")
-        take(m_location);
-    else if (element == "description")
-        take(m_bio);
-    else if (element == "profile_image_url")
-        takeURL(m_profileImageURL);
-    else if (element == "url")
-        takeURL(m_url);
-    else if (element == "followers_count")
-        takeNumber(m_numberOfFollowers);
-    else if (element == "friends_count")
-        takeNumber(m_numberOfFollowing);
-    else if (element == "favourites_count")
-        takeNumber(m_numberOfFavorites);
-    else if (element == "statuses_count")
-        takeNumber(m_numberOfStatuses);
-    else if (element != "user"
-        && std::find(ignoredElements.begin(), ignoredElements.end(), element) == ignoredElements.end())
+            Fields::take(*this, *field, parser);
+    } else if (element != "user"
+        && std::find(ignoredElements.begin(), ignoredElements.end(), element) == ignoredElements.end()) {
         TwitterRecordReading::skipElement(parser);
+    }
 }
 
 void TwitterUser::parseUserJSON(KRJSONParser& parser)
 {
     if (TwitterRecordReading::skipContainer(parser))
         return;
-    const std::string_view key = parser.key().value_or(std::string_view());
-    const auto take = [&parser](QString& field) {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            field = text;
-    };
-    const auto takeURL = [&parser](QUrl& field) {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            field = urlWithText(text);
-    };
-    const auto takeNumber = [&parser](std::optional<qint32>& field) {
-        if (const QString text = parser.stringValue(); !text.isEmpty())
-            field = intValue(text);
-    };
-
-    if (key == "id")
-        take(m_userID);
-    else if (key == "name")
-        take(m_fullName);
-    else if (key == "screen_name")
-        take(m_username);
-    else if (key == "location")
-        take(m_location);
-    else if (key == "description")
-        take(m_bio);
-    else if (key == "profile_image_url")
-        takeURL(m_profileImageURL);
-    else if (key == "url")
-        takeURL(m_url);
-    else if (key == "followers_count")
-        takeNumber(m_numberOfFollowers);
-    else if (key == "friends_count")
-        takeNumber(m_numberOfFollowing);
-    else if (key == "favourites_count")
-        takeNumber(m_numberOfFavorites);
-    else if (key == "statuses_count")
-        takeNumber(m_numberOfStatuses);
+    if (const Fields::Field* field = Fields::named(parser.key().value_or(std::string_view())))
+        Fields::take(*this, *field, parser);
 }
 
 QUrl TwitterUser::urlWithText(const QString& text)
 {
+    // The same few people turn up all over a page, and reading an address costs more than the rest of one.
+    constexpr qsizetype mostRemembered = 256;
+    thread_local QCache<QString, QUrl> remembered(mostRemembered);
+    if (const QUrl* known = remembered.object(text))
+        return *known;
     // Escapes that are there stay.
     QUrl url(text, QUrl::TolerantMode);
-    if (url.isValid())
+    if (url.isValid()) {
+        remembered.insert(text, new QUrl(url));
         return url;
+    }
     KRLog(u"problem %1"_s.arg(text));
     return {};
 }

@@ -109,6 +109,8 @@ public:
     static QUrl urlWithText(const QString& text);
 
 private:
+    struct Fields;
+
     void _assimilateUser(const TwitterUser& other);
     void _requestProfileImage();
     void _profileImageResponse(KRResult<QByteArray> response);
