@@ -14,16 +14,14 @@ class TwitterUniquingTables;
 /// thread, but for the responses, which come on the background thread; what they touch is atomic.
 ///
 /// Unlike a stream of statuses it goes on asking for older pages after the last one.
-class TwitterDirectMessagesStream : public std::enable_shared_from_this<TwitterDirectMessagesStream> {
+class TwitterDirectMessagesStream : public TwitterLoadingStream,
+                                    public std::enable_shared_from_this<TwitterDirectMessagesStream> {
 public:
     /// An older page with so many messages or fewer was the last one.
     static constexpr qsizetype largestLastPage = 18;
 
     TwitterDirectMessagesStream(std::shared_ptr<TwitterUniquingTables> tables,
         const std::shared_ptr<TwitterStreamAccount>& account);
-    TwitterDirectMessagesStream(const TwitterDirectMessagesStream&) = delete;
-    TwitterDirectMessagesStream& operator=(const TwitterDirectMessagesStream&) = delete;
-    virtual ~TwitterDirectMessagesStream() = default;
 
     /// Null when it has gone.
     [[nodiscard]] std::shared_ptr<TwitterStreamAccount> account() const { return m_account.lock(); }

@@ -3,31 +3,33 @@
 #include "foundation/KRError.h"
 #include "model/records/TwitterStatus.h"
 
-class TwitterStream;
+/// Whatever loads from both ends and tells of it: streams of statuses, and those of direct messages.
+class TwitterLoadingStream {
+public:
+    TwitterLoadingStream() = default;
+    TwitterLoadingStream(const TwitterLoadingStream&) = delete;
+    TwitterLoadingStream& operator=(const TwitterLoadingStream&) = delete;
+    virtual ~TwitterLoadingStream() = default;
+};
 
 /// The list of a stream changed, or its end was reached. Posted on the main thread. Streams of direct
 /// messages post it too; `object` tells who.
 struct TwitterStreamDidUpdateNotification {
     static constexpr char name[] = "TwitterStreamDidUpdateNotification";
-    const void* object = nullptr;
+    const TwitterLoadingStream* object = nullptr;
 };
 
 /// A load failed. Posted on the thread that delivers the response, which is the background thread.
 struct TwitterStreamErrorNotification {
     static constexpr char name[] = "TwitterStreamErrorNotification";
-    const void* object = nullptr;
+    const TwitterLoadingStream* object = nullptr;
     KRError error;
 };
 
 /// An ordered list of statuses, newest first, that grows at both ends. This base only says what a stream can
 /// be asked; its operations do nothing but log that.
-class TwitterStream {
+class TwitterStream : public TwitterLoadingStream {
 public:
-    TwitterStream() = default;
-    TwitterStream(const TwitterStream&) = delete;
-    TwitterStream& operator=(const TwitterStream&) = delete;
-    virtual ~TwitterStream() = default;
-
     virtual void loadOlder();
     virtual void loadNewer();
     virtual void setStatuses(const TwitterStatusList& statuses);
