@@ -102,27 +102,37 @@ KRError serviceError(int code, const QString& description)
     return errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain), code, description);
 }
 
+void addReason(KRHTTPRequest& request, const QString& reason)
+{
+    KRError error = *request.error();
+    error.description = u"%1. %2"_s.arg(error.description, reason);
+    request.setError(error);
+}
+
 } // namespace
 
 namespace TwitterAnswers {
 
+void nameWebPage(KRHTTPRequest& request)
+{
+    if (!isWebPage(request))
+        return;
+    const QString reason = u"Status %1: the server answered with a web page"_s.arg(request.statusCode());
+    if (request.error())
+        addReason(request, reason);
+    else
+        request.setError(serviceError(request.statusCode(), reason));
+}
+
 void improveError(KRHTTPRequest& request)
 {
-    QString reason;
     if (isWebPage(request)) {
-        reason = u"Status %1: the server answered with a web page"_s.arg(request.statusCode());
-        if (!request.error()) {
-            request.setError(serviceError(request.statusCode(), reason));
-            return;
-        }
-    } else if (request.error()) {
-        reason = errorText(request.data());
+        nameWebPage(request);
+        return;
     }
-    if (request.error() && !reason.isEmpty()) {
-        KRError error = *request.error();
-        error.description = u"%1. %2"_s.arg(error.description, reason);
-        request.setError(error);
-    }
+    const QString reason = request.error() ? errorText(request.data()) : QString();
+    if (!reason.isEmpty())
+        addReason(request, reason);
 }
 
 QString errorText(const QByteArray& body)

@@ -8,9 +8,11 @@
 /// How the answers of real servers become results. Background thread, with the finished request.
 namespace TwitterAnswers {
 
-/// Gives a failed request a better error, and one to a request that only seems to have succeeded: a web page
-/// (from the site, a proxy, a hotel's network) is named as such, and the text of the service's error document
-/// is added to what the status says.
+/// Says that the server answered with a web page (from the site, a proxy, a hotel's network), if it did: in
+/// the request's error, or as one when the request only seems to have succeeded.
+void nameWebPage(KRHTTPRequest& request);
+
+/// The same; the text of the service's error document is added to what a failed request's status says.
 void improveError(KRHTTPRequest& request);
 
 /// The text of the error document, fit to be shown; null when the body holds none.

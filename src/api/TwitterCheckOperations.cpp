@@ -34,10 +34,8 @@ void TwitterCheckOperations::userIDFollowsUserID(const QString& userID, const QS
 
 void TwitterCheckOperations::_friendshipExists(const QString& nameOrID, const QString& other)
 {
-    if (!_requirePerson(nameOrID))
-        return;
-    if (!_requirePerson(other))
-        return;
+    _requirePerson(nameOrID);
+    _requirePerson(other);
     GET(u"friendships/exists.xml"_s,
         KRParameters().add("user_a"_L1, nameOrID).add("user_b"_L1, other),
         _handler(&TwitterCheckOperations::_friendshipExistsResponse));

@@ -4,11 +4,6 @@
 
 using namespace Qt::StringLiterals;
 
-TwitterCommandOperations::TwitterCommandOperations(TwitterRequestContext context)
-    : TwitterOperations(std::move(context))
-{
-}
-
 void TwitterCommandOperations::favoriteStatusID(const QString& statusID)
 {
     _requireAuthentication("favoriteStatusID:");
@@ -48,9 +43,8 @@ void TwitterCommandOperations::enableNotificationsForUsername(const QString&) { 
 void TwitterCommandOperations::disableNotificationsForUserID(const QString&) { }
 void TwitterCommandOperations::disableNotificationsForUsername(const QString&) { }
 
-void TwitterCommandOperations::_deliverError(const KRError& error)
+void TwitterCommandOperations::_ignoreResponse(KRHTTPRequest& request)
 {
-    KRLog(u"Error: %1"_s.arg(error.description));
+    if (request.error())
+        KRLog(u"Error: %1"_s.arg(request.error()->description));
 }
-
-void TwitterCommandOperations::_ignoreResponse(KRHTTPRequest&) { }

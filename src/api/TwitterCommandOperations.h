@@ -4,10 +4,13 @@
 
 class TwitterDirectMessage;
 
-/// Operations that deliver nothing; whether they succeeded is not told.
+/// Operations that deliver nothing: of one that failed, the log alone tells. Any thread.
 class TwitterCommandOperations final : public TwitterOperations {
 public:
-    explicit TwitterCommandOperations(TwitterRequestContext context);
+    explicit TwitterCommandOperations(TwitterRequestContext context)
+        : TwitterOperations(std::move(context))
+    {
+    }
 
     void favoriteStatusID(const QString& statusID);
     void unfavoriteStatusID(const QString& statusID);
@@ -29,6 +32,5 @@ public:
     void disableNotificationsForUsername(const QString& username);
 
 private:
-    void _deliverError(const KRError& error) override;
     void _ignoreResponse(KRHTTPRequest& request);
 };

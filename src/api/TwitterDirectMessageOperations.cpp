@@ -52,8 +52,7 @@ void TwitterDirectMessageOperations::sendToUserID(const QString& text, const QSt
 
 void TwitterDirectMessageOperations::_send(const QString& text, const QString& recipient)
 {
-    if (!_requirePerson(recipient))
-        return;
+    _requirePerson(recipient);
     POST(u"direct_messages/new.xml"_s,
         KRParameters().add("user"_L1, recipient).add("text"_L1, text),
         _handler(&TwitterDirectMessageOperations::_directMessageResponse));

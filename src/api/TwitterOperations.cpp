@@ -1,8 +1,8 @@
 #include "api/TwitterOperations.h"
 
 #include "api/TwitterAnswers.h"
+#include "api/TwitterRequestStart.h"
 #include "foundation/KRLog.h"
-#include "transport/KRBackgroundThread.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,20 +25,12 @@ void TwitterOperations::_requireAuthentication(const char* selector) const
         KRLog(u"Critical Error: %1 requires authentication"_s.arg(QLatin1String(selector)));
 }
 
-bool TwitterOperations::_requirePerson(const QString& nameOrID)
+void TwitterOperations::_requirePerson(const QString& nameOrID)
 {
-    if (!nameOrID.isEmpty())
-        return true;
-    _failSoon(errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain),
-        -1,
-        u"This person has no name that the service could be asked for"_s));
-    return false;
-}
-
-// Later and over there, as the answer to a request would come.
-void TwitterOperations::_failSoon(const KRError& error)
-{
-    performOnSharedBackgroundThread([self = shared_from_this(), error] { self->_deliverError(error); });
+    if (nameOrID.isEmpty())
+        m_error = errorWithDomain(QString::fromUtf16(TwitterServiceErrorDomain),
+            -1,
+            u"This person has no name that the service could be asked for"_s);
 }
 
 void TwitterOperations::GET(const QString& path, ResponseHandler handler)
@@ -66,11 +58,6 @@ void TwitterOperations::_request(const QString& path,
     const QByteArray& body,
     ResponseHandler handler)
 {
-    const KRResult<QUrl> url = m_context.hosts.RESTURLForPath(path);
-    if (url.isError()) {
-        _failSoon(url.error());
-        return;
-    }
     const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
     request->setValueForHTTPHeaderField(QString::fromUtf16(clientName), u"X-Twitter-Client"_s);
     request->setValueForHTTPHeaderField(QString::fromUtf16(clientVersion), u"X-Twitter-Client-Version"_s);
@@ -79,13 +66,12 @@ void TwitterOperations::_request(const QString& path,
         request->setUsername(m_context.login->username);
         request->setPassword(m_context.login->password);
     }
-    request->setUrl(url.value());
     request->setMethod(method);
     if (!body.isNull())
         request->setBody(body);
-    request->setResponseCallback(
+    TwitterRequestStart::start(request,
+        m_error ? KRResult<QUrl>(*m_error) : m_context.hosts.RESTURLForPath(path),
         Callback(shared_from_this(), &TwitterOperations::_requestResponse, std::move(handler)));
-    request->startRequest();
 }
 
 void TwitterOperations::_requestResponse(KRHTTPRequest& request, const ResponseHandler& handler)

@@ -54,9 +54,9 @@ protected:
     /// Says in the log that the operation makes no sense without an account, if there is none.
     void _requireAuthentication(const char* selector) const;
 
-    /// Whether the operation names somebody. Without a name or an ID a service would take the account itself
-    /// for whom is meant; then the operation ends with an error, as a request would, and none is made.
-    bool _requirePerson(const QString& nameOrID);
+    /// Without a name or an ID a service would take the account itself for whom is meant: then the operation
+    /// ends with an error in place of its request.
+    void _requirePerson(const QString& nameOrID);
 
     /// The path is sent as it is and may carry a query.
     void GET(const QString& path, ResponseHandler handler);
@@ -64,16 +64,13 @@ protected:
     void POST(const QString& path, const QByteArray& body, ResponseHandler handler);
     void POST(const QString& path, const KRParameters& form, ResponseHandler handler);
 
-    /// Ends an operation for which no request could be made. On the shared background thread.
-    virtual void _deliverError(const KRError& error) = 0;
-
 private:
-    void _failSoon(const KRError& error);
     void
     _request(const QString& path, const QString& method, const QByteArray& body, ResponseHandler handler);
     void _requestResponse(KRHTTPRequest& request, const ResponseHandler& handler);
 
     TwitterRequestContext m_context;
+    std::optional<KRError> m_error;
 };
 
 /// Operations that deliver one kind of result.
@@ -88,7 +85,6 @@ public:
 
 protected:
     void _invokeCallback(KRResult<Result> result) { m_responseCallback.invoke(std::move(result)); }
-    void _deliverError(const KRError& error) override { _invokeCallback(error); }
 
 private:
     KRCallback<Result> m_responseCallback;

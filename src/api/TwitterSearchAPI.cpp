@@ -1,11 +1,11 @@
 #include "api/TwitterSearchAPI.h"
 
 #include "api/TwitterAnswers.h"
+#include "api/TwitterRequestStart.h"
 #include "foundation/KRLog.h"
 #include "parsing/KRJSONParser.h"
 #include "text/KRArrayAdditions.h"
 #include "text/KRParameters.h"
-#include "transport/KRBackgroundThread.h"
 
 using namespace Qt::StringLiterals;
 
@@ -32,24 +32,14 @@ QString descriptionOf(const KRResult<TwitterStatusList>& result)
 
 void TwitterSearchRequest::_sendGET(const QString& path)
 {
-    const auto handler = Callback(shared_from_this(), &TwitterSearchRequest::_requestResponse);
-    const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
-    const KRResult<QUrl> url = m_hosts.searchURLForPath(path);
-    if (url.isError()) {
-        // Later and over there, as the answer to a request would come.
-        request->setError(url.error());
-        performOnSharedBackgroundThread([handler, request] { handler.invoke(*request); });
-        return;
-    }
-    request->setUrl(url.value());
-    request->setMethod(QString::fromUtf16(KRHTTPMethodGET));
-    request->setResponseCallback(handler);
-    request->startRequest();
+    TwitterRequestStart::start(KRHTTPRequest::request(),
+        m_hosts.searchURLForPath(path),
+        Callback(shared_from_this(), &TwitterSearchRequest::_requestResponse));
 }
 
 void TwitterSearchRequest::_requestResponse(KRHTTPRequest& request)
 {
-    TwitterAnswers::improveError(request);
+    TwitterAnswers::nameWebPage(request);
     _response(request);
 }
 
@@ -65,7 +55,7 @@ void TwitterSearchOperations::search(const QString& query,
                                         .add("page"_L1, page)
                                         .add("since_id"_L1, sinceID)
                                         .add("geocode"_L1, geocode);
-    _sendGET(u"%1?%2"_s.arg(u"search.json", KRAdditions::URLParameterString(parameters)));
+    _sendGET(u"search.json?"_s + KRAdditions::URLParameterString(parameters));
 }
 
 void TwitterSearchOperations::_response(KRHTTPRequest& request)

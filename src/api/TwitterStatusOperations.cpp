@@ -52,8 +52,7 @@ void TwitterStatusesOperations::userTimelineForUsername(const QString& username,
     std::optional<int> count,
     std::optional<int> page)
 {
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     GET(u"statuses/user_timeline.xml"_s,
         timelineParameters(KRParameters().add("screen_name"_L1, username), sinceID, maxID, count, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
@@ -65,8 +64,7 @@ void TwitterStatusesOperations::userTimelineForUserID(const QString& userID,
     std::optional<int> count,
     std::optional<int> page)
 {
-    if (!_requirePerson(userID))
-        return;
+    _requirePerson(userID);
     GET(u"statuses/user_timeline.xml"_s,
         timelineParameters(KRParameters().add("user_id"_L1, userID), sinceID, maxID, count, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));
@@ -79,8 +77,7 @@ void TwitterStatusesOperations::publicTimeline()
 
 void TwitterStatusesOperations::favoritesForUsername(const QString& username, std::optional<int> page)
 {
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     GET(u"favorites/%1.xml"_s.arg(URLEncodedString(username)),
         KRParameters().add("page"_L1, page),
         _handler(&TwitterStatusesOperations::_statusesResponse));

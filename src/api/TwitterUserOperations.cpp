@@ -7,8 +7,7 @@ using namespace Qt::StringLiterals;
 
 void TwitterUsersOperations::friendsForUsername(const QString& username, std::optional<int> page)
 {
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     GET(u"statuses/friends.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -16,8 +15,7 @@ void TwitterUsersOperations::friendsForUsername(const QString& username, std::op
 
 void TwitterUsersOperations::friendsForUserID(const QString& userID, std::optional<int> page)
 {
-    if (!_requirePerson(userID))
-        return;
+    _requirePerson(userID);
     GET(u"statuses/friends.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -25,8 +23,7 @@ void TwitterUsersOperations::friendsForUserID(const QString& userID, std::option
 
 void TwitterUsersOperations::followersForUsername(const QString& username, std::optional<int> page)
 {
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     GET(u"statuses/followers.xml"_s,
         KRParameters().add("screen_name"_L1, username).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -34,8 +31,7 @@ void TwitterUsersOperations::followersForUsername(const QString& username, std::
 
 void TwitterUsersOperations::followersForUserID(const QString& userID, std::optional<int> page)
 {
-    if (!_requirePerson(userID))
-        return;
+    _requirePerson(userID);
     GET(u"statuses/followers.xml"_s,
         KRParameters().add("user_id"_L1, userID).add("page"_L1, page),
         _handler(&TwitterUsersOperations::_usersResponse));
@@ -48,8 +44,7 @@ void TwitterUsersOperations::_usersResponse(KRHTTPRequest& request)
 
 void TwitterUserOperations::userWithUsername(const QString& username)
 {
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     GET(u"users/show.xml"_s,
         KRParameters().add("screen_name"_L1, username),
         _handler(&TwitterUserOperations::_userResponse));
@@ -57,8 +52,7 @@ void TwitterUserOperations::userWithUsername(const QString& username)
 
 void TwitterUserOperations::userWithID(const QString& userID)
 {
-    if (!_requirePerson(userID))
-        return;
+    _requirePerson(userID);
     GET(u"users/show.xml"_s,
         KRParameters().add("user_id"_L1, userID),
         _handler(&TwitterUserOperations::_userResponse));
@@ -67,16 +61,14 @@ void TwitterUserOperations::userWithID(const QString& userID)
 void TwitterUserOperations::followUsername(const QString& username)
 {
     _requireAuthentication("followUsername:");
-    if (!_requirePerson(username))
-        return;
+    _requirePerson(username);
     _follow(KRParameters().add("screen_name"_L1, username));
 }
 
 void TwitterUserOperations::followUserID(const QString& userID)
 {
     _requireAuthentication("followUserID:");
-    if (!_requirePerson(userID))
-        return;
+    _requirePerson(userID);
     _follow(KRParameters().add("user_id"_L1, userID));
 }
 
@@ -101,8 +93,7 @@ void TwitterUserOperations::unfollowUserID(const QString& userID)
 
 void TwitterUserOperations::_unfollow(const QString& nameOrID)
 {
-    if (!_requirePerson(nameOrID))
-        return;
+    _requirePerson(nameOrID);
     POST(u"friendships/destroy/%1.xml"_s.arg(nameOrID),
         QByteArray(),
         _handler(&TwitterUserOperations::_userResponse));

@@ -29,7 +29,7 @@ QString outcomeName(Outcome outcome)
 
 QString errorFinding(const KRError& error)
 {
-    return error.description.isEmpty() ? u"%1 %2"_s.arg(error.domain).arg(error.code) : error.description;
+    return error.description.isEmpty() ? u"%1 %2"_s.arg(error.domain, QString::number(error.code)) : error.description;
 }
 
 ServerCheckResult failure(const QString& check, const KRError& error, const QString& meaning)
@@ -39,7 +39,7 @@ ServerCheckResult failure(const QString& check, const KRError& error, const QStr
 
 QString numberOf(qsizetype number, const QString& things)
 {
-    return number == 1 ? u"1 %1"_s.arg(things) : u"%1 %2s"_s.arg(number).arg(things);
+    return number == 1 ? u"1 %1"_s.arg(things) : u"%1 %2s"_s.arg(QString::number(number), things);
 }
 
 bool isWhole(const TwitterStatusPtr& status)
@@ -126,7 +126,7 @@ timeline(const QString& check, const KRResult<TwitterStatusList>& answer, const 
     if (partial > 0) {
         return { check,
             Outcome::Differs,
-            u"%1 of %2 have no ID, date or author"_s.arg(partial).arg(numberOf(statuses.size(), u"post"_s)),
+            u"%1 of %2 have no ID, date or author"_s.arg(QString::number(partial), numberOf(statuses.size(), u"post"_s)),
             u"They are shown without, or at the wrong place."_s };
     }
     return { check, Outcome::Works, numberOf(statuses.size(), u"post"_s), {} };
@@ -140,7 +140,7 @@ ServerCheckResult count(const KRResult<QStringList>& answer)
     const qsizetype number = answer.value().size();
     if (number == pageSize)
         return { check, Outcome::Works, u"A page has as many posts as are asked for"_s, {} };
-    const QString finding = u"%1 where %2 were asked for"_s.arg(numberOf(number, u"post"_s)).arg(pageSize);
+    const QString finding = u"%1 where %2 were asked for"_s.arg(numberOf(number, u"post"_s), QString::number(pageSize));
     if (number > pageSize) {
         return { check,
             Outcome::Differs,
@@ -285,8 +285,8 @@ ServerCheckResult uploads(const QUrl& address, const KRResult<int>& answer)
     if (answer.isError())
         return failure(check, answer.error(), meaning);
     const QString finding = u"%1 answers with status %2"_s
-                                .arg(address.toDisplayString(QUrl::RemoveUserInfo | QUrl::RemoveQuery))
-                                .arg(answer.value());
+                                .arg(address.toDisplayString(QUrl::RemoveUserInfo | QUrl::RemoveQuery),
+                                    QString::number(answer.value()));
     // Whatever it says to a request without a file, it is there.
     if (answer.value() == 404 || answer.value() == 410 || answer.value() >= 500)
         return { check, Outcome::Fails, finding, meaning };

@@ -1,6 +1,7 @@
 #include "services/TwitPicCompatibleImageService.h"
 
 #include "api/TwitterCredentials.h"
+#include "api/TwitterRequestStart.h"
 #include "foundation/KRLog.h"
 #include "parsing/KRXMLParser.h"
 #include "services/TwitterServiceRequest.h"
@@ -85,7 +86,7 @@ public:
             error = programError(u"The file %1 cannot be read"_s.arg(m_form->unreadableFile()));
         if (error)
             m_form->cleanup();
-        TwitterServiceRequest::start(request,
+        TwitterRequestStart::start(request,
             error ? KRResult<QUrl>(*error) : KRResult<QUrl>(m_address),
             m_callback);
     }

@@ -1,6 +1,7 @@
 #include "services/Twitlonger.h"
 
 #include "api/TwitterAnswers.h"
+#include "api/TwitterRequestStart.h"
 #include "api/TwitterServiceHostKeys.h"
 #include "services/TwitterServiceRequest.h"
 
@@ -20,7 +21,7 @@ void Twitlonger::post(const TwitterServiceHosts& hosts,
     request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
     request->setValueForHTTPHeaderField(u"application/x-www-form-urlencoded"_s, u"Content-Type"_s);
     request->setBody(KRAdditions::URLParameterString(form).toUtf8());
-    TwitterServiceRequest::start(request,
+    TwitterRequestStart::start(request,
         hosts.publicURLForPath(u"api_post"_s, TwitterServiceHostKeys::TwitlongerAPIHost),
         TwitterServiceRequest::answerHandler(&Twitlonger::didPost, std::move(callback)));
 }
@@ -34,9 +35,12 @@ KRResult<Twitlonger> Twitlonger::didPost(const KRHTTPRequest& request)
 {
     KRResult<Twitlonger> result = TwitterAnswers::parsed(request,
         TwitterServiceRequest::resultWithXML<Twitlonger, &Twitlonger::parseXML>);
-    if (!result.isError() && result.value().content().isEmpty())
-        return TwitterAnswers::errorForMissingRecord(request);
-    return result;
+    if (!result.isError() && !result.value().content().isEmpty())
+        return result;
+    KRError error = result.isError() ? result.error() : TwitterAnswers::errorForMissingRecord(request);
+    if (error.domain == QStringView(TwitterServiceErrorDomain))
+        error.code = -1;
+    return error;
 }
 
 void Twitlonger::parseXML(KRXMLParser& parser)

@@ -10,13 +10,7 @@
 /// How every request to an outside service is sent. Any thread.
 namespace TwitterServiceRequest {
 
-/// Sends the request to the address, or ends it with the address's error: then nothing is sent, and the
-/// request's response callback gets it on the shared background thread, as it would get an answer.
-void start(const std::shared_ptr<KRHTTPRequest>& request,
-    const KRResult<QUrl>& url,
-    KRCallback<KRHTTPRequest&> callback);
-
-/// Sends a GET, which ends as above.
+/// Sends a GET, or ends it with the address's error.
 void GET(const KRResult<QUrl>& url, KRCallback<KRHTTPRequest&> callback);
 
 /// The path with the parameters as its query.

@@ -97,7 +97,7 @@ TEST_F(TwitterSearchAPITest, ErrorsCanBeRead)
     answer(200, "<!DOCTYPE html><html><body>Sign in to this network</body></html>", JSONType);
     EXPECT_EQ(trends().error().description, u"Status 200: the server answered with a web page"_s);
     EXPECT_EQ(resultsOfSearch(u"x"_s).error().code, 200);
-    answer(503, {}, JSONType);
+    answer(503, "<hash><error>Tired</error></hash>", "Content-Type: text/xml\r\n");
     EXPECT_EQ(resultsOfSearch(u"x"_s).error().description, u"Service unavailable"_s);
 
     KRTestLog log;

@@ -274,4 +274,6 @@ TEST(ServerCheckRules, JudgePages)
     EXPECT_FALSE(unreachable(KRHTTPConnectionErrorTooManyRedirects));
     EXPECT_EQ(uploads(QUrl(u"https://a.example/"_s), 404).outcome, Outcome::Fails);
     EXPECT_EQ(uploads(QUrl(u"https://a.example/"_s), 405).outcome, Outcome::Works);
+    EXPECT_EQ(uploads(QUrl(u"https://a.example/a%2Fb"_s), 404).finding,
+        u"https://a.example/a%2Fb answers with status 404"_s);
 }
