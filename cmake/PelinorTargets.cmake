@@ -90,6 +90,10 @@ function(pelinor_test name)
   if(TEST_WIDGETS)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   endif()
+  if(PELINOR_SANITIZERS MATCHES address)
+    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+      "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leak-sanitizer.supp:print_suppressions=0")
+  endif()
   if(PELINOR_SANITIZERS MATCHES thread)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
       "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/thread-sanitizer.supp")

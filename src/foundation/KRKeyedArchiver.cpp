@@ -37,11 +37,6 @@ void KRKeyedArchiver::encodeInteger(QLatin1String key, qint64 value)
     m_map.insert(key, value);
 }
 
-void KRKeyedArchiver::encodeBool(QLatin1String key, bool value)
-{
-    m_map.insert(key, value);
-}
-
 void KRKeyedArchiver::encodeDate(QLatin1String key, const QDateTime& value)
 {
     // Milliseconds as an integer, not CBOR's date tags: those lose the fraction or go through a floating
@@ -124,12 +119,6 @@ std::optional<qint64> KRKeyedUnarchiver::decodeInteger(QLatin1String key) const
 {
     const QCborValue value = m_map.value(key);
     return value.isInteger() ? std::optional(value.toInteger()) : std::nullopt;
-}
-
-std::optional<bool> KRKeyedUnarchiver::decodeBool(QLatin1String key) const
-{
-    const QCborValue value = m_map.value(key);
-    return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
 QDateTime KRKeyedUnarchiver::decodeDate(QLatin1String key) const

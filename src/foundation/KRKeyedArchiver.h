@@ -23,7 +23,6 @@ class KRKeyedArchiver {
 public:
     void encodeString(QLatin1String key, const QString& value);
     void encodeInteger(QLatin1String key, qint64 value);
-    void encodeBool(QLatin1String key, bool value);
     void encodeDate(QLatin1String key, const QDateTime& value);
     void encodeURL(QLatin1String key, const QUrl& value);
     void encodeData(QLatin1String key, const QByteArray& value);
@@ -69,7 +68,6 @@ public:
     [[nodiscard]] bool contains(QLatin1String key) const;
     [[nodiscard]] QString decodeString(QLatin1String key) const;
     [[nodiscard]] std::optional<qint64> decodeInteger(QLatin1String key) const;
-    [[nodiscard]] std::optional<bool> decodeBool(QLatin1String key) const;
     [[nodiscard]] QDateTime decodeDate(QLatin1String key) const;
     [[nodiscard]] QUrl decodeURL(QLatin1String key) const;
     [[nodiscard]] QByteArray decodeData(QLatin1String key) const;

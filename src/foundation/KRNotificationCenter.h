@@ -24,7 +24,6 @@ public:
 
     /// Stops observing now. A handler that is running on another thread finishes.
     void invalidate();
-    [[nodiscard]] bool isObserving() const { return m_entry != nullptr; }
 
 private:
     std::weak_ptr<void> m_center;
@@ -47,14 +46,18 @@ public:
 
     static KRNotificationCenter& defaultCenter();
 
-    /// Calls the handler for each notification of this type; with an object, only for those posted by that
-    /// object.
+    /// Calls the handler for each notification of this type.
     template <class Notification>
-    KRObservation observe(std::function<void(const Notification&)> handler, const void* object = nullptr)
+    KRObservation observe(std::function<void(const Notification&)> handler)
     {
-        return _add(typeid(Notification), object, [handler = std::move(handler)](const void* notification) {
-            handler(*static_cast<const Notification*>(notification));
-        });
+        return _observe(std::move(handler), nullptr);
+    }
+    /// Only for those posted by that object; by any when it is null.
+    template <class Notification>
+    KRObservation observe(std::function<void(const Notification&)> handler,
+        decltype(Notification::object) object)
+    {
+        return _observe(std::move(handler), object);
     }
 
     template <class Notification>
@@ -68,6 +71,15 @@ public:
 
 private:
     using Handler = std::function<void(const void*)>;
+
+    template <class Notification>
+    KRObservation _observe(std::function<void(const Notification&)> handler, const void* object)
+    {
+        return _add(typeid(Notification), object, [handler = std::move(handler)](const void* notification) {
+            handler(*static_cast<const Notification*>(notification));
+        });
+    }
+
     struct Table;
     friend class KRObservation;
 

@@ -50,11 +50,6 @@ void KRTimer::invalidate()
     m_state.reset();
 }
 
-bool KRTimer::isValid() const
-{
-    return m_state && m_state->valid.load(std::memory_order_acquire);
-}
-
 KRRunLoop::KRRunLoop() = default;
 KRRunLoop::~KRRunLoop() = default;
 

@@ -23,7 +23,6 @@ public:
     ~KRTimer();
 
     void invalidate();
-    [[nodiscard]] bool isValid() const;
 
 private:
     std::shared_ptr<State> m_state;

@@ -149,11 +149,6 @@ void KRUserDefaults::setInteger(QAnyStringView key, int value)
     _setValue(key, value);
 }
 
-void KRUserDefaults::setBool(QAnyStringView key, bool value)
-{
-    _setValue(key, value);
-}
-
 void KRUserDefaults::removeObjectForKey(QAnyStringView key)
 {
     std::scoped_lock guard(m_lock);

@@ -36,7 +36,6 @@ public:
     void setStringList(QAnyStringView key, const QStringList& value);
     void setData(QAnyStringView key, const QByteArray& value);
     void setInteger(QAnyStringView key, int value);
-    void setBool(QAnyStringView key, bool value);
     void removeObjectForKey(QAnyStringView key);
 
     /// The keys "GROUP/…" of the store, without the group.

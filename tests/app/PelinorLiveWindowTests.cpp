@@ -1,9 +1,9 @@
-#include "LocalService.h"
 #include "app/PelinorApplicationDelegate.h"
 #include "app/look/PelinorProfileImage.h"
 #include "app/window/PelinorErrorStrip.h"
 #include "foundation/KRUserDefaults.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTestLocalService.h"
 #include "transport/KRHTTPConnection.h"
 
 #include <QTemporaryDir>
@@ -23,14 +23,11 @@ class LiveWindow : public testing::Test {
 protected:
     void SetUp() override
     {
-        const auto running
-            = m_service.start({ m_directory.filePath(u"service"_s).toStdString(), 0, 0, false });
-        ASSERT_TRUE(running) << m_service.failure();
+        ASSERT_TRUE(m_service.isRunning());
         KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = QString::fromStdString(running->authorityFile);
+        settings.extraCAFile = m_service.authorityFile();
         KRHTTPTransportSettings::setCurrent(settings);
-        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults,
-            QString::fromStdString(running->servicesFile));
+        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, m_service.servicesFile());
         ASSERT_FALSE(hosts.isError());
         m_twitter = std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, hosts.value(), false });
         m_alice
@@ -52,7 +49,7 @@ protected:
 
     QTemporaryDir m_directory;
     KRQtRunLoopDriver m_driver;
-    localservice::LocalService m_service;
+    KRTestLocalService m_service;
     KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
     PelinorDisplayPreferences m_displayPreferences;
     KRTextHeightCache m_heights;

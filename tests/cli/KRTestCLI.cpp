@@ -32,13 +32,8 @@ QList<QJsonObject> KRTestCLI::Outcome::objects() const
 
 KRTestCLI::KRTestCLI()
 {
-    const auto running
-        = m_service.start({ m_directory.filePath(QStringLiteral("service")).toStdString(), 0, 0, false });
-    if (!running)
-        return;
-    m_servicesFile = QByteArray::fromStdString(running->servicesFile);
-    m_authorityFile = QByteArray::fromStdString(running->authorityFile);
-    m_isReady = true;
+    m_servicesFile = QFile::encodeName(m_service.servicesFile());
+    m_authorityFile = QFile::encodeName(m_service.authorityFile());
 }
 
 KRTestCLI::Outcome KRTestCLI::runAs(const QByteArray& user,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "LocalService.h"
+#include "support/KRTestLocalService.h"
 
 #include <QByteArray>
 #include <QJsonDocument>
@@ -24,7 +24,7 @@ public:
     KRTestCLI();
 
     /// Whether the service started.
-    [[nodiscard]] bool isReady() const { return m_isReady; }
+    [[nodiscard]] bool isReady() const { return m_service.isRunning(); }
     /// Runs the program as the user, with the password on standard input and after it `input`.
     [[nodiscard]] Outcome runAs(const QByteArray& user,
         const QByteArray& password,
@@ -49,8 +49,7 @@ public:
 
 private:
     QTemporaryDir m_directory;
-    localservice::LocalService m_service;
+    KRTestLocalService m_service;
     QByteArray m_servicesFile;
     QByteArray m_authorityFile;
-    bool m_isReady = false;
 };

@@ -35,7 +35,7 @@ TEST(KRUserDefaults, KeepsValuesAcrossInstancesInAPrivateFile)
         defaults.setString("text", u"a, \"b\" \u00e9\n;#"_s);
         defaults.setData("data", QByteArray("\0\n\xff,;", 5));
         defaults.setInteger("number", -7);
-        defaults.setBool("flag", true);
+        defaults.setInteger("flag", 1);
         defaults.setStringList("list", { u"x,y"_s, u"z"_s });
         defaults.setString("ServiceHosts/RESTHost", u"example.org/api"_s);
         ASSERT_FALSE(defaults.synchronize().isError());

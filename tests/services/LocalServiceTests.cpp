@@ -1,6 +1,6 @@
-#include "LocalService.h"
 #include "ServicesFixture.h"
 #include "services/KRImageService.h"
+#include "support/KRTestLocalService.h"
 #include "transport/KRHTTPRequest.h"
 
 using namespace Qt::StringLiterals;
@@ -12,19 +12,12 @@ class LocalServiceTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        localservice::LocalServiceOptions options;
-        options.dataDirectory = m_folder.filePath(u"service"_s).toStdString();
-        options.httpPort = options.httpsPort = 0;
-        const auto running = m_service.start(options);
-        ASSERT_TRUE(running) << m_service.failure();
+        ASSERT_TRUE(m_service.isRunning());
         KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = QString::fromStdString(running->authorityFile);
+        settings.extraCAFile = m_service.authorityFile();
         KRHTTPTransportSettings::setCurrent(settings);
-        context.hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults,
-            QString::fromStdString(running->servicesFile))
-                            .value();
+        context.hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, m_service.servicesFile()).value();
     }
-    void TearDown() override { m_service.stop(); }
 
     QString fileWith(const QByteArray& content)
     {
@@ -59,7 +52,7 @@ protected:
 private:
     QTemporaryDir m_folder;
     KRUserDefaults m_defaults { m_folder.filePath(u"defaults.ini"_s) };
-    localservice::LocalService m_service;
+    KRTestLocalService m_service;
 
 protected:
     TwitterServiceContext context { {}, &m_defaults };

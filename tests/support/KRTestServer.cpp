@@ -172,6 +172,15 @@ void KRTestServer::Connection::waitForClose()
     while (_read(chunk, sizeof chunk) > 0) { }
 }
 
+KRTestServer::Request KRTestServer::Request::copy() const
+{
+    const auto copied = [](const QByteArray& bytes) { return QByteArray(bytes.constData(), bytes.size()); };
+    Request request { copied(method), copied(target), {}, copied(body) };
+    for (const auto& [name, value] : headers)
+        request.headers.append({ copied(name), copied(value) });
+    return request;
+}
+
 KRTestServer::KRTestServer(Handler handler)
     : m_handler(std::move(handler))
 {
@@ -215,7 +224,10 @@ QUrl KRTestServer::url(const QString& target) const
 QList<KRTestServer::Request> KRTestServer::requests() const
 {
     std::scoped_lock guard(m_lock);
-    return m_requests;
+    QList<Request> copies;
+    for (const Request& request : m_requests)
+        copies.append(request.copy());
+    return copies;
 }
 
 void KRTestServer::_start()
@@ -266,7 +278,7 @@ void KRTestServer::_serve(Connection& connection)
                                                   : request->value("content-length").toLongLong();
             {
                 std::scoped_lock guard(m_lock);
-                m_requests.append(*request);
+                m_requests.append(request->copy());
             }
             m_handler(*request, connection);
         }

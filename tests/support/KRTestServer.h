@@ -29,6 +29,8 @@ public:
         /// Every value of the header (name in lower case), in order.
         QList<QByteArray> values(QByteArrayView name) const;
         QByteArray value(QByteArrayView name) const { return values(name).value(0); }
+        /// One that shares no memory with this, for another thread.
+        Request copy() const;
     };
 
     class Connection {
@@ -84,7 +86,11 @@ public:
 
     /// The requests that arrived whole, in order.
     [[nodiscard]] QList<Request> requests() const;
-    [[nodiscard]] int requestCount() const { return static_cast<int>(requests().size()); }
+    [[nodiscard]] int requestCount() const
+    {
+        std::scoped_lock guard(m_lock);
+        return static_cast<int>(m_requests.size());
+    }
     [[nodiscard]] int connectionCount() const { return m_connectionCount; }
     /// Bytes of bodies received so far.
     [[nodiscard]] qint64 bodyBytes() const { return m_bodyBytes; }

@@ -7,14 +7,6 @@
 
 #include <gtest/gtest.h>
 
-#ifdef __SANITIZE_ADDRESS__
-// The font library keeps its patterns until the process ends and is not to blame for it.
-extern "C" const char* __lsan_default_suppressions()
-{
-    return "leak:libfontconfig";
-}
-#endif
-
 #ifdef KR_TEST_TOOLKIT_APPLICATION
 using TestApplication = KRApplication;
 #else

@@ -17,16 +17,14 @@ class TwitterUniquingTables;
 /// Unlike a stream of statuses it goes on asking for older pages after the last one. As those do, it goes on
 /// below a full page of newer messages until it meets what it had; where that fails, the next newer load
 /// tries again.
-class TwitterDirectMessagesStream : public std::enable_shared_from_this<TwitterDirectMessagesStream> {
+class TwitterDirectMessagesStream : public TwitterLoadingStream,
+                                    public std::enable_shared_from_this<TwitterDirectMessagesStream> {
 public:
     /// An older page with so many messages or fewer was the last one.
     static constexpr qsizetype largestLastPage = TwitterStreamGaps::largestLastPage;
 
     TwitterDirectMessagesStream(std::shared_ptr<TwitterUniquingTables> tables,
         const std::shared_ptr<TwitterStreamAccount>& account);
-    TwitterDirectMessagesStream(const TwitterDirectMessagesStream&) = delete;
-    TwitterDirectMessagesStream& operator=(const TwitterDirectMessagesStream&) = delete;
-    virtual ~TwitterDirectMessagesStream() = default;
 
     /// Null when it has gone.
     [[nodiscard]] std::shared_ptr<TwitterStreamAccount> account() const { return m_account.lock(); }

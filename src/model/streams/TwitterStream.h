@@ -4,32 +4,35 @@
 #include "model/records/TwitterStatus.h"
 
 class TwitterDummyMissingStatus;
-class TwitterStream;
+
+/// Whatever loads from both ends and tells of it: streams of statuses, and those of direct messages.
+class TwitterLoadingStream {
+public:
+    TwitterLoadingStream() = default;
+    TwitterLoadingStream(const TwitterLoadingStream&) = delete;
+    TwitterLoadingStream& operator=(const TwitterLoadingStream&) = delete;
+    virtual ~TwitterLoadingStream() = default;
+};
 
 /// The list of a stream changed, or its end was reached. Posted on the main thread. Streams of direct
 /// messages post it too; `object` tells who.
 struct TwitterStreamDidUpdateNotification {
     static constexpr char name[] = "TwitterStreamDidUpdateNotification";
-    const void* object = nullptr;
+    const TwitterLoadingStream* object = nullptr;
 };
 
 /// A load failed. Posted on the thread that delivers the response: the background thread, or the main one
 /// when there was nobody to ask for and nothing was sent.
 struct TwitterStreamErrorNotification {
     static constexpr char name[] = "TwitterStreamErrorNotification";
-    const void* object = nullptr;
+    const TwitterLoadingStream* object = nullptr;
     KRError error;
 };
 
 /// An ordered list of statuses, newest first, that grows at both ends. This base only says what a stream can
 /// be asked; its operations do nothing but log that. Main thread.
-class TwitterStream {
+class TwitterStream : public TwitterLoadingStream {
 public:
-    TwitterStream() = default;
-    TwitterStream(const TwitterStream&) = delete;
-    TwitterStream& operator=(const TwitterStream&) = delete;
-    virtual ~TwitterStream() = default;
-
     virtual void loadOlder();
     virtual void loadNewer();
     /// Loads what is missing where the row stands; nothing happens while that is on its way, or for a row

@@ -41,7 +41,7 @@ protected:
 TEST_F(PelinorLinksTest, EveryKindIsCarriedOut)
 {
     KRTestLog log;
-    defaults.setBool(PreviewShortURLsDefaultsKey, true);
+    defaults.setInteger(PreviewShortURLsDefaultsKey, 1);
     struct {
         QString text;
         int type;
@@ -68,7 +68,7 @@ TEST_F(PelinorLinksTest, EveryKindIsCarriedOut)
     }
     EXPECT_EQ(log.lines(), QStringList(u"ERROR: unknown link type <?>"_s));
 
-    defaults.setBool(OpenLinksInBackgroundDefaultsKey, true);
+    defaults.setInteger(OpenLinksInBackgroundDefaultsKey, 1);
     KRActuallyOpenURLString(u"http://bit.example/a b"_s, links, nullptr);
     KRHandleLink(u"a@example.org"_s, 5, links, nullptr);
     KROpenURLString(QString(), links, nullptr);

@@ -20,8 +20,8 @@ double luminance(const QColor& color)
 
 double contrast(const QColor& one, const QColor& other)
 {
-    const auto [dark, light] = std::minmax(luminance(one), luminance(other));
-    return (light + 0.05) / (dark + 0.05);
+    const std::pair<double, double> values = std::minmax({ luminance(one), luminance(other) });
+    return (values.second + 0.05) / (values.first + 0.05);
 }
 
 QList<QColor> spanColors(const KRActiveTextColors& colors)

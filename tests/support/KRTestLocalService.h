@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <sys/types.h>
+
+/// The local service as people run it: a process of its own with a folder of its own, on free ports. Ends
+/// with this value. One thread at a time.
+class KRTestLocalService {
+public:
+    /// Starts it and waits until it listens.
+    KRTestLocalService();
+    KRTestLocalService(const KRTestLocalService&) = delete;
+    KRTestLocalService& operator=(const KRTestLocalService&) = delete;
+    ~KRTestLocalService();
+
+    /// False when it did not start; what went wrong is on standard error.
+    [[nodiscard]] bool isRunning() const { return m_process > 0; }
+    /// The table of hosts that it wrote.
+    const QString& servicesFile() const { return m_servicesFile; }
+    /// Who vouches for its certificate.
+    const QString& authorityFile() const { return m_authorityFile; }
+    /// Ends it; who connects later is refused.
+    void stop();
+
+private:
+    QTemporaryDir m_directory;
+    pid_t m_process = -1;
+    QString m_servicesFile;
+    QString m_authorityFile;
+};
