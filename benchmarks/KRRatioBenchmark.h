@@ -4,8 +4,7 @@
 #include <chrono>
 
 /// Times the work and, in turns with it so that both meet the same noise, the yardstick it is held against.
-/// Reports the work's time, the yardstick's ("yardstick", in seconds) and how many times as long the work
-/// took
+/// Reports the work's time, the yardstick's ("yardstick", in seconds) and how many times as long the work took
 /// ("ratio"). Register with UseManualTime().
 template <class Work, class Yardstick>
 void KRRunBesideYardstick(benchmark::State& state, Work work, Yardstick yardstick)

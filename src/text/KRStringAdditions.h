@@ -9,8 +9,7 @@
 /// code units; where bytes matter they are the text's UTF-8 form.
 namespace KRAdditions {
 
-/// Form and query encoding (application/x-www-form-urlencoded): a space becomes "+", ASCII letters, digits
-/// and
+/// Form and query encoding (application/x-www-form-urlencoded): a space becomes "+", ASCII letters, digits and
 /// "-._~" stay, every other byte becomes a percent escape with upper-case digits. Ends at a zero character.
 [[nodiscard]] QString URLEncodedString(const QString& text);
 /// The number's decimal text.

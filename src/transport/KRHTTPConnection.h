@@ -95,13 +95,11 @@ public:
 /// One exchange with a server, redirects included, on libcurl.
 ///  - TLS is verified against the system's authorities and the extra file; cookies are neither sent nor kept.
 ///  - A GET may reuse a connection, and is sent again should that one turn out closed. Everything else
-///  travels on a
-///    fresh connection, once.
+///    travels on a fresh connection, once.
 ///  - Redirects (RFC 9110, 15.4) are followed here, not by libcurl: at most `maxRedirects` deep, never from
-///  https to
-///    http; once a hop leaves the first address's scheme, host or port only harmless headers go along. 301,
-///    302 and 303 turn everything but GET and HEAD into GET; 307 and 308 repeat the request only to the same
-///    origin.
+///    https to http; once a hop leaves the first address's scheme, host or port only harmless headers go
+///    along. 301, 302 and 303 turn everything but GET and HEAD into GET without a body; 307 and 308 repeat
+///    the request only to the same origin.
 /// Background thread only.
 class KRHTTPConnection final : public KRTransfer, public std::enable_shared_from_this<KRHTTPConnection> {
 public:

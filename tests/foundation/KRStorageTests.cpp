@@ -50,6 +50,26 @@ TEST(KRUserDefaults, KeepsValuesAcrossInstancesInAPrivateFile)
     EXPECT_EQ(defaults.keysInGroup(u"ServiceHosts"_s), QStringList { u"RESTHost"_s });
 }
 
+TEST(KRUserDefaults, AFailedWriteIsAnErrorOnce)
+{
+    const QTemporaryDir directory;
+    const QString folder = directory.filePath(u"settings"_s);
+    const QString path = folder + u"/pelinor.ini"_s;
+    KRUserDefaults defaults(path);
+    ASSERT_FALSE(defaults.synchronize().isError());
+    // Where the folder was there is a file now.
+    const QString moved = directory.filePath(u"moved"_s);
+    ASSERT_TRUE(QFile::rename(folder, moved));
+    ASSERT_TRUE(QFile(folder).open(QIODevice::WriteOnly));
+    defaults.setInteger("number", 7);
+    EXPECT_TRUE(defaults.synchronize().isError());
+    EXPECT_TRUE(defaults.synchronize().isError()) << "nothing has been written yet";
+    ASSERT_TRUE(QFile::remove(folder));
+    ASSERT_TRUE(QFile::rename(moved, folder));
+    EXPECT_FALSE(defaults.synchronize().isError());
+    EXPECT_EQ(KRUserDefaults(path).integerForKey("number"), 7);
+}
+
 TEST(KRUserDefaults, SetsAsideWhatCannotBeReadUnderANewNameEachTime)
 {
     KRTestLog log;
