@@ -29,7 +29,8 @@ QString outcomeName(Outcome outcome)
 
 QString errorFinding(const KRError& error)
 {
-    return error.description.isEmpty() ? u"%1 %2"_s.arg(error.domain, QString::number(error.code)) : error.description;
+    return error.description.isEmpty() ? u"%1 %2"_s.arg(error.domain, QString::number(error.code))
+                                       : error.description;
 }
 
 ServerCheckResult failure(const QString& check, const KRError& error, const QString& meaning)
@@ -126,7 +127,8 @@ timeline(const QString& check, const KRResult<TwitterStatusList>& answer, const 
     if (partial > 0) {
         return { check,
             Outcome::Differs,
-            u"%1 of %2 have no ID, date or author"_s.arg(QString::number(partial), numberOf(statuses.size(), u"post"_s)),
+            u"%1 of %2 have no ID, date or author"_s.arg(QString::number(partial),
+                numberOf(statuses.size(), u"post"_s)),
             u"They are shown without, or at the wrong place."_s };
     }
     return { check, Outcome::Works, numberOf(statuses.size(), u"post"_s), {} };
@@ -140,7 +142,8 @@ ServerCheckResult count(const KRResult<QStringList>& answer)
     const qsizetype number = answer.value().size();
     if (number == pageSize)
         return { check, Outcome::Works, u"A page has as many posts as are asked for"_s, {} };
-    const QString finding = u"%1 where %2 were asked for"_s.arg(numberOf(number, u"post"_s), QString::number(pageSize));
+    const QString finding
+        = u"%1 where %2 were asked for"_s.arg(numberOf(number, u"post"_s), QString::number(pageSize));
     if (number > pageSize) {
         return { check,
             Outcome::Differs,
@@ -284,9 +287,9 @@ ServerCheckResult uploads(const QUrl& address, const KRResult<int>& answer)
     const QString meaning = u"Pictures cannot be attached."_s;
     if (answer.isError())
         return failure(check, answer.error(), meaning);
-    const QString finding = u"%1 answers with status %2"_s
-                                .arg(address.toDisplayString(QUrl::RemoveUserInfo | QUrl::RemoveQuery),
-                                    QString::number(answer.value()));
+    const QString finding = u"%1 answers with status %2"_s.arg(
+        address.toDisplayString(QUrl::RemoveUserInfo | QUrl::RemoveQuery),
+        QString::number(answer.value()));
     // Whatever it says to a request without a file, it is there.
     if (answer.value() == 404 || answer.value() == 410 || answer.value() >= 500)
         return { check, Outcome::Fails, finding, meaning };
