@@ -96,11 +96,17 @@ void PelinorProfileImage::draw(QPainter& painter,
     const TwitterProfileImagePtr& image,
     const PelinorCellColors& colors)
 {
-    const auto* const avatar = dynamic_cast<const PelinorProfileImage*>(image.get());
-    if (!avatar) {
+    if (image)
+        drawPicture(painter, square, *image);
+    else
         drawPlaceholder(painter, square, colors);
-        return;
-    }
+}
+
+void PelinorProfileImage::drawPicture(QPainter& painter,
+    const QRectF& square,
+    const TwitterProfileImage& image)
+{
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(square, avatar->image());
+    // This program's maker makes no other kind.
+    painter.drawImage(square, static_cast<const PelinorProfileImage&>(image).image());
 }

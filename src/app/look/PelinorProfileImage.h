@@ -29,6 +29,9 @@ public:
         const TwitterProfileImagePtr& image,
         const PelinorCellColors& colors);
 
+    /// Draws nothing but the avatar.
+    static void drawPicture(QPainter& painter, const QRectF& square, const TwitterProfileImage& image);
+
 private:
     QImage m_image;
 };

@@ -1,0 +1,42 @@
+#include "app/look/PelinorWindowColors.h"
+
+#include <QPalette>
+
+namespace {
+
+PelinorWindowColors lightColors()
+{
+    return {
+        .column = QColor(40, 40, 40),
+        .columnShade = QColor(0, 0, 0),
+        .columnEnd = QColor(179, 179, 179),
+        .columnIcon = QColor(0xFF, 0xFF, 0xFF),
+        .columnPlaceholder = QColor(128, 128, 128),
+        .columnFocus = QColor(0x7C, 0xC4, 0xFF),
+        .strip = QColor(0xF0, 0xF2, 0xF4),
+        .stripLine = QColor(0xD5, 0xD9, 0xDE),
+        .stripText = QColor(0x4A, 0x52, 0x5B),
+        .stripError = QColor(0xA6, 0x2B, 0x1F),
+        .screen = QColor(0xFF, 0xFF, 0xFF),
+    };
+}
+
+PelinorWindowColors darkColors()
+{
+    PelinorWindowColors colors = lightColors();
+    colors.strip = QColor(0x25, 0x2A, 0x2F);
+    colors.stripLine = QColor(0x11, 0x14, 0x17);
+    colors.stripText = QColor(0xA9, 0xB2, 0xBB);
+    colors.stripError = QColor(0xF2, 0x9A, 0x8E);
+    colors.screen = QColor(0x1C, 0x20, 0x24);
+    return colors;
+}
+
+} // namespace
+
+const PelinorWindowColors& PelinorWindowColors::forPalette(const QPalette& palette)
+{
+    static const PelinorWindowColors light = lightColors();
+    static const PelinorWindowColors dark = darkColors();
+    return palette.color(QPalette::WindowText).lightnessF() > 0.5F ? dark : light;
+}
