@@ -119,7 +119,7 @@ void PelinorAccountTabsView::_updateDisplay(bool animated)
                     m_movementTimer.invalidate();
             });
     } else if (moves || !animated) {
-        m_movementStart = {};
+        m_movementStart.reset();
     }
     _scrollTo(m_scrollPosition);
     update();
@@ -128,7 +128,9 @@ void PelinorAccountTabsView::_updateDisplay(bool animated)
 qreal PelinorAccountTabsView::_progress() const
 {
     static const QEasingCurve curve(QEasingCurve::InOutSine);
-    const auto passed = std::chrono::duration<qreal>(KRClock::shared().monotonicNow() - m_movementStart);
+    if (!m_movementStart)
+        return 1;
+    const auto passed = std::chrono::duration<qreal>(KRClock::shared().monotonicNow() - *m_movementStart);
     return curve.valueForProgress(std::clamp(passed / MovementDuration, 0.0, 1.0));
 }
 
@@ -142,11 +144,13 @@ void PelinorAccountTabsView::_showSelection()
 {
     if (!m_selectedAccountLayer)
         return;
-    // The account with its tabs where they find room, else the tab.
-    const int top = m_selectedAccountLayer->y();
-    const int bottom = m_accountTabLayers.back()->frame().bottom() + 1;
-    const QRect wanted
-        = bottom - top <= height() ? QRect(0, top, Width, bottom - top) : m_selectedAccountTabLayer->frame();
+    // The account with all its tabs where they find room, else down to the selected one, else that one.
+    QRect wanted = m_selectedAccountTabLayer->frame();
+    for (const QRect& last : { wanted, m_accountTabLayers.back()->frame() }) {
+        const QRect whole = m_selectedAccountLayer->frame() | last;
+        if (whole.height() <= height())
+            wanted = whole;
+    }
     _scrollTo(std::clamp(m_scrollPosition, wanted.bottom() + 1 - height(), wanted.top()));
 }
 

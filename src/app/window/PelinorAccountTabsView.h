@@ -137,7 +137,8 @@ private:
     int m_scrollPosition = 0;
     int m_contentHeight = 0;
     bool m_showsFocus = false;
-    KRClock::TimePoint m_movementStart {};
+    // While something moves.
+    std::optional<KRClock::TimePoint> m_movementStart;
     KRTimer m_movementTimer;
     std::vector<KRObservation> m_observations;
 };

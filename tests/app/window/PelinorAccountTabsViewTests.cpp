@@ -1,0 +1,265 @@
+#include "app/look/PelinorImages.h"
+#include "app/look/PelinorWindowColors.h"
+#include "app/window/PelinorAccountTabsView.h"
+#include "support/KRManualClock.h"
+#include "toolkit/transitions/KRMotion.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class PelinorAccountTabsViewTest : public testing::Test, protected PelinorAccountTabsViewDelegate {
+protected:
+    PelinorAccountTabsViewTest()
+    {
+        tabs.setDelegate(this);
+        tabs.resize(60, 600);
+        QList<TwitterAccountPtr> accounts;
+        for (const QString& name : { u"alice"_s, u"bob"_s, u"carol"_s }) {
+            accounts.append(TwitterAccount::accountWithUsername(name, u"x"_s, { tables, {} }));
+        }
+        tabs.setAccounts(accounts);
+    }
+
+    void accountTabsSelectAccount(PelinorAccountTabsView& view,
+        const TwitterAccountPtr& account,
+        int direction,
+        bool speedy) override
+    {
+        told += u"%1 tab %2 direction %3%4|"_s.arg(account->username(),
+            QString::number(view.selectedAccountTab()),
+            QString::number(direction),
+            speedy ? u" speedy"_s : QString());
+    }
+    void accountTabsSelectTab(PelinorAccountTabsView& /*view*/, int tag, int direction) override
+    {
+        told += u"tab %1 direction %2|"_s.arg(tag).arg(direction);
+    }
+    void accountTabsReSelectAccount(PelinorAccountTabsView& /*view*/,
+        const TwitterAccountPtr& account) override
+    {
+        told += u"again %1|"_s.arg(account->username());
+    }
+    void accountTabsReSelectTab(PelinorAccountTabsView& /*view*/, int tag) override
+    {
+        told += u"again tab %1|"_s.arg(tag);
+    }
+    void accountTabsDoubleClickAccount(PelinorAccountTabsView& /*view*/,
+        const TwitterAccountPtr& account) override
+    {
+        told += u"double %1|"_s.arg(account->username());
+    }
+
+    QString taken() { return std::exchange(told, {}); }
+    void click(int y) { QTest::mouseClick(&tabs, Qt::LeftButton, {}, { 30, y }); }
+    // The tops of what stands in the column, from its top: accounts by number, tabs by letter.
+    QString column() const
+    {
+        QStringList places;
+        for (const auto& place : tabs.places()) {
+            places.append(place.account ? place.account->account()->username()
+                                        : AccountTabLayer::title(place.tab->tag()).left(1));
+            places.last() += QString::number(place.account ? place.account->y() : place.tab->y());
+        }
+        return places.join(u' ');
+    }
+    void bringPost(const TwitterAccountPtr& account)
+    {
+        TwitterStatusList posts;
+        for (const int number : { 1, 2 }) {
+            auto post = std::make_shared<TwitterStatus>();
+            post->setStatusID(QString::number(number));
+            post->setDate(KRNow().addSecs(number));
+            posts.prepend(post);
+            account->timelineStream()->setStatuses(posts);
+            // The first one has been seen.
+            if (number == 1)
+                account->noteFreshTweets();
+        }
+    }
+
+    KRManualClock clock;
+    std::shared_ptr<TwitterUniquingTables> tables = std::make_shared<TwitterUniquingTables>();
+    PelinorAccountTabsView tabs { KRNotificationCenter::defaultCenter() };
+    QString told;
+};
+
+TEST_F(PelinorAccountTabsViewTest, TheTabsStandBelowTheSelectedAccount)
+{
+    EXPECT_EQ(column(), u"alice0 T66 M106 D146 S186 bob226 carol292"_s);
+    EXPECT_EQ(tabs.contentHeight(), 358);
+    EXPECT_EQ(tabs.selectionNipple().y(), 72);
+    click(250);
+    EXPECT_EQ(taken(), u"bob tab 0 direction 0|"_s);
+    EXPECT_EQ(column(), u"alice0 bob66 T132 M172 D212 S252 carol292"_s);
+    click(190);
+    EXPECT_EQ(taken(), u"tab 1 direction 0|"_s);
+    EXPECT_EQ(tabs.selectionNipple().y(), 178);
+    click(10);
+    EXPECT_EQ(taken(), u"alice tab 0 direction 1|"_s) << "every account has a tab of its own";
+    tabs.selectNextAccount();
+    EXPECT_EQ(taken(), u"bob tab 1 direction 0 speedy|"_s);
+    tabs.selectAccountTab(0);
+    EXPECT_EQ(taken(), u"tab 0 direction 1|"_s);
+    tabs.selectAccountTab(0);
+    tabs.selectAccountTab(7);
+    EXPECT_EQ(taken(), QString());
+    tabs.selectPreviousAccount();
+    tabs.selectPreviousAccount();
+    EXPECT_EQ(taken(), u"alice tab 0 direction 1 speedy|"_s) << "nothing stands above the first";
+    tabs.restoreSelection(tabs.accounts().last(), 3);
+    EXPECT_EQ(taken(), QString());
+    EXPECT_EQ(tabs.selectedAccount(), tabs.accounts().last());
+    EXPECT_EQ(tabs.selectedAccountTab(), 3);
+    tabs.setAccounts(tabs.accounts());
+    EXPECT_EQ(tabs.selectedAccount(), tabs.accounts().first());
+    EXPECT_EQ(tabs.selectedAccountTab(), 0);
+}
+
+TEST_F(PelinorAccountTabsViewTest, AClickCountsWhereItBeganAndEnded)
+{
+    QTest::mousePress(&tabs, Qt::LeftButton, {}, { 30, 250 });
+    EXPECT_TRUE(tabs.accountLayers()[1]->mouseDown);
+    QTest::mouseRelease(&tabs, Qt::LeftButton, {}, { 30, 320 });
+    EXPECT_FALSE(tabs.accountLayers()[1]->mouseDown);
+    QTest::mouseClick(&tabs, Qt::RightButton, {}, { 30, 250 });
+    click(500);
+    EXPECT_EQ(taken(), QString());
+    click(30);
+    click(80);
+    EXPECT_EQ(taken(), u"again alice|again tab 0|"_s);
+    QTest::mouseDClick(&tabs, Qt::LeftButton, {}, { 30, 30 });
+    QTest::mouseRelease(&tabs, Qt::LeftButton, {}, { 30, 30 });
+    EXPECT_EQ(taken(), u"double alice|"_s);
+}
+
+TEST_F(PelinorAccountTabsViewTest, KeysWalkThroughTabsAndOn)
+{
+    for (const Qt::Key key :
+        { Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Up, Qt::Key_Return })
+        QTest::keyClick(&tabs, key);
+    EXPECT_EQ(taken(),
+        u"tab 1 direction 0|tab 2 direction 0|tab 3 direction 0|bob tab 0 direction 0 speedy|"
+        "alice tab 3 direction 1 speedy|again tab 3|"_s);
+}
+
+TEST_F(PelinorAccountTabsViewTest, NewsAreDotsOnTabsAndTiles)
+{
+    bringPost(tabs.accounts().first());
+    EXPECT_TRUE(tabs.accountTabLayers()[0]->badged);
+    EXPECT_FALSE(tabs.accountTabLayers()[1]->badged);
+    const QImage plain = tabs.grab({ 0, 226, 60, 66 }).toImage();
+    bringPost(tabs.accounts().at(1));
+    const QImage dotted = tabs.grab({ 0, 226, 60, 66 }).toImage();
+    EXPECT_EQ(dotted.copy(0, 0, 60, 55), plain.copy(0, 0, 60, 55));
+    EXPECT_NE(dotted.copy(6, 55, 12, 11), plain.copy(6, 55, 12, 11)) << "the dot of tweets";
+    EXPECT_EQ(dotted.copy(18, 55, 42, 11), plain.copy(18, 55, 42, 11));
+    EXPECT_EQ(tabs.accountLayers()[1]->accessibleName(), u"bob, something new"_s);
+}
+
+TEST_F(PelinorAccountTabsViewTest, TilesGlideUnlessNothingMoves)
+{
+    tabs.show();
+    const auto isDrawnAt = [&](qreal y) {
+        // The tile's placeholder begins six points below the tile's top.
+        return tabs.grab().toImage().pixelColor(30, qRound(y) + 30)
+            == PelinorWindowColors::forPalette(tabs.palette()).columnPlaceholder;
+    };
+    click(250);
+    EXPECT_FALSE(isDrawnAt(66)) << "still on its way";
+    // And one frame, the last.
+    clock.advance(PelinorAccountTabsView::MovementDuration + std::chrono::milliseconds(20));
+    EXPECT_TRUE(isDrawnAt(66));
+    EXPECT_FALSE(KRRunLoop::main().timeUntilNextWork().has_value()) << "nothing goes on when nothing moves";
+    KRMotion::setReducedByDesktop(true);
+    click(10);
+    EXPECT_TRUE(isDrawnAt(0));
+    KRMotion::setReducedByDesktop(false);
+}
+
+TEST_F(PelinorAccountTabsViewTest, TheColumnScrollsAsFarAsItGoes)
+{
+    tabs.resize(60, 200);
+    const auto wheel = [&](int delta) {
+        QWheelEvent event({ 30, 30 },
+            tabs.mapToGlobal(QPointF(30, 30)),
+            { 0, delta },
+            {},
+            {},
+            {},
+            Qt::NoScrollPhase,
+            false);
+        QCoreApplication::sendEvent(&tabs, &event);
+        return tabs.scrollPosition();
+    };
+    EXPECT_EQ(wheel(50), 0);
+    EXPECT_EQ(wheel(-100), 100);
+    EXPECT_EQ(wheel(-1000), 158);
+    click(300 - 158);
+    EXPECT_EQ(taken(), u"carol tab 0 direction 0|"_s);
+    EXPECT_EQ(tabs.rectOf(*tabs.accountTabLayers()[0]).top(), 66) << "the selected tab is in sight";
+    tabs.selectPreviousAccount();
+    tabs.selectPreviousAccount();
+    EXPECT_EQ(tabs.rectOf(*tabs.accountTabLayers()[0]).top(), 66);
+}
+
+TEST_F(PelinorAccountTabsViewTest, AssistiveTechnologySeesTabs)
+{
+    QAccessibleInterface* const column = QAccessible::queryAccessibleInterface(&tabs);
+    ASSERT_NE(column, nullptr);
+    EXPECT_EQ(column->role(), QAccessible::PageTabList);
+    ASSERT_EQ(column->childCount(), 7);
+    QStringList names;
+    for (int index = 0; index < column->childCount(); ++index) {
+        names.append(column->child(index)->text(QAccessible::Name));
+        EXPECT_EQ(column->child(index)->role(), QAccessible::PageTab);
+        EXPECT_EQ(column->indexOfChild(column->child(index)), index);
+        EXPECT_EQ(bool(column->child(index)->state().selected), index <= 1) << index;
+    }
+    EXPECT_EQ(names, u"alice|Timeline|Mentions|Direct Messages|Searches|bob|carol"_s.split(u'|'));
+    const QPoint third = tabs.mapToGlobal(QPoint(30, 120));
+    EXPECT_EQ(column->childAt(third.x(), third.y()), column->child(2));
+    column->child(2)->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(taken(), u"tab 1 direction 0|"_s);
+    tabs.setAccounts({});
+    EXPECT_EQ(column->childCount(), 0);
+    EXPECT_EQ(tabs.selectedAccount(), nullptr);
+}
+
+TEST_F(PelinorAccountTabsViewTest, IsDrawnForPeopleToLookAt)
+{
+    bringPost(tabs.accounts().first());
+    bringPost(tabs.accounts().at(2));
+    const QString folder = qEnvironmentVariable("PELINOR_SCREENSHOTS", QDir::tempPath());
+    const QImage image = tabs.grab().toImage();
+    EXPECT_LT(std::abs(image.pixelColor(30, 580).red()
+                  - PelinorWindowColors::forPalette(tabs.palette()).column.red()),
+        8)
+        << "but for a little shade";
+    if (qEnvironmentVariableIsSet("PELINOR_SCREENSHOTS")) {
+        EXPECT_TRUE(image.save(QDir(folder).filePath(u"column-%1x.png"_s.arg(tabs.devicePixelRatioF()))));
+    }
+    for (const char* name : { "SideTweets",
+             "SideReplies",
+             "SideMessages",
+             "SideSearch",
+             "SideProfile",
+             "BlueDot",
+             "SmallBlueDot",
+             "SelectionNipple",
+             "TitleGray5",
+             "AccountShelf",
+             "InnerShadow" })
+        EXPECT_FALSE(PelinorImages::named(QLatin1String(name)).isNull()) << name;
+}
+
+} // namespace
