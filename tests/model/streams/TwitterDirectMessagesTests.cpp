@@ -82,10 +82,11 @@ TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
     const auto stream = m_manager->receivedStream();
     const auto loadOlder = [&](const QByteArray& body, int status) {
         std::promise<void> askedTwice;
-        m_site.answer("/direct_messages.xml", [status, body, gate = askedTwice.get_future().share()](const auto&) {
-            gate.wait();
-            return KRTestSite::Answer { status, body };
-        });
+        m_site.answer("/direct_messages.xml",
+            [status, body, gate = askedTwice.get_future().share()](const auto&) {
+                gate.wait();
+                return KRTestSite::Answer { status, body };
+            });
         stream->loadOlder();
         stream->loadOlder();
         askedTwice.set_value();
