@@ -1,7 +1,7 @@
 #include "JsonWriter.h"
 
-#include <array>
-#include <cstdio>
+#include <QJsonArray>
+#include <QJsonDocument>
 
 namespace localservice {
 
@@ -18,22 +18,10 @@ void JsonWriter::begin(std::string_view name)
 
 void JsonWriter::string(std::string_view text)
 {
-    m_text += '"';
-    for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            m_text += '\\';
-            m_text += c;
-        } else if (c == '\n') {
-            m_text += "\\n";
-        } else if (static_cast<unsigned char>(c) < 0x20) {
-            std::array<char, 8> escape {};
-            std::snprintf(escape.data(), escape.size(), "\\u%04x", static_cast<unsigned>(c));
-            m_text += escape.data();
-        } else {
-            m_text += c;
-        }
-    }
-    m_text += '"';
+    // A document is no bare text, but an array around it is.
+    const QString content = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QByteArray array = QJsonDocument(QJsonArray { content }).toJson(QJsonDocument::Compact);
+    m_text.append(array.constData() + 1, static_cast<std::size_t>(array.size() - 2));
 }
 
 void JsonWriter::beginObject(std::string_view name)

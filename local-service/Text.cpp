@@ -1,10 +1,11 @@
 #include "Text.h"
 
+#include <QByteArray>
+#include <QDateTime>
+#include <QLocale>
+#include <QString>
+
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdio>
-#include <ctime>
 #include <limits>
 #include <utility>
 
@@ -62,50 +63,16 @@ std::string formDecoded(std::string_view text)
     return decoded;
 }
 
-// Length in bytes of the character at `position`, 0 when the bytes are not well-formed UTF-8.
-std::size_t sequenceLength(std::string_view text, std::size_t position)
-{
-    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-    const unsigned char lead = byteAt(position);
-    if (lead < 0x80)
-        return 1;
-    const std::size_t length = lead >= 0xC2 && lead <= 0xDF ? 2
-        : (lead & 0xF0) == 0xE0                             ? 3
-        : lead >= 0xF0 && lead <= 0xF4                      ? 4
-                                                            : 0;
-    if (length == 0 || position + length > text.size())
-        return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((byteAt(position + i) & 0xC0) != 0x80)
-            return 0;
-    }
-    const unsigned char second = byteAt(position + 1);
-    const bool isOverlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
-    const bool isSurrogate = lead == 0xED && second > 0x9F;
-    const bool isTooLarge = lead == 0xF4 && second > 0x8F;
-    return isOverlong || isSurrogate || isTooLarge ? 0 : length;
-}
-
-std::tm universalTime(std::int64_t secondsSinceEpoch)
-{
-    const auto time = static_cast<std::time_t>(secondsSinceEpoch);
-    std::tm parts {};
-    gmtime_r(&time, &parts);
-    return parts;
-}
-
 // The names are English whatever the locale.
-const char* dayName(const std::tm& parts)
+std::string dateText(std::int64_t secondsSinceEpoch, QStringView format)
 {
-    static constexpr std::array<const char*, 7> names { "Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat" };
-    return names.at(static_cast<std::size_t>(parts.tm_wday));
+    const QDateTime date = QDateTime::fromSecsSinceEpoch(secondsSinceEpoch, Qt::UTC);
+    return QLocale::c().toString(date, format).toStdString();
 }
 
-const char* monthName(const std::tm& parts)
+QByteArrayView bytes(std::string_view text)
 {
-    static constexpr std::array<const char*, 12>
-        names { "Jan", "Feb", "Mar", "Apr", "May", "Jun", "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
-    return names.at(static_cast<std::size_t>(parts.tm_mon));
+    return { text.data(), static_cast<qsizetype>(text.size()) };
 }
 
 bool startsLink(std::string_view rest)
@@ -134,13 +101,7 @@ std::size_t linkLength(std::string_view rest)
 
 bool isValidUTF8(std::string_view text)
 {
-    for (std::size_t position = 0; position < text.size();) {
-        const std::size_t length = sequenceLength(text, position);
-        if (length == 0)
-            return false;
-        position += length;
-    }
-    return true;
+    return QUtf8StringView(text.data(), static_cast<qsizetype>(text.size())).isValidUtf8();
 }
 
 std::size_t characterCount(std::string_view text)
@@ -190,42 +151,12 @@ std::string replacingAll(std::string text, std::string_view what, std::string_vi
 
 std::string escapedMarkup(std::string_view text)
 {
-    std::string escaped;
-    escaped.reserve(text.size() + text.size() / 8);
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
+    return QString::fromUtf8(bytes(text)).toHtmlEscaped().toStdString();
 }
 
 std::string percentEncoded(std::string_view text)
 {
-    static constexpr std::string_view digits = "0123456789ABCDEF";
-    std::string encoded;
-    for (const char c : text) {
-        if (isNameCharacter(c) || c == '-' || c == '.' || c == '~') {
-            encoded += c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            encoded += { '%', digits[byte >> 4U], digits[byte & 0xFU] };
-        }
-    }
-    return encoded;
+    return bytes(text).toByteArray().toPercentEncoding().toStdString();
 }
 
 Parameters parametersOfForm(std::string_view body)
@@ -245,25 +176,11 @@ Parameters parametersOfForm(std::string_view body)
 
 std::optional<std::string> decodedBase64(std::string_view text)
 {
-    static constexpr std::string_view alphabet
-        = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string decoded;
-    std::uint32_t bits = 0;
-    int bitCount = 0;
-    while (!text.empty() && text.back() == '=')
-        text.remove_suffix(1);
-    for (const char c : text) {
-        const std::size_t value = alphabet.find(c);
-        if (value == std::string_view::npos)
-            return std::nullopt;
-        bits = (bits << 6U | static_cast<std::uint32_t>(value)) & 0xFFFFFFU;
-        bitCount += 6;
-        if (bitCount >= 8) {
-            bitCount -= 8;
-            decoded += static_cast<char>(bits >> static_cast<unsigned>(bitCount) & 0xFFU);
-        }
-    }
-    return decoded;
+    const auto decoded
+        = QByteArray::fromBase64Encoding(bytes(text).toByteArray(), QByteArray::AbortOnBase64DecodingErrors);
+    if (!decoded)
+        return std::nullopt;
+    return decoded.decoded.toStdString();
 }
 
 std::optional<std::int64_t> decimalNumber(std::string_view text)
@@ -283,51 +200,22 @@ std::optional<std::int64_t> decimalNumber(std::string_view text)
 
 std::string restDate(std::int64_t secondsSinceEpoch)
 {
-    const std::tm parts = universalTime(secondsSinceEpoch);
-    std::array<char, 64> buffer {};
-    std::snprintf(buffer.data(),
-        buffer.size(),
-        "%s %s %02d %02d:%02d:%02d +0000 %04d",
-        dayName(parts),
-        monthName(parts),
-        parts.tm_mday,
-        parts.tm_hour,
-        parts.tm_min,
-        parts.tm_sec,
-        parts.tm_year + 1900);
-    return buffer.data();
+    return dateText(secondsSinceEpoch, u"ddd MMM dd HH:mm:ss '+0000' yyyy");
 }
 
 std::string searchDate(std::int64_t secondsSinceEpoch)
 {
-    const std::tm parts = universalTime(secondsSinceEpoch);
-    std::array<char, 64> buffer {};
-    std::snprintf(buffer.data(),
-        buffer.size(),
-        "%s, %02d %s %04d %02d:%02d:%02d +0000",
-        dayName(parts),
-        parts.tm_mday,
-        monthName(parts),
-        parts.tm_year + 1900,
-        parts.tm_hour,
-        parts.tm_min,
-        parts.tm_sec);
-    return buffer.data();
+    return dateText(secondsSinceEpoch, u"ddd, dd MMM yyyy HH:mm:ss '+0000'");
 }
 
 std::string isoDate(std::int64_t secondsSinceEpoch)
 {
-    const std::tm parts = universalTime(secondsSinceEpoch);
-    std::array<char, 64> buffer {};
-    std::strftime(buffer.data(), buffer.size(), "%Y-%m-%dT%H:%M:%S+00:00", &parts);
-    return buffer.data();
+    return dateText(secondsSinceEpoch, u"yyyy-MM-dd'T'HH:mm:ss'+00:00'");
 }
 
 std::int64_t currentTime()
 {
-    return std::chrono::duration_cast<std::chrono::seconds>(
-        std::chrono::system_clock::now().time_since_epoch())
-        .count();
+    return QDateTime::currentSecsSinceEpoch();
 }
 
 std::vector<TextPiece> piecesOfText(std::string_view text)

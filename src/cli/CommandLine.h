@@ -7,8 +7,42 @@
 
 #include <optional>
 
-/// What was asked for on the command line.
+/// What was asked for on the command line. A value; any thread.
 struct CommandLine {
+    enum class Command {
+        Verify,
+        Timeline,
+        Mentions,
+        Public,
+        User,
+        Favorites,
+        Show,
+        Conversation,
+        Profile,
+        Friends,
+        Followers,
+        Post,
+        Delete,
+        Favorite,
+        Unfavorite,
+        Follow,
+        Unfollow,
+        Follows,
+        Messages,
+        Sent,
+        Conversations,
+        Send,
+        Search,
+        Trends,
+        Shorten,
+        Expand,
+        Upload,
+        LongPost,
+        Shrink,
+        Check,
+        RateLimit,
+    };
+
     QString servicesFile;
     QString caFile;
     QString account;
@@ -25,15 +59,15 @@ struct CommandLine {
     QString service;
     /// Whether "check" may post.
     bool writes = false;
-    QString command;
+    /// The command as it was written, and which it is.
+    QString name;
+    Command command = Command::Verify;
     QStringList arguments;
-
     /// Whether the last argument is a text, for which "-" stands for standard input.
-    [[nodiscard]] bool takesText() const;
+    bool takesText = false;
 
     /// Reads the arguments after the program's name. The error's description says what is wrong with them.
     static KRResult<CommandLine> parse(const QStringList& arguments);
-    static QString usage();
     /// What such a description is told as; its code is the exit status.
     [[nodiscard]] static KRError wrongUsage(const QString& description);
     static constexpr char16_t usageErrorDomain[] = u"com.kestrin.pelinor.usage";

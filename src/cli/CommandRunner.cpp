@@ -34,80 +34,92 @@ TwitterAccountPtr CommandRunner::_findAccount(const QString& password) const
 void CommandRunner::start(const QString& password)
 {
     m_account = _findAccount(password);
-    static const QStringList writing { u"post"_s,
-        u"delete"_s,
-        u"favorite"_s,
-        u"unfavorite"_s,
-        u"follow"_s,
-        u"unfollow"_s };
-    if (writing.contains(m_line.command))
-        _startWriting();
-    else if (m_line.command == u"conversation")
-        _startConversation();
-    else if (!_startMessagesOrSearch() && !_startOutsideService())
-        _startReading();
+    if (!_startReading() && !_startWriting() && !_startMessagesOrSearch())
+        _startOutsideService();
 }
 
-void CommandRunner::_startReading()
+bool CommandRunner::_startReading()
 {
-    const QString& command = m_line.command;
     const QString name = m_line.arguments.value(0);
     const auto statuses
         = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotStatuses)); };
     const auto users = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotUsers)); };
     const auto answer = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotAnswer)); };
-    if (command == u"verify")
+    switch (m_line.command) {
+    case Command::Verify:
         answer()->verifyCredentials();
-    else if (command == u"timeline")
+        return true;
+    case Command::Timeline:
         statuses()->friendsTimelineSinceID(m_line.sinceID, m_line.maxID, m_line.count, m_line.page);
-    else if (command == u"mentions")
+        return true;
+    case Command::Mentions:
         statuses()->repliesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
-    else if (command == u"public")
+        return true;
+    case Command::Public:
         statuses()->publicTimeline();
-    else if (command == u"user")
+        return true;
+    case Command::User:
         statuses()->userTimelineForUsername(name, m_line.sinceID, m_line.maxID, m_line.count, m_line.page);
-    else if (command == u"favorites")
+        return true;
+    case Command::Favorites:
         statuses()->favoritesForUsername(name, m_line.page);
-    else if (command == u"show")
+        return true;
+    case Command::Show:
         m_account->authenticatedRequest(_then(&CommandRunner::gotStatus))->statusWithID(name);
-    else if (command == u"profile")
+        return true;
+    case Command::Conversation:
+        m_account->requestStatusWithID(name, _then(&CommandRunner::gotBaseStatus));
+        return true;
+    case Command::Profile:
         m_account->authenticatedRequest(_then(&CommandRunner::gotUser))->userWithUsername(name);
-    else if (command == u"friends")
+        return true;
+    case Command::Friends:
         users()->friendsForUsername(name, m_line.page);
-    else if (command == u"followers")
+        return true;
+    case Command::Followers:
         users()->followersForUsername(name, m_line.page);
-    else if (command == u"follows")
+        return true;
+    case Command::Follows:
         answer()->usernameFollowsUsername(name, m_line.arguments.value(1));
-    else
+        return true;
+    case Command::RateLimit:
         m_account->authenticatedRequest(_then(&CommandRunner::gotText))->rateLimitStatus();
+        return true;
+    default:
+        return false;
+    }
 }
 
-void CommandRunner::_startWriting()
+bool CommandRunner::_startWriting()
 {
-    const QString& command = m_line.command;
     const QString argument = m_line.arguments.value(0);
     const auto status = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotStatus)); };
     const auto user = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotUser)); };
-    if (command == u"post")
+    switch (m_line.command) {
+    case Command::Post:
         status()->update(argument, m_line.replyTo);
-    else if (command == u"delete")
+        return true;
+    case Command::Delete:
         status()->destroyStatus(argument);
-    else if (command == u"favorite")
+        return true;
+    case Command::Favorite:
         status()->createFavorite(argument);
-    else if (command == u"unfavorite")
+        return true;
+    case Command::Unfavorite:
         status()->destroyFavorite(argument);
-    else if (command == u"follow")
+        return true;
+    case Command::Follow:
         user()->followUsername(argument);
-    else
+        return true;
+    case Command::Unfollow:
         user()->unfollowUsername(argument);
+        return true;
+    default:
+        return false;
+    }
 }
 
 // --- Conversations
-
-void CommandRunner::_startConversation()
-{
-    m_account->requestStatusWithID(m_line.arguments.value(0), _then(&CommandRunner::gotBaseStatus));
-}
 
 void CommandRunner::gotBaseStatus(const KRResult<TwitterStatusPtr>& result)
 {
@@ -168,7 +180,7 @@ void CommandRunner::_fail(const KRError& error)
     const QString description
         = error.description.isEmpty() ? u"The answer does not hold what was asked for"_s : error.description;
     m_errors << RecordOutput::safeForTerminal(
-        u"%1 %2: %3"_s.arg(error.domain).arg(error.code).arg(description))
+        u"%1 %2: %3"_s.arg(error.domain, QString::number(error.code), description))
              << Qt::endl;
     m_exitCode = 1;
 }
@@ -220,7 +232,7 @@ void CommandRunner::gotAnswer(const KRResult<bool>& result)
 {
     if (result.isError())
         _fail(result.error());
-    else if (m_line.command == u"verify")
+    else if (m_line.command == Command::Verify)
         _printLine("verified", result.value(), u"Signed in as %1"_s.arg(m_account->username()));
     else
         _printLine("follows", result.value(), result.value() ? u"yes"_s : u"no"_s);

@@ -31,14 +31,14 @@ public:
 
 private:
     [[nodiscard]] TwitterAccountPtr _findAccount(const QString& password) const;
-    void _startReading();
-    void _startWriting();
-    void _startConversation();
-    /// Whether it is a command about messages, searches or trends.
+    using Command = CommandLine::Command;
+
+    /// Each of these starts the command if it is one of its kind, and says so.
+    [[nodiscard]] bool _startReading();
+    [[nodiscard]] bool _startWriting();
     [[nodiscard]] bool _startMessagesOrSearch();
     void _startConversations();
-    /// Whether it is a command for an outside service.
-    [[nodiscard]] bool _startOutsideService();
+    void _startOutsideService();
     void _startShortening();
     void _startExpanding();
     void _startUpload();

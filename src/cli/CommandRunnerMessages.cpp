@@ -5,28 +5,34 @@ using namespace Qt::StringLiterals;
 
 bool CommandRunner::_startMessagesOrSearch()
 {
-    const QString& command = m_line.command;
     const QString argument = m_line.arguments.value(0);
     const auto messages
         = [this] { return m_account->authenticatedRequest(_then(&CommandRunner::gotMessages)); };
     const TwitterServiceHosts& hosts = m_account->context().hosts;
-    if (command == u"messages")
+    switch (m_line.command) {
+    case Command::Messages:
         messages()->directMessagesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
-    else if (command == u"sent")
+        return true;
+    case Command::Sent:
         messages()->sentDirectMessagesSinceID(m_line.sinceID, m_line.maxID, m_line.page);
-    else if (command == u"conversations")
+        return true;
+    case Command::Conversations:
         _startConversations();
-    else if (command == u"send")
+        return true;
+    case Command::Send:
         m_account->authenticatedRequest(_then(&CommandRunner::gotMessage))
             ->sendToUsername(m_line.arguments.value(1), argument);
-    else if (command == u"search")
+        return true;
+    case Command::Search:
         TwitterSearchAPI::request(hosts, _then(&CommandRunner::gotStatuses))
             ->search(argument, m_line.count, m_line.page, m_line.sinceID, {});
-    else if (command == u"trends")
+        return true;
+    case Command::Trends:
         TwitterSearchAPI::request(hosts, _then(&CommandRunner::gotTrends))->trends();
-    else
+        return true;
+    default:
         return false;
-    return true;
+    }
 }
 
 // --- Conversations by direct message

@@ -74,26 +74,29 @@ QString addressText(const QUrl& url)
 
 } // namespace
 
-bool CommandRunner::_startOutsideService()
+void CommandRunner::_startOutsideService()
 {
-    const QString& command = m_line.command;
     const TwitterServiceHosts& hosts = m_account->context().hosts;
     const QString argument = m_line.arguments.value(0);
-    if (command == u"shorten")
+    switch (m_line.command) {
+    case Command::Shorten:
         _startShortening();
-    else if (command == u"expand")
+        break;
+    case Command::Expand:
         _startExpanding();
-    else if (command == u"upload")
+        break;
+    case Command::Upload:
         _startUpload();
-    else if (command == u"longpost")
+        break;
+    case Command::LongPost:
         Twitlonger::post(hosts, argument, m_account->username(), _then(&CommandRunner::gotLongPost));
-    else if (command == u"shrink")
+        break;
+    case Command::Shrink:
         Tweetshrink::shrink(hosts, argument, _then(&CommandRunner::gotShrunkText));
-    else if (command == u"check")
+        break;
+    default:
         _startCheck();
-    else
-        return false;
-    return true;
+    }
 }
 
 void CommandRunner::_startShortening()

@@ -1,3 +1,4 @@
+#include "cli/CommandDocuments.h"
 #include "cli/CommandRunner.h"
 #include "core/KRSecretService.h"
 #include "foundation/KRBlockingRunLoopDriver.h"
@@ -45,7 +46,7 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
         : line.caFile;
     KRHTTPTransportSettings::setCurrent(settings);
     const QString password = line.passwordFromStandardInput ? readPassword(input) : QString();
-    if (line.takesText() && line.arguments.last() == u"-")
+    if (line.takesText && line.arguments.last() == u"-")
         line.arguments.last() = input.readAll().trimmed();
 
     KRHTTPRequest::removeAbandonedBodies();
@@ -72,6 +73,11 @@ int main(int argc, char** argv)
     QStringList arguments;
     for (int i = 1; i < argc; ++i)
         arguments.append(QFile::decodeName(argv[i]));
+    if (arguments.size() == 2 && arguments.first() == u"--generate") {
+        const QString document = CommandDocuments::documentNamed(arguments.last());
+        output << document;
+        return document.isEmpty() ? 2 : 0;
+    }
     const KRResult<CommandLine> line = CommandLine::parse(arguments);
     if (line.isError()) {
         errors << line.error().description << "\nTry pelinor-cli --help" << Qt::endl;
@@ -81,6 +87,6 @@ int main(int argc, char** argv)
         KRSetLogSink(showErrorsAlone);
     if (!line.value().showsHelp)
         return run(line.value(), input, output, errors);
-    output << CommandLine::usage();
+    output << CommandDocuments::usage();
     return 0;
 }

@@ -1,9 +1,12 @@
 #include "KRTestCLI.h"
-#include "cli/CommandLine.h"
+#include "cli/CommandDocuments.h"
+#include "cli/CommandTable.h"
 #include "cli/RecordOutput.h"
 
 #include <QJsonArray>
 
+#include <algorithm>
+#include <cstdio>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -184,6 +187,64 @@ TEST(CommandLine, RefusesWhatMakesNoSense)
     const auto dashes = CommandLine::parse({ u"--json"_s, u"post"_s, u"--"_s, u"--json is a text here"_s });
     ASSERT_FALSE(dashes.isError());
     EXPECT_EQ(dashes.value().arguments, QStringList { u"--json is a text here"_s });
+}
+
+namespace {
+
+QByteArray outputOf(const QByteArray& command)
+{
+    std::FILE* pipe = ::popen(command.constData(), "r");
+    QByteArray output;
+    for (int c = pipe ? std::fgetc(pipe) : EOF; c != EOF; c = std::fgetc(pipe))
+        output += static_cast<char>(c);
+    if (pipe)
+        ::pclose(pipe);
+    return output.trimmed();
+}
+
+} // namespace
+
+TEST(CommandDocuments, ComeFromTheTable)
+{
+    for (const QString& document : { CommandDocuments::usage(),
+             CommandDocuments::manualPage().replace(u"\\-"_s, u"-"_s),
+             CommandDocuments::bashCompletion(),
+             CommandDocuments::zshCompletion() }) {
+        for (const auto& command : CommandTable::commands())
+            EXPECT_TRUE(document.contains(QLatin1String(command.name))) << command.name;
+        for (const auto& option : CommandTable::options())
+            EXPECT_TRUE(document.contains(QLatin1String(option.name))) << option.name;
+    }
+    for (const QString& line : CommandDocuments::usage().split(u'\n'))
+        EXPECT_LT(line.size(), 80) << qPrintable(line);
+    EXPECT_TRUE(CommandDocuments::usage().contains(u"  post TEXT [--reply-to ID]\n      "_s));
+    EXPECT_EQ(outputOf(PELINOR_CLI " --generate man | man --warnings -l - 2>&1 >/dev/null"), "");
+}
+
+TEST(CommandDocuments, CompleteCommandsAndTheirOptions)
+{
+    const std::pair<QByteArray, QByteArray> cases[] = {
+        { "time", "timeline" },
+        { "--json fa", "favorites favorite" },
+        { "--account timeline fo", "followers follow follows" },
+        { "post --r", "--reply-to" },
+        { "public --c", "--ca-file" },
+        { "timeline --c", "--ca-file --count" },
+        { "--account ''", "" },
+        { "--services /etc/hostn", "/etc/hostname" },
+        { "upload /etc/hostn", "/etc/hostname" },
+    };
+    const auto sorted = [](const QByteArray& words) {
+        QList<QByteArray> list = words.split(' ');
+        std::sort(list.begin(), list.end());
+        return list;
+    };
+    for (const auto& [words, completions] : cases) {
+        const QByteArray script = "bash -c '. <(" PELINOR_CLI " --generate bash); COMP_WORDS=(pelinor-cli "
+            + QByteArray(words).replace('\'', '"')
+            + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _pelinor_cli; echo ${COMPREPLY[@]}'";
+        EXPECT_EQ(sorted(outputOf(script)), sorted(completions)) << words.toStdString();
+    }
 }
 
 TEST(RecordOutput, GivesATerminalNoCommands)

@@ -81,7 +81,8 @@ TEST_F(MessageCommands, ConversationsHoldBothDirections)
         correspondents.append(correspondent);
         const QJsonArray messages = conversation.value(u"messages").toArray();
         EXPECT_FALSE(messages.isEmpty());
-        QString previous;
+        // Of two in one second the one with the higher number is the newer one.
+        std::pair<QString, qulonglong> previous;
         for (const QJsonValue& one : messages) {
             const QJsonObject message = one.toObject();
             QStringList parties { nameIn(message, u"sender"), nameIn(message, u"recipient") };
@@ -89,9 +90,10 @@ TEST_F(MessageCommands, ConversationsHoldBothDirections)
             QStringList expected { u"alice"_s, correspondent };
             expected.sort();
             EXPECT_EQ(parties, expected);
-            const QString date = message.value(u"date").toString();
-            EXPECT_TRUE(previous.isNull() || date <= previous) << "newest first";
-            previous = date;
+            const std::pair age(message.value(u"date").toString(),
+                message.value(u"messageID").toString().toULongLong());
+            EXPECT_TRUE(previous.first.isNull() || age < previous) << "newest first";
+            previous = age;
         }
     }
     EXPECT_EQ(correspondents.removeDuplicates(), 0);

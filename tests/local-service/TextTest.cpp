@@ -1,7 +1,6 @@
 #include "Text.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 using namespace localservice;
 
@@ -10,19 +9,6 @@ TEST(LocalServiceTextTest, DatesHaveTheThreeForms)
     EXPECT_EQ(restDate(1219842525), "Wed Aug 27 13:08:45 +0000 2008");
     EXPECT_EQ(searchDate(1219842525), "Wed, 27 Aug 2008 13:08:45 +0000");
     EXPECT_EQ(isoDate(1219842525), "2008-08-27T13:08:45+00:00");
-}
-
-TEST(LocalServiceTextTest, OnlyWellFormedUTF8IsValid)
-{
-    std::istringstream good(
-        "a \xC2\x80 \xE0\xA0\x80 \xED\x9F\xBF \xEF\xBF\xBD \xF0\x9F\x90\x9D \xF4\x8F\xBF\xBF");
-    std::istringstream bad("\x80 \xC0\x80 \xC1\xBF \xC3 \xE0\x9F\xBF \xED\xA0\x80 \xE2\x82 \xF0\x8F\xBF\xBF "
-                           "\xF4\x90\x80\x80 \xF5\x80\x80\x80 a\xFF");
-    EXPECT_TRUE(isValidUTF8(""));
-    for (std::string text; good >> text;)
-        EXPECT_TRUE(isValidUTF8(text)) << text;
-    for (std::string text; bad >> text;)
-        EXPECT_FALSE(isValidUTF8(text)) << text;
 }
 
 TEST(LocalServiceTextTest, FormsAndCredentialsAreDecoded)
@@ -35,7 +21,6 @@ TEST(LocalServiceTextTest, FormsAndCredentialsAreDecoded)
     EXPECT_EQ(parametersOfForm("a=1+2&&b%26%3D=%zz%4&c&d=x=y&e=%c3%A9&"), expected);
     EXPECT_EQ(decodedBase64("YWxpY2U6d29uZGVybGFuZA=="), "alice:wonderland");
     EXPECT_EQ(decodedBase64("not base64!"), std::nullopt);
-    EXPECT_EQ(percentEncoded("a b/ü~_"), "a%20b%2F%C3%BC~_");
     EXPECT_EQ(decimalNumber("0012"), 12);
     EXPECT_EQ(decimalNumber("9223372036854775807"), INT64_MAX);
     EXPECT_EQ(decimalNumber("9223372036854775808"), INT64_MAX);
