@@ -19,6 +19,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Ends the service's threads as the program does.
+class Ending final : public testing::Environment {
+public:
+    void TearDown() override { KRSecretService::stop(); }
+};
+[[maybe_unused]] const testing::Environment* const ending = testing::AddGlobalTestEnvironment(new Ending);
+
 const QString service = u"com.kestrin.pelinor-test"_s;
 const QString keychainService = QString::fromUtf16(TwitterAccount::keychainService);
 
