@@ -213,10 +213,10 @@ TEST_F(AccountRequests, RefreshLoadsAllAndTheSearchesOneASecondAfterThem)
         return loading;
     };
     // Nothing is found before the test has looked.
-    std::mutex hold;
-    std::unique_lock holding(hold);
-    m_site.answer("/search.json", [&](const auto&) {
-        std::scoped_lock waiting(hold);
+    const auto hold = std::make_shared<std::mutex>();
+    std::unique_lock holding(*hold);
+    m_site.answer("/search.json", [hold](const auto&) {
+        std::scoped_lock waiting(*hold);
         return KRTestSite::Answer { 200, "{}" };
     });
     m_account->refresh();
