@@ -30,43 +30,11 @@ Attributes internetAttributes(const EMInternetKeychainLocation& location, const 
         { u"protocol"_s, location.protocol } };
 }
 
-void logError(const char* operation, const Answer& answer)
-{
-    KRLog(u"Error (%1) - %2"_s.arg(QLatin1String(operation), answer.error));
-}
-
-/// What a refusal means for the rest of the program: a locked keyring is asked to open, a missing service is
-/// told.
-void react(const Answer& answer)
-{
-    if (answer.status == Status::Locked)
-        EMKeychainProxy::sharedProxy().unlockKeychain();
-    else if (answer.status == Status::Unavailable)
-        KRKeychain::noteUnavailable(answer.error);
-}
-
-Answer lookUp(const char* operation, const Attributes& attributes, bool logsErrors)
-{
-    Answer answer = KRSecretService::lookUp(attributes);
-    if (answer.status != Status::Done) {
-        if (logsErrors)
-            logError(operation, answer);
-        react(answer);
-    }
-    return answer;
-}
-
 /// Stores, and answers the stored item's handle.
-Answer add(const char* operation, const Attributes& attributes, const QString& label, const QString& password)
+Answer add(const Attributes& attributes, const QString& label, const QString& password)
 {
-    Answer answer = KRSecretService::store(attributes, label, password);
-    if (answer.status == Status::Done)
-        answer = KRSecretService::lookUp(attributes);
-    if (answer.status != Status::Done) {
-        logError(operation, answer);
-        react(answer);
-    }
-    return answer;
+    const Answer stored = KRSecretService::store(attributes, label, password);
+    return stored.status == Status::Done ? KRSecretService::lookUp(attributes) : stored;
 }
 
 } // namespace
@@ -77,14 +45,26 @@ EMKeychainProxy& EMKeychainProxy::sharedProxy()
     return proxy;
 }
 
+/// What an answer means for the rest of the program: a locked keyring is asked to open; a missing service is
+/// told once, and then nothing more of it.
+void EMKeychainProxy::_note(const char* operation, const Answer& answer, bool isLogged)
+{
+    m_isAvailable = answer.status != Status::Unavailable;
+    if (!m_isAvailable)
+        KRKeychain::noteUnavailable(answer.error);
+    else if (isLogged && answer.status != Status::Done)
+        KRLog(u"Error (%1) - %2"_s.arg(QLatin1String(operation), answer.error));
+    if (answer.status == Status::Locked)
+        unlockKeychain();
+}
+
 std::unique_ptr<EMGenericKeychainItem> EMKeychainProxy::genericKeychainItemForService(const QString& service,
     const QString& username)
 {
     if (username.isEmpty())
         return nullptr;
-    const Answer answer = lookUp("genericKeychainItemForService:withUsername:",
-        genericAttributes(service, username),
-        m_logsErrors);
+    const Answer answer = KRSecretService::lookUp(genericAttributes(service, username));
+    _note("genericKeychainItemForService:withUsername:", answer, m_logsErrors);
     if (answer.status != Status::Done)
         return nullptr;
     return std::make_unique<EMGenericKeychainItem>(answer.item, service, username, answer.password);
@@ -97,10 +77,8 @@ std::unique_ptr<EMGenericKeychainItem> EMKeychainProxy::addGenericKeychainItemFo
 {
     if (username.isEmpty() || service.isEmpty())
         return nullptr;
-    const Answer answer = add("addGenericKeychainItemForService:withUsername:password:",
-        genericAttributes(service, username),
-        u"Pelinor: %1"_s.arg(username),
-        password);
+    const Answer answer = add(genericAttributes(service, username), u"Pelinor: %1"_s.arg(username), password);
+    _note("addGenericKeychainItemForService:withUsername:password:", answer, true);
     if (answer.status != Status::Done)
         return nullptr;
     return std::make_unique<EMGenericKeychainItem>(answer.item, service, username, password);
@@ -109,11 +87,9 @@ std::unique_ptr<EMGenericKeychainItem> EMKeychainProxy::addGenericKeychainItemFo
 bool EMKeychainProxy::removeGenericKeychainItemForService(const QString& service, const QString& username)
 {
     const Answer answer = KRSecretService::remove(genericAttributes(service, username));
-    if (answer.status == Status::Done || answer.status == Status::NotFound)
-        return true;
-    logError("removeGenericKeychainItemForService:withUsername:", answer);
-    react(answer);
-    return false;
+    const bool isGone = answer.status == Status::Done || answer.status == Status::NotFound;
+    _note("removeGenericKeychainItemForService:withUsername:", answer, !isGone);
+    return isGone;
 }
 
 std::unique_ptr<EMInternetKeychainItem> EMKeychainProxy::internetKeychainItemForServer(
@@ -122,9 +98,8 @@ std::unique_ptr<EMInternetKeychainItem> EMKeychainProxy::internetKeychainItemFor
 {
     if (username.isEmpty() || location.server.isEmpty())
         return nullptr;
-    const Answer answer = lookUp("internetKeychainItemForServer:withUsername:path:port:protocol:",
-        internetAttributes(location, username),
-        m_logsErrors);
+    const Answer answer = KRSecretService::lookUp(internetAttributes(location, username));
+    _note("internetKeychainItemForServer:withUsername:path:port:protocol:", answer, m_logsErrors);
     if (answer.status != Status::Done)
         return nullptr;
     return std::make_unique<EMInternetKeychainItem>(answer.item, location, username, answer.password);
@@ -137,10 +112,10 @@ std::unique_ptr<EMInternetKeychainItem> EMKeychainProxy::addInternetKeychainItem
 {
     if (username.isEmpty() || location.server.isEmpty())
         return nullptr;
-    const Answer answer = add("addInternetKeychainItemForServer:withUsername:password:path:port:protocol:",
-        internetAttributes(location, username),
+    const Answer answer = add(internetAttributes(location, username),
         u"Pelinor: %1 on %2"_s.arg(username, location.server),
         password);
+    _note("addInternetKeychainItemForServer:withUsername:password:path:port:protocol:", answer, true);
     if (answer.status != Status::Done)
         return nullptr;
     return std::make_unique<EMInternetKeychainItem>(answer.item, location, username, password);

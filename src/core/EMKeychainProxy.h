@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/EMKeychainItem.h"
+#include "core/KRSecretService.h"
 
 #include <memory>
 
@@ -12,6 +13,8 @@ public:
 
     /// Whether look-ups that fail are logged.
     void setLogsErrors(bool logsErrors) { m_logsErrors = logsErrors; }
+    /// Whether the Secret Service answered when it was asked last.
+    bool isAvailable() const { return m_isAvailable; }
 
     /// Null for an empty name, and when there is no such item.
     std::unique_ptr<EMGenericKeychainItem> genericKeychainItemForService(const QString& service,
@@ -38,5 +41,8 @@ public:
 private:
     EMKeychainProxy() = default;
 
+    void _note(const char* operation, const KRSecretService::Answer& answer, bool isLogged);
+
     bool m_logsErrors = false;
+    bool m_isAvailable = true;
 };

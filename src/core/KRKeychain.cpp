@@ -23,9 +23,9 @@ KRKeychain::setPassword(const QString& password, const QString& username, const 
     }
     if (proxy.addGenericKeychainItemForService(serviceName, username, password))
         return {};
-    KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
-          u"permissions. "
-          u"(Service: \"%1\""_s.arg(serviceName));
+    if (proxy.isAvailable())
+        KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
+              u"permissions. (Service: \"%1\""_s.arg(serviceName));
     return errorWithDomain(QString::fromUtf16(errorDomain), -1, u"could not store item in keychain"_s);
 }
 

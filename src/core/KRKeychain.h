@@ -31,6 +31,6 @@ public:
     /// Removing what is not there is no error.
     static KRResult<void> removePasswordForUsername(const QString& username, const QString& serviceName);
 
-    /// Says once that there is nobody to keep passwords.
+    /// Says once that there is nobody to keep passwords: what then fails is not logged call by call.
     static void noteUnavailable(const QString& reason);
 };

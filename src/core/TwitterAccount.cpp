@@ -1,5 +1,6 @@
 #include "core/TwitterAccount.h"
 
+#include "core/EMKeychainProxy.h"
 #include "core/KRKeychain.h"
 #include "foundation/KRClock.h"
 #include "foundation/KRKeyedArchiver.h"
@@ -145,7 +146,7 @@ void TwitterAccount::_savePassword() const
 {
     const bool isRefused = KRKeychain::setPassword(m_password, m_username, serviceName()).isError();
     m_passwordState = isRefused ? Password::Refused : Password::HandedOver;
-    if (isRefused)
+    if (isRefused && EMKeychainProxy::sharedProxy().isAvailable())
         KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
               u"permissions. (Service: \"%1\""_s.arg(serviceName()));
 }

@@ -331,3 +331,12 @@ TEST_F(TwitterTest, TrendsLoadOnFirstDemandAndOnceAtATime)
     settle();
     EXPECT_EQ(updates.count, 2);
 }
+
+TEST_F(TwitterTest, AMissingKeyringIsNotToldAccountByAccount)
+{
+    KRTestLog log;
+    answerWithNothing();
+    m_twitter->addAccount(TwitterAccount::accountWithUsername(u"bob"_s, u"x"_s, m_twitter->accountContext()));
+    m_twitter->shutdown();
+    EXPECT_TRUE(log.lines().filter(u"Error"_s).isEmpty()) << log.lines().join(u'\n').toStdString();
+}
