@@ -1,15 +1,12 @@
 // A full timeline of real cells: one step of scrolling through it, painting included; a reload of it after
 // one new post; and ten seconds in which nothing happens.
 
-#include "app/lists/PelinorTweetsListViewController.h"
-#include "foundation/KRUserDefaults.h"
-#include "model/streams/TwitterDummyStatus.h"
+#include "app/lists/PelinorListFakes.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "toolkit/KRTableViewDocumentView.h"
 
 #include <QApplication>
 #include <QEventLoop>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
@@ -21,29 +18,6 @@ namespace {
 
 constexpr int PostCount = 500;
 constexpr int StepHeight = 40;
-
-class Timeline final : public TwitterStream {
-public:
-    TwitterStatusList statuses() const override { return rows; }
-    void setStatuses(const TwitterStatusList& statuses) override { rows = statuses; }
-    void loadNewer() override { }
-    void loadOlder() override { }
-
-    TwitterStatusList rows;
-};
-
-class Account final : public PelinorListAccount {
-public:
-    QString username() const override { return QStringLiteral("me"); }
-    bool isAuthorOfStatus(const TwitterStatus& status) const override
-    {
-        return status.statusID().endsWith(u'7');
-    }
-    std::shared_ptr<TwitterStream> timelineStream() override { return timeline; }
-    void noteFreshTweets() override { }
-
-    std::shared_ptr<Timeline> timeline = std::make_shared<Timeline>();
-};
 
 TwitterStatusPtr makePost(int number)
 {
@@ -76,8 +50,8 @@ public:
     List()
     {
         for (int number = PostCount; number > 0; --number)
-            account.timeline->rows.append(makePost(number));
-        account.timeline->rows.append(std::make_shared<TwitterDummyEndOfStreamStatus>());
+            stream->posts.append(makePost(number));
+        stream->isAtEnd = true;
         window.resize(1000, 800);
         controller.tableView().setParent(&window);
         controller.tableView().setFrame(window.rect());
@@ -87,14 +61,10 @@ public:
     }
 
     KRQtRunLoopDriver driver;
-    QTemporaryDir directory;
-    KRUserDefaults defaults { directory.filePath(QStringLiteral("defaults.ini")) };
-    KRNotificationCenter center;
-    PelinorDisplayPreferences preferences;
-    KRTextHeightCache heights;
-    Account account;
+    FakeSurroundings surroundings;
+    std::shared_ptr<FakeStream> stream = std::make_shared<FakeStream>(surroundings.center);
     QWidget window;
-    PelinorTweetsListViewController controller { { defaults, center, preferences, heights }, account };
+    FakeTimeline controller { surroundings, stream };
 };
 
 // Processor time, for what else the machine does is not the list's.
@@ -137,11 +107,11 @@ void reloadAfterOneNewPost(benchmark::State& state)
     List list;
     int number = PostCount;
     for ([[maybe_unused]] auto iteration : state) {
-        TwitterStatusList rows = list.account.timeline->rows;
+        TwitterStatusList rows = list.stream->posts;
         rows.prepend(makePost(++number));
-        list.account.timeline->rows = rows;
+        list.stream->posts = rows;
         const double start = milliseconds(CLOCK_THREAD_CPUTIME_ID);
-        list.controller.setStatuses(rows);
+        list.controller.setStatuses(list.stream->statuses());
         state.SetIterationTime((milliseconds(CLOCK_THREAD_CPUTIME_ID) - start) / 1000);
     }
 }

@@ -1,6 +1,7 @@
+#include "app/PelinorAppDelegate.h"
 #include "app/PelinorApplication.h"
-#include "app/PelinorApplicationDelegate.h"
 #include "app/PelinorLaunchOptions.h"
+#include "app/PelinorScreenshot.h"
 #include "core/KRSecretService.h"
 #include "foundation/KRUserDefaults.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
@@ -8,6 +9,7 @@
 #include "transport/KRHTTPRequest.h"
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -27,20 +29,20 @@ int run(const PelinorLaunchOptions& options)
     Twitter::setSharedEnvironment({ &defaults, hosts.value(), true });
     KRHTTPRequest::removeAbandonedBodies();
     Twitter& twitter = Twitter::sharedTwitter();
-    const TwitterAccountPtr account = options.chooseAccount(twitter);
-    if (!account)
-        return complain(
-            QStringLiteral("there is no such account; sign in with --account NAME --password-stdin"));
-
-    PelinorApplicationDelegate delegate(twitter, defaults, hosts.value());
-    delegate.openMainWindow(account);
-    if (!options.screenshotFile.isEmpty()) {
-        delegate.takeScreenshot(options.screenshotFile, [&options](bool isFilled) {
-            if (options.quitsAfterScreenshot)
-                QCoreApplication::exit(isFilled ? 0 : 1);
-        });
+    options.signIn(twitter);
+    PelinorAppDelegate delegate(twitter, defaults);
+    delegate.applicationDidFinishLaunching();
+    std::optional<PelinorScreenshot> screenshot;
+    if (!options.screenshotFile.isEmpty() && delegate.mainWindowController()) {
+        screenshot.emplace(*delegate.mainWindowController(),
+            options.screenshotFile,
+            [&options](bool isFilled) {
+                if (options.quitsAfterScreenshot)
+                    QCoreApplication::exit(isFilled ? 0 : 1);
+            });
     }
     const int exitCode = QApplication::exec();
+    screenshot.reset();
     delegate.applicationWillTerminate();
     KRSecretService::stop();
     KRBackgroundThread::stopShared();

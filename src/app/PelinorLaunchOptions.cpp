@@ -6,6 +6,7 @@
 #include <QCommandLineParser>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
 
 using namespace Qt::StringLiterals;
@@ -23,9 +24,11 @@ PelinorLaunchOptions PelinorLaunchOptions::parse(const QStringList& arguments)
     const QCommandLineOption caFile(u"ca-file"_s,
         u"Certificate authorities to trust beside the system's, as PEM."_s,
         u"file"_s);
-    const QCommandLineOption account(u"account"_s, u"The account to show."_s, u"name"_s);
+    const QCommandLineOption account(u"account"_s,
+        u"An account to sign in to; may be given several times."_s,
+        u"name"_s);
     const QCommandLineOption password(u"password-stdin"_s,
-        u"Its password is the first line of standard input."_s);
+        u"Their passwords are the lines of standard input."_s);
     const QCommandLineOption screenshot(u"screenshot"_s,
         u"Save a picture of the window once its posts have come."_s,
         u"file"_s);
@@ -34,7 +37,7 @@ PelinorLaunchOptions PelinorLaunchOptions::parse(const QStringList& arguments)
     parser.process(arguments);
     return { parser.value(services),
         parser.value(caFile),
-        parser.value(account),
+        parser.values(account),
         parser.isSet(password),
         parser.value(screenshot),
         parser.isSet(quit) };
@@ -49,24 +52,20 @@ KRResult<TwitterServiceHosts> PelinorLaunchOptions::prepareServices() const
     return TwitterServiceHosts::hostsWithDefaults(defaults, servicesFile);
 }
 
-TwitterAccountPtr PelinorLaunchOptions::chooseAccount(Twitter& twitter) const
+void PelinorLaunchOptions::signIn(Twitter& twitter) const
 {
-    if (account.isEmpty())
-        return twitter.accounts().value(0);
-    QString password;
-    if (passwordFromStandardInput)
-        password = QTextStream(stdin).readLine();
-    for (const TwitterAccountPtr& known : twitter.accounts()) {
-        if (known->username().compare(account, Qt::CaseInsensitive) != 0)
+    QTextStream passwords(stdin);
+    for (const QString& name : accounts) {
+        const QString password = passwordsFromStandardInput ? passwords.readLine() : QString();
+        if (password.isNull())
             continue;
-        if (!password.isNull())
-            known->setPassword(password);
-        return known;
+        const auto& known = twitter.accounts();
+        const auto found = std::find_if(known.begin(), known.end(), [&name](const TwitterAccountPtr& one) {
+            return one->username().compare(name, Qt::CaseInsensitive) == 0;
+        });
+        if (found != known.end())
+            (*found)->setPassword(password);
+        else
+            twitter.addAccount(TwitterAccount::accountWithUsername(name, password, twitter.accountContext()));
     }
-    if (password.isNull())
-        return nullptr;
-    const TwitterAccountPtr added
-        = TwitterAccount::accountWithUsername(account, password, twitter.accountContext());
-    twitter.addAccount(added);
-    return added;
 }

@@ -9,8 +9,8 @@
 struct PelinorLaunchOptions {
     QString servicesFile;
     QString caFile;
-    QString account;
-    bool passwordFromStandardInput = false;
+    QStringList accounts;
+    bool passwordsFromStandardInput = false;
     QString screenshotFile;
     bool quitsAfterScreenshot = false;
 
@@ -19,7 +19,7 @@ struct PelinorLaunchOptions {
 
     /// Sets the transport's trust and answers the hosts to use.
     [[nodiscard]] KRResult<TwitterServiceHosts> prepareServices() const;
-    /// The account to show: the one named, signed in and added if it was not there; else the first one. Null
-    /// when there is none.
-    [[nodiscard]] TwitterAccountPtr chooseAccount(Twitter& twitter) const;
+    /// Signs in to the accounts named, with the passwords of standard input, one on a line. Who is signed in
+    /// already gets the password; without passwords nothing happens.
+    void signIn(Twitter& twitter) const;
 };

@@ -215,6 +215,8 @@ void KRTableView::_syncOnScreenCells()
         m_currentRange = range;
     }
     m_flags.isUpdating = false;
+    if (m_delegate)
+        m_delegate->tableViewDidShowRows(*this, m_currentRange);
 }
 
 void KRTableView::_removeCellsOutside(KRRange range)
@@ -330,7 +332,7 @@ void KRTableView::resizeEvent(QResizeEvent* event)
     if (m_width != m_widthOfHeights) {
         KRRunLoop::main().post([table = QPointer<KRTableView>(this)] {
             if (table && table->m_width != table->m_widthOfHeights && !table->m_flags.inLiveResize)
-                table->_reloadKeepingPlace();
+                table->reloadDataKeepingPlace();
         });
     }
 }
@@ -341,7 +343,7 @@ void KRTableView::_setWidth(int width)
     m_documentView->setDocumentFrame({ 0, 0, m_width, m_totalHeight });
 }
 
-void KRTableView::_reloadKeepingPlace()
+void KRTableView::reloadDataKeepingPlace()
 {
     // Heights change with the width; the row at the top stays where it is.
     const qint64 row = visibleRange().location;
@@ -359,7 +361,7 @@ void KRTableView::viewDidEndLiveResize()
 {
     m_flags.inLiveResize = false;
     _setWidth(QWidget::width() - KRScroller::Width);
-    _reloadKeepingPlace();
+    reloadDataKeepingPlace();
 }
 
 void KRTableView::didScroll()
@@ -539,7 +541,8 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
         break;
     case Qt::Key_Return:
     case Qt::Key_Enter:
-        _activateSelectedRow();
+        if (!_activateSelectedRow() && m_delegate)
+            m_delegate->tableViewKeyDown(*this, *event);
         break;
     case Qt::Key_Space:
         if (event->modifiers() & Qt::ShiftModifier)
@@ -560,6 +563,8 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
         nextPage();
         break;
     default:
+        if (m_delegate)
+            m_delegate->tableViewKeyDown(*this, *event);
         break;
     }
 }

@@ -31,6 +31,9 @@ public:
     /// Asks the delegate for everything anew. While the user holds the scroller it waits until the mouse goes
     /// up; asked for by the delegate itself during a reload, it waits for the next pass of the run loop.
     void reloadData();
+    /// The same at once, for rows that are what they were but have other heights: the topmost visible row
+    /// stays where it is on the screen.
+    void reloadDataKeepingPlace();
 
     /// The idle cell of that identifier that was put aside last, or null.
     KRTableViewCell* dequeueReusableCellWithIdentifier(const QString& identifier);
@@ -113,7 +116,6 @@ private:
     bool _activateSelectedRow();
     void _reloadSoon();
     void _setWidth(int width);
-    void _reloadKeepingPlace();
     void _syncOnScreenCells();
     void _removeCellsOutside(KRRange range);
     void _addCellsInside(KRRange range);

@@ -55,11 +55,17 @@ public:
         state.selected = m_cell.selected();
         return state;
     }
-    QStringList actionNames() const override { return { pressAction() }; }
+    QStringList actionNames() const override { return QStringList(pressAction()) + m_cell.actionNames(); }
     void doAction(const QString& name) override
     {
-        if (name == pressAction() && m_cell.tableView())
+        if (name != pressAction())
+            m_cell.performAction(name);
+        else if (m_cell.tableView())
             pressRow(*m_cell.tableView(), m_cell.row());
+    }
+    QString localizedActionName(const QString& name) const override
+    {
+        return name == pressAction() ? QAccessibleWidget::localizedActionName(name) : name;
     }
 
 private:

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QPointer>
-#include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <optional>
@@ -30,6 +30,10 @@ public:
     /// Does what Return, Space and a screen reader's press mean on the row. False when they mean nothing, and
     /// Space turns the page.
     virtual bool activate() { return false; }
+
+    /// What else can be done with the row, by the names assistive technology offers it under.
+    [[nodiscard]] virtual QStringList actionNames() const { return {}; }
+    virtual void performAction(const QString& /*name*/) { }
 
     /// A part of a row that has the keyboard's focus: what the row shows, and which part of that.
     struct FocusedPart {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "foundation/KRRange.h"
+
 #include <QString>
 
+class QKeyEvent;
 class KRTableView;
 class KRTableViewCell;
 
@@ -29,6 +32,10 @@ public:
     /// reader's place is put back in the second.
     virtual void tableViewWillReload(KRTableView& /*tableView*/) { }
     virtual void tableViewDidReload(KRTableView& /*tableView*/) { }
+    /// Told when other rows than before have come into view, after their cells were made.
+    virtual void tableViewDidShowRows(KRTableView& /*tableView*/, KRRange /*rows*/) { }
+    /// Offered the presses of keys that mean nothing to the table. Whether it was used.
+    virtual bool tableViewKeyDown(KRTableView& /*tableView*/, const QKeyEvent& /*event*/) { return false; }
     /// Told after every selection, also when the row was selected before.
     virtual void tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 /*row*/) { }
 };

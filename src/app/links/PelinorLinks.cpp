@@ -18,11 +18,11 @@ KRShortLinkPreview preview(const PelinorLinkEnvironment& environment)
                                                                         : KRShortLinkPreview::Off;
 }
 
-void open(const QUrl& url, const PelinorLinkEnvironment& environment)
+void open(const QUrl& url, const KRUserDefaults& defaults, KRWorkspace& workspace)
 {
-    environment.workspace.openURL(url,
-        environment.defaults.boolForKey(OpenLinksInBackgroundDefaultsKey) ? KRWorkspace::Launch::InBackground
-                                                                          : KRWorkspace::Launch::Normal);
+    workspace.openURL(url,
+        defaults.boolForKey(OpenLinksInBackgroundDefaultsKey) ? KRWorkspace::Launch::InBackground
+                                                              : KRWorkspace::Launch::Normal);
 }
 
 void perform(const KRLinkAction& action, const PelinorLinkEnvironment& environment, QWidget* view)
@@ -45,12 +45,14 @@ void perform(const KRLinkAction& action, const PelinorLinkEnvironment& environme
         environment.presenter.openShortLinkChecker(action.text);
         break;
     case Kind::Open:
-        open(action.url, environment);
+        open(action.url, environment.defaults, environment.workspace);
         break;
     case Kind::OpenWhenUserAgrees:
-        PelinorOpenAddressSheet::ask(view, action.url, [environment](const QUrl& url) {
-            open(url, environment);
-        });
+        // The sheet outlives what follows this one click.
+        PelinorOpenAddressSheet::ask(view,
+            action.url,
+            [&defaults = environment.defaults, &workspace = environment.workspace](
+                const QUrl& url) { open(url, defaults, workspace); });
         break;
     case Kind::Search:
         environment.presenter.pushSearchView(action.text);

@@ -29,7 +29,8 @@ public:
     virtual void pushUserDetailsView(const QString& screenName) = 0;
 };
 
-/// What following links works with. All of it outlives the views with links.
+/// What following one link works with. The presenter and the hosts are those of the click; the rest outlives
+/// the views with links.
 struct PelinorLinkEnvironment {
     const TwitterServiceHosts& hosts;
     const KRUserDefaults& defaults;

@@ -88,6 +88,8 @@ QString LoadingTableViewCell::textForState(State state, Place place)
 {
     if (state == State::Loading)
         return tr("Loading…");
+    if (state == State::Failed)
+        return tr("Loading failed. Try again");
     return place == Place::Gap ? tr("Some posts are missing here") : tr("Show older posts");
 }
 
@@ -103,7 +105,7 @@ bool LoadingTableViewCell::activate()
 {
     // A copy: the handler may destroy the cell.
     const auto clicked = m_clicked;
-    if (m_state != State::Waiting || !clicked)
+    if (m_state == State::Loading || !clicked)
         return false;
     clicked();
     return true;
@@ -112,7 +114,6 @@ bool LoadingTableViewCell::activate()
 EndOfStreamTableViewCell::EndOfStreamTableViewCell()
     : PelinorPlaceholderTableViewCell(identifier())
 {
-    setHasPosts(true);
 }
 
 QString EndOfStreamTableViewCell::identifier()
@@ -123,16 +124,6 @@ QString EndOfStreamTableViewCell::identifier()
 int EndOfStreamTableViewCell::heightForTableWidth(int /*width*/)
 {
     return LineHeight;
-}
-
-void EndOfStreamTableViewCell::setHasPosts(bool hasPosts)
-{
-    setText(textForPosts(hasPosts), Tone::Quiet);
-}
-
-QString EndOfStreamTableViewCell::textForPosts(bool hasPosts)
-{
-    return hasPosts ? tr("No older posts") : tr("No posts yet");
 }
 
 ErrorStreamTableViewCell::ErrorStreamTableViewCell()
@@ -148,9 +139,4 @@ QString ErrorStreamTableViewCell::identifier()
 int ErrorStreamTableViewCell::heightForTableWidth(int /*width*/)
 {
     return LineHeight;
-}
-
-void ErrorStreamTableViewCell::setError(const KRError& error)
-{
-    setText(textForError(error), Tone::Error);
 }

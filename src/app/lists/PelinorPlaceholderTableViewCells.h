@@ -1,6 +1,5 @@
 #pragma once
 
-#include "foundation/KRError.h"
 #include "toolkit/KRTableViewCell.h"
 
 #include <functional>
@@ -43,6 +42,8 @@ public:
         Loading,
         /// Nothing is on its way; a click asks for more.
         Waiting,
+        /// The same, after a load that went wrong.
+        Failed,
     };
 
     LoadingTableViewCell();
@@ -73,9 +74,7 @@ public:
     static QString identifier();
     static int heightForTableWidth(int width);
 
-    /// Whether the list above holds any post.
-    void setHasPosts(bool hasPosts);
-    static QString textForPosts(bool hasPosts);
+    void setText(const QString& text) { PelinorPlaceholderTableViewCell::setText(text, Tone::Quiet); }
 };
 
 /// A place where loading failed.
@@ -87,6 +86,5 @@ public:
     static QString identifier();
     static int heightForTableWidth(int width);
 
-    void setError(const KRError& error);
-    static QString textForError(const KRError& error) { return error.description.simplified(); }
+    void setText(const QString& text) { PelinorPlaceholderTableViewCell::setText(text, Tone::Error); }
 };

@@ -20,6 +20,15 @@ struct PelinorStatusCellGeometry {
         return isMine ? QRect(width - 280, 5, 200, 20) : QRect(71, 5, width - 195, 20);
     }
     QRect dateFrame() const { return isMine ? QRect(15, 6, 100, 20) : QRect(width - 128, 6, 100, 20); }
+    // The buttons, each in the frame it is drawn in.
+    QRect replyButtonDisplayRect() const { return { width - 27, 6, 18, 13 }; }
+    static QRect actionRect(int width, int height) { return { width - 22, height - 18, 10, 10 }; }
+    /// On the picture's lower corner.
+    QRect favoriteRect() const
+    {
+        const QRect picture = profileImageFrame();
+        return { picture.right() - 17, picture.bottom() - 17, 16, 16 };
+    }
     QPoint textOrigin() const { return isMine ? QPoint(18, 24) : QPoint(73, 24); }
     int textWidth() const { return width - WidthBesideText; }
 };

@@ -1,10 +1,12 @@
 #include "app/lists/PelinorStatusListViewController.h"
 
-#include "app/lists/PelinorPlaceholderTableViewCells.h"
-#include "app/look/PelinorCellColors.h"
+#include "app/links/PelinorScreenLinkPresenter.h"
+#include "app/look/PelinorDisplayPreferences.h"
 #include "foundation/KRUserDefaults.h"
 #include "model/streams/TwitterDummyStatus.h"
-#include "text/render/KRColorConversion.h"
+
+#include <QHash>
+#include <QKeyEvent>
 
 #include <algorithm>
 #include <typeinfo>
@@ -14,16 +16,9 @@ namespace {
 constexpr auto DateInterval = std::chrono::minutes(1);
 constexpr int JumpToNewest = 1;
 
-template <class Cell, class... Arguments>
-Cell* reusedOrNewCell(KRTableView& tableView, Arguments&&... arguments)
+const TwitterDummyMissingStatus& missing(const TwitterStatusPtr& status)
 {
-    KRTableViewCell* cell = tableView.dequeueReusableCellWithIdentifier(Cell::identifier());
-    return cell ? static_cast<Cell*>(cell) : new Cell(std::forward<Arguments>(arguments)...);
-}
-
-bool isExactlyAStatus(const TwitterStatus& status)
-{
-    return typeid(status) == typeid(TwitterStatus);
+    return static_cast<const TwitterDummyMissingStatus&>(*status);
 }
 
 LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
@@ -33,49 +28,44 @@ LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
 
 } // namespace
 
-PelinorStatusListViewController::PelinorStatusListViewController(PelinorListEnvironment environment,
-    PelinorListAccount& account)
-    : m_environment(environment)
-    , m_account(account)
-{
-}
-
-PelinorStatusListViewController::~PelinorStatusListViewController()
-{
-    if (m_tableView)
-        m_tableView->setDelegate(nullptr);
-}
-
-KRTableView& PelinorStatusListViewController::tableView()
-{
-    if (!m_tableView) {
-        auto* const tableView = new KRTableView;
-        // Until a window takes the view, it is the list's own.
-        m_unplacedTableView.reset(tableView);
-        m_tableView = tableView;
-        tableView->setAccessibleName(KRTableView::tr("Posts"));
-        tableView->setDelegate(this);
-        updateColors();
-    }
-    return *m_tableView;
-}
-
 // Visits
 
 void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
 {
-    if (m_unplacedTableView && m_unplacedTableView->parentWidget())
-        static_cast<void>(m_unplacedTableView.release());
     tableView().reloadData();
     m_preferencesObservation
-        = m_environment.notifications.observe<PelinorDisplayPreferencesDidChangeNotification>(
+        = environment().notifications.observe<PelinorDisplayPreferencesDidChangeNotification>(
             [this](const PelinorDisplayPreferencesDidChangeNotification&) { displayPreferencesDidChange(); });
     m_dateTimer
         = KRRunLoop::main().scheduleTimer(DateInterval, KRRunLoop::Repeats::Yes, [this] { _updateDates(); });
+    const std::shared_ptr<TwitterStream> stream = this->stream();
+    if (!stream)
+        return;
+    m_streamObservation = environment().notifications.observe<TwitterStreamDidUpdateNotification>(
+        [this](const TwitterStreamDidUpdateNotification&) { streamDidUpdate(); },
+        stream.get());
+    // Failures are announced on the background thread.
+    m_errorObservation = environment().notifications.observe<TwitterStreamErrorNotification>(
+        [list = QPointer<PelinorStatusListViewController>(this)](const TwitterStreamErrorNotification&) {
+            KRRunLoop::main().post([list] {
+                if (list)
+                    list->_streamDidFail();
+            });
+        },
+        stream.get());
+    const TwitterStatusList statuses = stream->statuses();
+    setStatuses(statuses);
+    const bool hasPosts = std::any_of(statuses.begin(), statuses.end(), [](const TwitterStatusPtr& status) {
+        return status->isNotADummyStatus();
+    });
+    if (!hasPosts)
+        stream->loadNewer();
 }
 
 void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
 {
+    m_errorObservation.invalidate();
+    m_streamObservation.invalidate();
     m_preferencesObservation.invalidate();
     m_dateTimer.invalidate();
     saveScrollPosition();
@@ -83,17 +73,43 @@ void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
         noteFreshness();
 }
 
-void PelinorStatusListViewController::displayPreferencesDidChange()
+void PelinorStatusListViewController::streamDidUpdate()
 {
-    tableView().reloadData();
+    m_isLoadingOlder = false;
+    setStatuses(stream()->statuses());
 }
 
-void PelinorStatusListViewController::updateColors()
+void PelinorStatusListViewController::_streamDidFail()
 {
-    const PelinorCellColors& colors = PelinorCellColors::forPalette(tableView().palette());
-    const KRColor background = KRColorFromQColor(colors.background);
-    if (!(background == tableView().backgroundKRColor()))
-        tableView().setBackgroundKRColor(background);
+    // A stream that failed below its oldest post has ended there; a newer page can fail as often as it likes.
+    m_didFail = m_oldestStatusID.isNull() || m_loadedOlderThan == m_oldestStatusID;
+    m_isLoadingOlder = false;
+    tableView().reloadDataKeepingPlace();
+}
+
+void PelinorStatusListViewController::refresh()
+{
+    if (const std::shared_ptr<TwitterStream> stream = this->stream())
+        stream->loadNewer();
+}
+
+void PelinorStatusListViewController::loadOlder()
+{
+    const std::shared_ptr<TwitterStream> stream = this->stream();
+    if (!stream)
+        return;
+    m_loadedOlderThan = m_oldestStatusID;
+    m_isLoadingOlder = true;
+    m_didFail = false;
+    stream->loadOlder();
+    _updateLoadingCell();
+}
+
+// Looks
+
+void PelinorStatusListViewController::displayPreferencesDidChange()
+{
+    tableView().reloadDataKeepingPlace();
 }
 
 void PelinorStatusListViewController::_updateDates()
@@ -107,6 +123,23 @@ void PelinorStatusListViewController::_updateDates()
 
 // Rows
 
+PelinorStatusListViewController::RowKind PelinorStatusListViewController::_kindOf(const TwitterStatus& status)
+{
+    if (typeid(status) == typeid(TwitterStatus))
+        return RowKind::Status;
+    if (dynamic_cast<const TwitterDummyLoadingStatus*>(&status))
+        return RowKind::Loading;
+    if (dynamic_cast<const TwitterDummyMissingStatus*>(&status))
+        return RowKind::Missing;
+    if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(&status))
+        return RowKind::End;
+    if (dynamic_cast<const TwitterDummyHeaderStatus*>(&status))
+        return RowKind::Header;
+    if (dynamic_cast<const TwitterDummyErrorStatus*>(&status))
+        return RowKind::Error;
+    return RowKind::Status;
+}
+
 void PelinorStatusListViewController::setStatuses(const TwitterStatusList& statuses)
 {
     m_newStatuses = statuses;
@@ -118,10 +151,18 @@ void PelinorStatusListViewController::tableViewWillReload(KRTableView& tableView
     if (!m_newStatuses)
         return;
     m_followsNewest = tableView.isScrolledToTop()
-        && m_environment.defaults.integerForKey("AutoScrollBehavior") == JumpToNewest;
+        && environment().defaults.integerForKey("AutoScrollBehavior") == JumpToNewest;
     if (!m_statuses.isEmpty())
         saveScrollPosition();
     m_statuses = *std::exchange(m_newStatuses, std::nullopt);
+    m_kinds.clear();
+    const QString formerOldest = std::exchange(m_oldestStatusID, QString());
+    for (const TwitterStatusPtr& status : std::as_const(m_statuses)) {
+        m_kinds.push_back(_kindOf(*status));
+        if (m_kinds.back() == RowKind::Status && !status->statusID().isNull())
+            m_oldestStatusID = status->statusID();
+    }
+    m_didFail = m_didFail && m_oldestStatusID == formerOldest;
     m_restoresPlace = true;
 }
 
@@ -132,6 +173,15 @@ void PelinorStatusListViewController::tableViewDidReload(KRTableView& tableView)
     restoreScrollPosition();
     if (m_followsNewest)
         tableView.scrollToRow(0);
+}
+
+void PelinorStatusListViewController::tableViewDidShowRows(KRTableView& /*tableView*/, KRRange rows)
+{
+    // A list without posts is waiting for its first page, below which nothing can be asked for.
+    const bool isLoadingRowShown = !m_kinds.empty() && m_kinds.back() == RowKind::Loading
+        && rows.contains(qsizetype(m_kinds.size()) - 1);
+    if (isLoadingRowShown && !m_oldestStatusID.isNull() && m_loadedOlderThan != m_oldestStatusID)
+        loadOlder();
 }
 
 TwitterStatusPtr PelinorStatusListViewController::statusForRow(qint64 row) const
@@ -146,20 +196,6 @@ qint64 PelinorStatusListViewController::rowForStatus(const TwitterStatus& status
               return candidate.get() == &status || candidate->isEqual(status);
           });
     return found == m_statuses.end() ? NoRow : found - m_statuses.begin();
-}
-
-bool PelinorStatusListViewController::_hasPosts() const
-{
-    return !_oldestStatusID().isNull();
-}
-
-QString PelinorStatusListViewController::_oldestStatusID() const
-{
-    for (auto status = m_statuses.rbegin(); status != m_statuses.rend(); ++status) {
-        if ((*status)->isNotADummyStatus())
-            return (*status)->statusID();
-    }
-    return {};
 }
 
 // The reader's place
@@ -186,9 +222,9 @@ void PelinorStatusListViewController::saveScrollPosition()
     const KRRange visible = tableView().visibleRange();
     for (qsizetype row = visible.location; row < visible.end(); ++row) {
         const TwitterStatusPtr status = statusForRow(row);
-        if (!status || !isExactlyAStatus(*status))
+        if (!status || m_kinds[size_t(row)] != RowKind::Status)
             continue;
-        KRUserDefaults& defaults = m_environment.defaults;
+        KRUserDefaults& defaults = environment().defaults;
         defaults.setString(_topSavedStatusIDDefaultsKey(), status->statusID());
         defaults.setInteger(_topSavedStatusIDOffsetDefaultsKey(),
             tableView().relativeVisibleOffsetForRow(row));
@@ -201,7 +237,7 @@ void PelinorStatusListViewController::restoreScrollPosition()
 {
     if (autosaveName().isNull())
         return;
-    const KRUserDefaults& defaults = m_environment.defaults;
+    const KRUserDefaults& defaults = environment().defaults;
     const QString statusID = defaults.stringForKey(_topSavedStatusIDDefaultsKey());
     if (statusID.isEmpty())
         return;
@@ -226,7 +262,7 @@ int PelinorStatusListViewController::numberOfRowsInTableView(KRTableView& /*tabl
 
 PelinorStatusCellLayout PelinorStatusListViewController::_layoutOfStatus(const TwitterStatus& status) const
 {
-    return { m_account.isAuthorOfStatus(status),
+    return { account()->isAuthorOfStatus(status),
         shouldAmplifyStatus(status) ? KRStatusTextSize::Enlarged : KRStatusTextSize::Normal };
 }
 
@@ -236,21 +272,24 @@ int PelinorStatusListViewController::tableViewHeightForRow(KRTableView& tableVie
     const int width = tableView.width();
     if (!status)
         return 0;
-    if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get()))
-        return LoadingTableViewCell::heightForTableWidth(width);
-    if (dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
-        return LoadingTableViewCell::heightForTableWidth(width);
-    if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get()))
-        return EndOfStreamTableViewCell::heightForTableWidth(width);
-    if (dynamic_cast<const TwitterDummyHeaderStatus*>(status.get()))
+    switch (m_kinds[size_t(row)]) {
+    case RowKind::Header:
         return HeaderStreamTableViewCell::heightForTableWidth(width);
-    if (dynamic_cast<const TwitterDummyErrorStatus*>(status.get()))
+    case RowKind::Loading:
+    case RowKind::Missing:
+        return LoadingTableViewCell::heightForTableWidth(width);
+    case RowKind::End:
+        return EndOfStreamTableViewCell::heightForTableWidth(width);
+    case RowKind::Error:
         return ErrorStreamTableViewCell::heightForTableWidth(width);
+    case RowKind::Status:
+        break;
+    }
     return PelinorStatusTableViewCell::heightForStatus(*status,
         width,
         _layoutOfStatus(*status),
-        m_environment.displayPreferences,
-        m_environment.heights);
+        environment().displayPreferences,
+        environment().heights);
 }
 
 KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableView& tableView, qint64 row)
@@ -258,21 +297,25 @@ KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableVie
     const TwitterStatusPtr status = statusForRow(row);
     if (!status)
         return nullptr;
-    if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get()))
+    switch (m_kinds[size_t(row)]) {
+    case RowKind::Header:
+        return reusedOrNewCell<HeaderStreamTableViewCell>(tableView);
+    case RowKind::Loading:
         return _loadingCell(tableView);
-    if (dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
-        return _missingCell(tableView, std::static_pointer_cast<TwitterDummyMissingStatus>(status));
-    if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get())) {
+    case RowKind::Missing:
+        return _missingCell(tableView, status);
+    case RowKind::End: {
         auto* const cell = reusedOrNewCell<EndOfStreamTableViewCell>(tableView);
-        cell->setHasPosts(_hasPosts());
+        cell->setText(_endText());
         return cell;
     }
-    if (dynamic_cast<const TwitterDummyHeaderStatus*>(status.get()))
-        return reusedOrNewCell<HeaderStreamTableViewCell>(tableView);
-    if (const auto* const error = dynamic_cast<const TwitterDummyErrorStatus*>(status.get())) {
+    case RowKind::Error: {
         auto* const cell = reusedOrNewCell<ErrorStreamTableViewCell>(tableView);
-        cell->setError(error->error());
+        cell->setText(_textOfPlaceholder(row));
         return cell;
+    }
+    case RowKind::Status:
+        break;
     }
     return _statusCell(tableView, status);
 }
@@ -280,10 +323,84 @@ KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableVie
 KRTableViewCell* PelinorStatusListViewController::_statusCell(KRTableView& tableView,
     const TwitterStatusPtr& status)
 {
-    auto* const cell = reusedOrNewCell<PelinorStatusTableViewCell>(tableView, m_environment.notifications);
+    auto* const cell = reusedOrNewCell<PelinorStatusTableViewCell>(tableView, environment().notifications);
     cell->setDelegate(this);
-    cell->setStatus(status, _layoutOfStatus(*status), m_environment.displayPreferences);
+    cell->setStatus(status, _layoutOfStatus(*status), environment().displayPreferences);
+    cell->setIsFavorite(account()->isFavoriteStatus(*status));
+    cell->setIsHighlighted(highlightMentions() && account()->isMentionedInStatus(*status));
     return cell;
+}
+
+KRTableViewCell* PelinorStatusListViewController::_loadingCell(KRTableView& tableView)
+{
+    auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
+    cell->setClickHandler([this] { _loadMore(); });
+    cell->setState(_loadingState());
+    return cell;
+}
+
+KRTableViewCell* PelinorStatusListViewController::_missingCell(KRTableView& tableView,
+    const TwitterStatusPtr& status)
+{
+    auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
+    cell->setClickHandler([this, status] { stream()->loadMissing(missing(status)); });
+    cell->setState(stateOf(missing(status)), LoadingTableViewCell::Place::Gap);
+    return cell;
+}
+
+LoadingTableViewCell::State PelinorStatusListViewController::_loadingState() const
+{
+    using State = LoadingTableViewCell::State;
+    if (m_didFail)
+        return State::Failed;
+    return m_isLoadingOlder || m_oldestStatusID.isNull() ? State::Loading : State::Waiting;
+}
+
+void PelinorStatusListViewController::_loadMore()
+{
+    if (!m_oldestStatusID.isNull()) {
+        loadOlder();
+        return;
+    }
+    m_didFail = false;
+    refresh();
+    _updateLoadingCell();
+}
+
+void PelinorStatusListViewController::_updateLoadingCell()
+{
+    const qint64 row = qint64(m_kinds.size()) - 1;
+    if (row < 0 || m_kinds.back() != RowKind::Loading)
+        return;
+    if (auto* const cell = qobject_cast<LoadingTableViewCell*>(tableView().cellForRow(row)))
+        cell->setState(_loadingState());
+}
+
+QString PelinorStatusListViewController::_endText() const
+{
+    if (m_oldestStatusID.isNull())
+        return emptyText();
+    return m_didFail ? tr("Older posts could not be loaded") : tr("No older posts");
+}
+
+QString PelinorStatusListViewController::_textOfPlaceholder(qint64 row) const
+{
+    const TwitterStatusPtr status = statusForRow(row);
+    using Loading = LoadingTableViewCell;
+    switch (m_kinds[size_t(row)]) {
+    case RowKind::Loading:
+        return Loading::textForState(_loadingState());
+    case RowKind::Missing:
+        return Loading::textForState(stateOf(missing(status)), Loading::Place::Gap);
+    case RowKind::End:
+        return _endText();
+    case RowKind::Error:
+        return static_cast<const TwitterDummyErrorStatus&>(*status).error().description.simplified();
+    case RowKind::Header:
+    case RowKind::Status:
+        break;
+    }
+    return {};
 }
 
 QString PelinorStatusListViewController::tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row)
@@ -291,21 +408,129 @@ QString PelinorStatusListViewController::tableViewAccessibleNameForRow(KRTableVi
     const TwitterStatusPtr status = statusForRow(row);
     if (!status)
         return {};
-    if (isExactlyAStatus(*status))
-        return PelinorStatusTableViewCell::accessibleNameForStatus(*status);
-    // What the row's cell will say when it comes into view.
-    if (dynamic_cast<const TwitterDummyLoadingStatus*>(status.get())) {
-        const bool isWaiting = _hasPosts() && m_loadedOlderThan == _oldestStatusID();
-        return LoadingTableViewCell::textForState(
-            isWaiting ? LoadingTableViewCell::State::Waiting : LoadingTableViewCell::State::Loading);
+    return m_kinds[size_t(row)] == RowKind::Status
+        ? PelinorStatusTableViewCell::accessibleNameForStatus(*status)
+        : _textOfPlaceholder(row);
+}
+
+void PelinorStatusListViewController::tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row)
+{
+    if (const TwitterStatusPtr status = statusForRow(row))
+        status->setIsRead(true);
+}
+
+bool PelinorStatusListViewController::tableViewKeyDown(KRTableView& /*tableView*/, const QKeyEvent& event)
+{
+    static const QHash<int, Command> commands {
+        { Qt::Key_Return, Command::Details },
+        { Qt::Key_Enter, Command::Details },
+        { Qt::Key_Right, Command::Details },
+        { Qt::Key_P, Command::Author },
+        { Qt::Key_R, Command::Reply },
+        { Qt::Key_T, Command::Repost },
+        { Qt::Key_D, Command::DirectMessage },
+        { Qt::Key_F, Command::ToggleFavorite },
+        { Qt::Key_O, Command::OpenInBrowser },
+    };
+    const auto command = commands.find(event.key());
+    if (command == commands.end() || event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)
+        || !hasSelectedPost())
+        return false;
+    perform(*command);
+    return true;
+}
+
+bool PelinorStatusListViewController::hasSelectedPost()
+{
+    const qint64 row = tableView().selectedRow();
+    return statusForRow(row) && m_kinds[size_t(row)] == RowKind::Status;
+}
+
+void PelinorStatusListViewController::perform(Command command)
+{
+    if (!hasSelectedPost())
+        return;
+    const qint64 row = tableView().selectedRow();
+    // A post that was scrolled away comes back: windows grow out of it.
+    if (!tableView().selectedCell())
+        tableView().scrollToRow(row, 0);
+    auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(tableView().selectedCell());
+    if (!cell)
+        return;
+    switch (command) {
+    case Command::Details:
+        pelinorCellStatusDetails(*cell, row);
+        break;
+    case Command::Author:
+        pelinorCellFromUserDetailsForRow(*cell, row);
+        break;
+    case Command::Reply:
+        pelinorStatusCellReplyToStatus(*cell);
+        break;
+    case Command::Repost:
+        pelinorStatusCellRepostStatus(*cell);
+        break;
+    case Command::PostLink:
+        pelinorStatusCellPostLinkToStatus(*cell);
+        break;
+    case Command::DirectMessage:
+        pelinorStatusCellDirectMessageUser(*cell);
+        break;
+    case Command::ToggleFavorite:
+        pelinorStatusCellToggleFavoriteForStatus(*cell);
+        break;
+    case Command::OpenInBrowser:
+        pelinorStatusCellViewOnTwitter(*cell);
+        break;
     }
-    if (const auto* const missing = dynamic_cast<const TwitterDummyMissingStatus*>(status.get()))
-        return LoadingTableViewCell::textForState(stateOf(*missing), LoadingTableViewCell::Place::Gap);
-    if (dynamic_cast<const TwitterDummyEndOfStreamStatus*>(status.get()))
-        return EndOfStreamTableViewCell::textForPosts(_hasPosts());
-    if (const auto* const error = dynamic_cast<const TwitterDummyErrorStatus*>(status.get()))
-        return ErrorStreamTableViewCell::textForError(error->error());
-    return {};
+}
+
+// What the user does in a cell
+
+void PelinorStatusListViewController::pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell)
+{
+    _actions().reply(cell.status(), cell.replyPoint());
+}
+
+void PelinorStatusListViewController::pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell)
+{
+    _actions().repost(*cell.status(), cell.replyPoint());
+}
+
+void PelinorStatusListViewController::pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell)
+{
+    _actions().postLink(*cell.status(), cell.replyPoint());
+}
+
+void PelinorStatusListViewController::pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell)
+{
+    _actions().directMessage(cell.status()->fromUser());
+}
+
+void PelinorStatusListViewController::pelinorStatusCellToggleFavoriteForStatus(
+    PelinorStatusTableViewCell& cell)
+{
+    cell.setIsFavorite(_actions().toggleFavorite(cell.status()));
+}
+
+void PelinorStatusListViewController::pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell)
+{
+    _actions().openInBrowser(*cell.status(), &cell);
+}
+
+void PelinorStatusListViewController::pelinorCellStatusDetails(KRTableViewCell& /*cell*/, qint64 row)
+{
+    if (const TwitterStatusPtr status = statusForRow(row))
+        push(environment().screens.makeStatusDetailsView(account(), status));
+}
+
+void PelinorStatusListViewController::pelinorCellFromUserDetailsForRow(KRTableViewCell& /*cell*/, qint64 row)
+{
+    const TwitterStatusPtr status = statusForRow(row);
+    if (status && status->fromUser())
+        push(environment().screens.makeUserDetailsView(account(),
+            status->fromUser(),
+            status->fromUser()->username()));
 }
 
 void PelinorStatusListViewController::pelinorCellClickedLink(KRTableViewCell& cell,
@@ -313,41 +538,6 @@ void PelinorStatusListViewController::pelinorCellClickedLink(KRTableViewCell& ce
     qint64 /*row*/,
     int type)
 {
-    if (m_environment.links)
-        KRHandleLink(link, type, *m_environment.links, &cell);
-}
-
-KRTableViewCell* PelinorStatusListViewController::_loadingCell(KRTableView& tableView)
-{
-    auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
-    cell->setClickHandler([this] { loadOlder(); });
-    const bool isLoading = _loadOlderOnce() || !_hasPosts();
-    cell->setState(isLoading ? LoadingTableViewCell::State::Loading : LoadingTableViewCell::State::Waiting);
-    return cell;
-}
-
-KRTableViewCell* PelinorStatusListViewController::_missingCell(KRTableView& tableView,
-    const std::shared_ptr<TwitterDummyMissingStatus>& status)
-{
-    auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
-    cell->setClickHandler([this, status] { loadMissing(*status); });
-    cell->setState(stateOf(*status), LoadingTableViewCell::Place::Gap);
-    return cell;
-}
-
-bool PelinorStatusListViewController::_loadOlderOnce()
-{
-    // A list without posts is waiting for its first page, below which nothing can be asked for.
-    const QString oldest = _oldestStatusID();
-    if (oldest.isNull() || m_loadedOlderThan == oldest)
-        return false;
-    m_loadedOlderThan = oldest;
-    loadOlder();
-    return true;
-}
-
-void PelinorStatusListViewController::tableViewDidSelectRow(KRTableView& /*tableView*/, qint64 row)
-{
-    if (const TwitterStatusPtr status = statusForRow(row))
-        status->setIsRead(true);
+    PelinorScreenLinkPresenter(environment(), account(), navigationController())
+        .handleLink(link, type, &cell);
 }

@@ -1,48 +1,30 @@
 #pragma once
 
-#include "app/links/PelinorLinks.h"
-#include "app/lists/PelinorListAccount.h"
+#include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "app/lists/PelinorStatusActions.h"
 #include "app/lists/PelinorStatusTableViewCell.h"
-#include "app/look/PelinorDisplayPreferences.h"
+#include "app/lists/PelinorTableViewController.h"
 #include "foundation/KRNotificationCenter.h"
 #include "foundation/KRRunLoop.h"
-#include "text/render/KRTextHeightCache.h"
-#include "toolkit/KRTableView.h"
-#include "toolkit/KRTableViewDelegate.h"
 
 #include <limits>
 #include <optional>
-#include <utility>
-
-class KRUserDefaults;
-
-/// What every list works with. Outlives the lists.
-struct PelinorListEnvironment {
-    KRUserDefaults& defaults;
-    KRNotificationCenter& notifications;
-    const PelinorDisplayPreferences& displayPreferences;
-    KRTextHeightCache& heights;
-    /// Without it, clicks on links do nothing.
-    const PelinorLinkEnvironment* links = nullptr;
-};
+#include <vector>
 
 /// Shows statuses, one a row, and keeps the reader's place: across new rows, and across visits through the
 /// user defaults. Subclasses say where the statuses come from. Main thread.
-class PelinorStatusListViewController : public KRTableViewDelegate, public PelinorCellDelegate {
+class PelinorStatusListViewController : public PelinorTableViewController, public PelinorCellDelegate {
+    Q_OBJECT
+
 public:
     /// What rowForStatus() answers for a status that is not shown.
     static constexpr qint64 NoRow = std::numeric_limits<qint32>::max();
 
-    PelinorStatusListViewController(PelinorListEnvironment environment, PelinorListAccount& account);
-    ~PelinorStatusListViewController() override;
+    using PelinorTableViewController::PelinorTableViewController;
 
-    /// The list's view; made on the first call. Whoever puts it into a window owns it from then on.
-    KRTableView& tableView();
-    PelinorListAccount& account() const { return m_account; }
-
-    /// Around the time the view is on screen. A list that is not observes nothing.
-    virtual void viewWillAppear(bool animated);
-    virtual void viewWillDisappear(bool animated);
+    /// A list that is not on the screen observes nothing.
+    void viewWillAppear(bool animated) override;
+    void viewWillDisappear(bool animated) override;
 
     const TwitterStatusList& statuses() const { return m_statuses; }
     /// Replaces the rows, once the user has let go of the scroller. The reader's place stays where it is on
@@ -55,18 +37,35 @@ public:
     void saveScrollPosition();
     void restoreScrollPosition();
     void displayPreferencesDidChange();
-    /// Takes over how the desktop looks now.
-    void updateColors();
 
+    QString title() const override { return tr("Statuses"); }
+    /// What the list says when there is nothing in it.
+    virtual QString emptyText() const { return tr("No posts yet"); }
     /// The list's name in the user defaults; nothing is saved without one.
     virtual QString autosaveName() const { return {}; }
+    /// The stream whose statuses are shown; null for a list that is given them.
+    virtual std::shared_ptr<TwitterStream> stream() { return nullptr; }
     /// The user leaves the list, having seen its top.
     virtual void noteFreshness() { }
-    virtual void loadOlder() { }
-    /// Loads what is missing where the row stands.
-    virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }
-    virtual void refresh() { }
+    virtual bool highlightMentions() const { return false; }
     virtual bool shouldAmplifyStatus(const TwitterStatus& /*status*/) const { return false; }
+    void refresh();
+    void loadOlder();
+
+    /// What keys and menus do with the selected post.
+    enum class Command {
+        Details,
+        Author,
+        Reply,
+        Repost,
+        PostLink,
+        DirectMessage,
+        ToggleFavorite,
+        OpenInBrowser
+    };
+    [[nodiscard]] bool hasSelectedPost();
+    /// Nothing without a selected post.
+    void perform(Command command);
 
     int numberOfRowsInTableView(KRTableView& tableView) override;
     int tableViewHeightForRow(KRTableView& tableView, qint64 row) override;
@@ -74,38 +73,57 @@ public:
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
     void tableViewDidReload(KRTableView& tableView) override;
+    void tableViewDidShowRows(KRTableView& tableView, KRRange rows) override;
+    bool tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event) override;
     void tableViewDidSelectRow(KRTableView& tableView, qint64 row) override;
+
+    void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell) override;
+    void pelinorCellStatusDetails(KRTableViewCell& cell, qint64 row) override;
+    void pelinorCellFromUserDetailsForRow(KRTableViewCell& cell, qint64 row) override;
     void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) override;
 
-protected:
-    const PelinorListEnvironment& environment() const { return m_environment; }
-
 private:
+    enum class RowKind { Status, Header, Loading, Missing, End, Error };
+    static RowKind _kindOf(const TwitterStatus& status);
+
+    void streamDidUpdate();
+    void _streamDidFail();
     QString _topSavedStatusIDDefaultsKey() const;
     QString _topSavedStatusIDOffsetDefaultsKey() const;
     QString _selectedStatusIDDefaultsKey() const;
     PelinorStatusCellLayout _layoutOfStatus(const TwitterStatus& status) const;
+    QString _textOfPlaceholder(qint64 row) const;
     KRTableViewCell* _statusCell(KRTableView& tableView, const TwitterStatusPtr& status);
     KRTableViewCell* _loadingCell(KRTableView& tableView);
-    KRTableViewCell* _missingCell(KRTableView& tableView,
-        const std::shared_ptr<TwitterDummyMissingStatus>& status);
-    bool _loadOlderOnce();
-    bool _hasPosts() const;
-    QString _oldestStatusID() const;
+    KRTableViewCell* _missingCell(KRTableView& tableView, const TwitterStatusPtr& status);
+    LoadingTableViewCell::State _loadingState() const;
+    void _loadMore();
+    QString _endText() const;
+    void _updateLoadingCell();
     void _updateDates();
+    PelinorStatusActions _actions() const { return { environment(), account() }; }
 
-    PelinorListEnvironment m_environment;
-    PelinorListAccount& m_account;
-    std::unique_ptr<KRTableView> m_unplacedTableView;
-    QPointer<KRTableView> m_tableView;
     TwitterStatusList m_statuses;
+    std::vector<RowKind> m_kinds;
     // What the next reload shows.
     std::optional<TwitterStatusList> m_newStatuses;
     bool m_restoresPlace = false;
     bool m_followsNewest = false;
+    // The oldest post with an ID; null without one.
+    QString m_oldestStatusID;
     // Below which status older ones were last asked for. A page that brings none below it is not asked for
     // again just because the end of the list is on screen.
     std::optional<QString> m_loadedOlderThan;
+    bool m_isLoadingOlder = false;
+    // The last load of older posts, or of the first ones, went wrong.
+    bool m_didFail = false;
     KRTimer m_dateTimer;
     KRObservation m_preferencesObservation;
+    KRObservation m_streamObservation;
+    KRObservation m_errorObservation;
 };

@@ -2,12 +2,18 @@
 
 #include "app/look/PelinorCellColors.h"
 #include "app/look/PelinorDisplayPreferences.h"
+#include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
 #include "text/KRDateAdditions.h"
 #include "text/render/KRTextHeightCache.h"
 
-#include <QEvent>
+#include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QHoverEvent>
+#include <QLocale>
+#include <QMenu>
 #include <QPainter>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -18,6 +24,11 @@ constexpr int DatePointSize = 9;
 constexpr int SelectionMarkWidth = 3;
 constexpr int SpaceAfterName = 5;
 constexpr qreal DimmedPictureOpacity = 0.55;
+// What a pointer may miss a small button by.
+constexpr int ButtonSlack = 5;
+// The frames of name, date and text begin at different places; what is drawn in them on one line.
+constexpr int NameInset = 2;
+constexpr int OwnDateInset = 3;
 
 QFont nameFont()
 {
@@ -49,6 +60,7 @@ PelinorStatusTableViewCell::PelinorStatusTableViewCell(KRNotificationCenter& not
             m_delegate->pelinorCellClickedLink(*this, text, row(), type);
     });
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_Hover);
 }
 
 PelinorStatusTableViewCell::~PelinorStatusTableViewCell() = default;
@@ -152,6 +164,206 @@ QColor PelinorStatusTableViewCell::_inTone(const QColor& color) const
     return m_textTone == Tone::Dimmed ? _colors().dimmedText : color;
 }
 
+void PelinorStatusTableViewCell::setIsFavorite(bool isFavorite)
+{
+    if (std::exchange(m_isFavorite, isFavorite) == isFavorite)
+        return;
+    _describeForAccessibility();
+    update();
+}
+
+void PelinorStatusTableViewCell::setIsHighlighted(bool isHighlighted)
+{
+    if (std::exchange(m_isHighlighted, isHighlighted) != isHighlighted)
+        update();
+}
+
+// What the user does with it
+
+/// An item of the menu, or a line between two of them.
+struct PelinorStatusTableViewCell::MenuItem {
+    const char* title = nullptr;
+    Action action = nullptr;
+    const char* name = nullptr;
+};
+
+const std::vector<PelinorStatusTableViewCell::MenuItem>& PelinorStatusTableViewCell::_menuItems()
+{
+    using Delegate = PelinorCellDelegate;
+    static const std::vector<MenuItem> items {
+        { QT_TR_NOOP("Reply..."), &Delegate::pelinorStatusCellReplyToStatus, "replyToTweet" },
+        { QT_TR_NOOP("Repost..."), &Delegate::pelinorStatusCellRepostStatus, "repostTweet" },
+        { QT_TR_NOOP("Copy Link to Tweet"), &Delegate::pelinorStatusCellPostLinkToStatus, "copyLinkToTweet" },
+        {},
+        { QT_TR_NOOP("Direct Message..."),
+            &Delegate::pelinorStatusCellDirectMessageUser,
+            "directMessageUser" },
+        {},
+        { QT_TR_NOOP("Mark As Favorite"),
+            &Delegate::pelinorStatusCellToggleFavoriteForStatus,
+            "toggleTweetFavorite" },
+        {},
+        { QT_TR_NOOP("Open in Browser"), &Delegate::pelinorStatusCellViewOnTwitter, "viewOnTwitter" },
+    };
+    return items;
+}
+
+std::unique_ptr<QMenu> PelinorStatusTableViewCell::menuForAction()
+{
+    auto menu = std::make_unique<QMenu>();
+    for (const MenuItem& item : _menuItems()) {
+        if (!item.title) {
+            menu->addSeparator();
+            continue;
+        }
+        QAction* const entry = menu->addAction(tr(item.title), this, [this, action = item.action] {
+            if (m_delegate)
+                (m_delegate->*action)(*this);
+        });
+        entry->setObjectName(QLatin1String(item.name));
+    }
+    return menu;
+}
+
+QStringList PelinorStatusTableViewCell::actionNames() const
+{
+    QStringList names;
+    for (const MenuItem& item : _menuItems()) {
+        if (item.title)
+            names.append(tr(item.title));
+    }
+    return names;
+}
+
+void PelinorStatusTableViewCell::performAction(const QString& name)
+{
+    for (const MenuItem& item : _menuItems()) {
+        if (item.title && m_delegate && tr(item.title) == name) {
+            (m_delegate->*item.action)(*this);
+            return;
+        }
+    }
+}
+
+QPoint PelinorStatusTableViewCell::replyPoint() const
+{
+    return mapToGlobal(_geometry().replyButtonDisplayRect().center());
+}
+
+QRect PelinorStatusTableViewCell::_rectOf(Part part) const
+{
+    switch (part) {
+    case Part::ReplyButton:
+        return _geometry().replyButtonDisplayRect();
+    case Part::ActionButton:
+        return PelinorStatusCellGeometry::actionRect(width(), height());
+    case Part::Picture:
+        return _geometry().profileImageFrame();
+    case Part::None:
+        break;
+    }
+    return {};
+}
+
+PelinorStatusTableViewCell::Part PelinorStatusTableViewCell::_partAt(QPoint position) const
+{
+    for (const Part part : { Part::ReplyButton, Part::ActionButton }) {
+        if (_rectOf(part).adjusted(-ButtonSlack, -ButtonSlack, ButtonSlack, ButtonSlack).contains(position))
+            return part;
+    }
+    return _rectOf(Part::Picture).contains(position) ? Part::Picture : Part::None;
+}
+
+void PelinorStatusTableViewCell::_setHovered(bool isHovered, Part part)
+{
+    if (m_isHovered == isHovered && m_hoveredPart == part)
+        return;
+    m_isHovered = isHovered;
+    m_hoveredPart = part;
+    update();
+}
+
+bool PelinorStatusTableViewCell::event(QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+        _setHovered(true, _partAt(static_cast<QHoverEvent*>(event)->position().toPoint()));
+        break;
+    case QEvent::HoverLeave:
+    case QEvent::Hide:
+        _setHovered(false, Part::None);
+        break;
+    case QEvent::ToolTip: {
+        const auto* const help = static_cast<QHelpEvent*>(event);
+        const bool isOnDate = m_status && _geometry().dateFrame().contains(help->pos());
+        const QString date
+            = isOnDate ? QLocale().toString(m_status->date().toLocalTime(), QLocale::LongFormat) : QString();
+        QToolTip::showText(help->globalPos(), date.toHtmlEscaped(), this);
+        return true;
+    }
+    default:
+        break;
+    }
+    return KRTableViewCell::event(event);
+}
+
+void PelinorStatusTableViewCell::mousePressEvent(QMouseEvent* event)
+{
+    m_pressedPart = event->button() == Qt::LeftButton ? _partAt(event->position().toPoint()) : Part::None;
+    KRTableViewCell::mousePressEvent(event);
+}
+
+void PelinorStatusTableViewCell::mouseReleaseEvent(QMouseEvent* event)
+{
+    const Part part = std::exchange(m_pressedPart, Part::None);
+    const QPointer<PelinorStatusTableViewCell> self = this;
+    KRTableViewCell::mouseReleaseEvent(event);
+    if (self && part == _partAt(event->position().toPoint()))
+        _click(part);
+}
+
+void PelinorStatusTableViewCell::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (m_delegate && event->button() == Qt::LeftButton && _partAt(event->position().toPoint()) == Part::None)
+        m_delegate->pelinorCellStatusDetails(*this, row());
+}
+
+void PelinorStatusTableViewCell::_click(Part part)
+{
+    if (!m_delegate)
+        return;
+    switch (part) {
+    case Part::ReplyButton:
+        m_delegate->pelinorStatusCellReplyToStatus(*this);
+        break;
+    case Part::ActionButton:
+        _popUpMenu(mapToGlobal(_rectOf(part).bottomLeft()));
+        break;
+    case Part::Picture:
+        m_delegate->pelinorCellFromUserDetailsForRow(*this, row());
+        break;
+    case Part::None:
+        break;
+    }
+}
+
+void PelinorStatusTableViewCell::contextMenuEvent(QContextMenuEvent* event)
+{
+    _popUpMenu(event->reason() == QContextMenuEvent::Mouse
+            ? event->globalPos()
+            : mapToGlobal(_rectOf(Part::ActionButton).bottomLeft()));
+}
+
+void PelinorStatusTableViewCell::_popUpMenu(QPoint position)
+{
+    // The menu goes with the cell, should that be gone before it is closed.
+    QMenu* const menu = menuForAction().release();
+    menu->setParent(this, menu->windowFlags());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->popup(position);
+}
+
 std::optional<KRTableViewCell::FocusedPart> PelinorStatusTableViewCell::focusedPart() const
 {
     const std::optional<qsizetype> span = m_tracker->focusedSpan();
@@ -176,7 +388,8 @@ QString PelinorStatusTableViewCell::accessibleNameForStatus(const TwitterStatus&
 
 void PelinorStatusTableViewCell::_describeForAccessibility()
 {
-    setAccessibleName(accessibleNameForStatus(*m_status));
+    const QString name = accessibleNameForStatus(*m_status);
+    setAccessibleName(m_isFavorite ? tr("%1, favorite").arg(name) : name);
 }
 
 void PelinorStatusTableViewCell::resizeEvent(QResizeEvent* event)
@@ -218,6 +431,21 @@ void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
     painter.setPen(_inTone(_colors().text));
     m_text.drawAtPoint(painter, _geometry().textOrigin(), event->rect());
     m_tracker->draw(painter);
+    _drawButtons(painter);
+}
+
+void PelinorStatusTableViewCell::_drawButtons(QPainter& painter) const
+{
+    const auto draw = [&](const QString& name, const QRect& rect, const QColor& color) {
+        PelinorImages::named(name, color).drawInContext(painter, rect, KRImage::Flipped::Yes);
+    };
+    if (m_isFavorite)
+        draw(QStringLiteral("FavoriteOn"), _geometry().favoriteRect(), _colors().favorite);
+    if (!m_isHovered && !selected())
+        return;
+    for (const auto& [part, name] : { std::pair(Part::ReplyButton, QStringLiteral("Reply")),
+             std::pair(Part::ActionButton, QStringLiteral("Action")) })
+        draw(name, _rectOf(part), part == m_hoveredPart ? _colors().selectionMark : _colors().secondaryText);
 }
 
 void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const
@@ -227,6 +455,7 @@ void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const
     painter.fillRect(rect(),
         isSelected            ? colors.selectedBackground
             : m_layout.isMine ? colors.ownBackground
+            : m_isHighlighted ? colors.mentionBackground
                               : colors.background);
     const qreal hairline = 1 / devicePixelRatioF();
     painter.fillRect(QRectF(0, height() - hairline, width(), hairline), colors.separator);
@@ -239,7 +468,7 @@ void PelinorStatusTableViewCell::_drawBackground(QPainter& painter) const
 void PelinorStatusTableViewCell::_drawName(QPainter& painter) const
 {
     const TwitterUserPtr& user = m_status->fromUser();
-    const QRect frame = _geometry().nameFrame();
+    const QRect frame = _geometry().nameFrame().adjusted(m_layout.isMine ? 0 : NameInset, 0, 0, 0);
     const Qt::Alignment side = (m_layout.isMine ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute;
     const QFont font = nameFont();
     const QFontMetrics metrics(font, this);
@@ -270,5 +499,7 @@ void PelinorStatusTableViewCell::_drawDate(QPainter& painter) const
     const Qt::Alignment side = (m_layout.isMine ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignAbsolute;
     painter.setFont(KRMessageFont(DatePointSize));
     painter.setPen(_inTone(_colors().secondaryText));
-    painter.drawText(_geometry().dateFrame(), int(side | Qt::AlignVCenter | Qt::TextSingleLine), m_date);
+    painter.drawText(_geometry().dateFrame().adjusted(m_layout.isMine ? OwnDateInset : 0, 0, 0, 0),
+        int(side | Qt::AlignVCenter | Qt::TextSingleLine),
+        m_date);
 }

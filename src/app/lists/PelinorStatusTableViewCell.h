@@ -8,6 +8,9 @@
 #include "toolkit/KRActiveTextTracker.h"
 #include "toolkit/KRTableViewCell.h"
 
+#include <memory>
+#include <vector>
+
 class KRTextHeightCache;
 struct PelinorCellColors;
 struct PelinorDisplayPreferences;
@@ -19,15 +22,32 @@ struct PelinorStatusCellLayout {
     KRStatusTextSize textSize = KRStatusTextSize::Normal;
 };
 
+class PelinorStatusTableViewCell;
+class QMenu;
+
 /// Hears what the user does in a cell. Main thread.
 class PelinorCellDelegate {
 public:
+    PelinorCellDelegate() = default;
+    PelinorCellDelegate(const PelinorCellDelegate&) = delete;
+    PelinorCellDelegate& operator=(const PelinorCellDelegate&) = delete;
     virtual ~PelinorCellDelegate() = default;
+
+    // With the cell's status.
+    virtual void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell) = 0;
+    virtual void pelinorCellStatusDetails(KRTableViewCell& cell, qint64 row) = 0;
+    virtual void pelinorCellFromUserDetailsForRow(KRTableViewCell& cell, qint64 row) = 0;
     /// The type is that of KRAdditions::activeStringType(); a user name comes without its "@".
     virtual void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) = 0;
 };
 
-/// A post in a list: picture, name, how long ago, text. It draws itself; there are no widgets inside.
+/// A post in a list: picture, name, how long ago, text, and two buttons while the pointer is over it or it is
+/// selected. It draws itself; there are no widgets inside.
 class PelinorStatusTableViewCell : public KRTableViewCell {
     Q_OBJECT
 
@@ -54,20 +74,40 @@ public:
     void setStatus(const TwitterStatusPtr& status,
         PelinorStatusCellLayout layout,
         const PelinorDisplayPreferences& preferences);
+    /// Whether a star says that it is a favourite.
+    [[nodiscard]] bool isFavorite() const { return m_isFavorite; }
+    void setIsFavorite(bool isFavorite);
+    /// Whether it stands out from the posts around it.
+    void setIsHighlighted(bool isHighlighted);
+    /// Where a window that answers the post grows from, on the screen.
+    [[nodiscard]] QPoint replyPoint() const;
+    /// What can be done with the post. The caller owns it.
+    [[nodiscard]] std::unique_ptr<QMenu> menuForAction();
     /// Reads the clock again for how long ago the status is.
     void updateDate();
 
     void selectedStateDidChange() override { update(); }
     [[nodiscard]] std::optional<FocusedPart> focusedPart() const override;
     bool focusPart(const FocusedPart& part) override;
+    [[nodiscard]] QStringList actionNames() const override;
+    void performAction(const QString& name) override;
 
 protected:
+    bool event(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
 private:
     enum class Tone { Normal, Selected, Dimmed };
+    enum class Part { None, ReplyButton, ActionButton, Picture };
+    using Action = void (PelinorCellDelegate::*)(PelinorStatusTableViewCell&);
+    struct MenuItem;
+    static const std::vector<MenuItem>& _menuItems();
 
     Tone _tone() const;
     void _setTextInTone(Tone tone);
@@ -79,6 +119,12 @@ private:
     void _drawBackground(QPainter& painter) const;
     void _drawName(QPainter& painter) const;
     void _drawDate(QPainter& painter) const;
+    void _drawButtons(QPainter& painter) const;
+    [[nodiscard]] Part _partAt(QPoint position) const;
+    [[nodiscard]] QRect _rectOf(Part part) const;
+    void _setHovered(bool isHovered, Part part);
+    void _click(Part part);
+    void _popUpMenu(QPoint position);
 
     KRNotificationCenter& m_notifications;
     KRObservation m_userObservation;
@@ -92,4 +138,9 @@ private:
     Tone m_textTone = Tone::Normal;
     KRActiveTextTracker* m_tracker;
     PelinorCellDelegate* m_delegate = nullptr;
+    bool m_isFavorite = false;
+    bool m_isHighlighted = false;
+    bool m_isHovered = false;
+    Part m_hoveredPart = Part::None;
+    Part m_pressedPart = Part::None;
 };

@@ -2,22 +2,19 @@
 
 #include "app/lists/PelinorStatusListViewController.h"
 
-/// The account's home timeline.
-class PelinorTweetsListViewController final : public PelinorStatusListViewController {
+/// An account's home timeline.
+class PelinorTweetsListViewController : public PelinorStatusListViewController {
+    Q_OBJECT
+
 public:
     using PelinorStatusListViewController::PelinorStatusListViewController;
 
-    void viewWillAppear(bool animated) override;
-    void viewWillDisappear(bool animated) override;
-
-    QString autosaveName() const override;
-    void noteFreshness() override;
-    void loadOlder() override;
-    void loadMissing(const TwitterDummyMissingStatus& row) override;
-    void refresh() override;
-
-private:
-    void streamDidUpdate();
-
-    KRObservation m_streamObservation;
+    QString title() const override { return tr("Timeline"); }
+    QString autosaveName() const override
+    {
+        return QStringLiteral("%1_____timeline").arg(account()->username());
+    }
+    std::shared_ptr<TwitterStream> stream() override { return account()->timelineStream(); }
+    void noteFreshness() override { account()->noteFreshTweets(); }
+    bool highlightMentions() const override { return true; }
 };

@@ -14,6 +14,7 @@ PelinorCellColors lightColors()
     return {
         .background = QColor(0xFF, 0xFF, 0xFF),
         .ownBackground = QColor(0xF5, 0xF8, 0xFB),
+        .mentionBackground = QColor(0xFE, 0xF8, 0xE7),
         .selectedBackground = QColor(0xE4, 0xEF, 0xFA),
         .selectionMark = QColor(0x1A, 0x69, 0xB3),
         .separator = QColor(0xE3, 0xE6, 0xEA),
@@ -24,6 +25,7 @@ PelinorCellColors lightColors()
         .placeholder = QColor(0xDD, 0xE2, 0xE8),
         .placeholderFigure = QColor(0xF7, 0xF9, 0xFB),
         .error = QColor(0xA6, 0x2B, 0x1F),
+        .favorite = QColor(0xE8, 0xA3, 0x17),
         .spans = {},
         .selectedSpans = { .hashtags = KRColor::rgba(0.37F, 0.41F, 0.44F, 1) },
         .dimmedSpans = spansOfColor(KRColor::rgba(0.42F, 0.44F, 0.46F, 1)),
@@ -43,6 +45,7 @@ PelinorCellColors darkColors()
     return {
         .background = QColor(0x1C, 0x20, 0x24),
         .ownBackground = QColor(0x21, 0x27, 0x2D),
+        .mentionBackground = QColor(0x2C, 0x29, 0x1F),
         .selectedBackground = QColor(0x24, 0x36, 0x49),
         .selectionMark = QColor(0x5A, 0xA9, 0xF0),
         .separator = QColor(0x30, 0x36, 0x3D),
@@ -53,6 +56,7 @@ PelinorCellColors darkColors()
         .placeholder = QColor(0x3A, 0x42, 0x4A),
         .placeholderFigure = QColor(0x55, 0x5F, 0x69),
         .error = QColor(0xF2, 0x9A, 0x8E),
+        .favorite = QColor(0xF5, 0xC0, 0x4A),
         .spans = spans,
         .selectedSpans = spans,
         .dimmedSpans = spansOfColor(KRColor::rgba(0.54F, 0.58F, 0.62F, 1)),

@@ -12,6 +12,8 @@ struct PelinorCellColors {
     QColor background;
     /// Behind the account's own posts.
     QColor ownBackground;
+    /// Behind the posts that mention it.
+    QColor mentionBackground;
     QColor selectedBackground;
     /// The mark at the edge of the selected row.
     QColor selectionMark;
@@ -25,6 +27,7 @@ struct PelinorCellColors {
     QColor placeholder;
     QColor placeholderFigure;
     QColor error;
+    QColor favorite;
     KRActiveTextColors spans;
     /// On the selected row's background.
     KRActiveTextColors selectedSpans;

@@ -17,10 +17,6 @@ std::shared_ptr<PelinorWindowStatus> PelinorWindowStatus::observing(KRNotificati
         [proxy](const TwitterStreamErrorNotification& failure) {
             proxy.perform(&PelinorWindowStatus::streamDidFail, failure.error);
         }));
-    status->m_observations.push_back(notifications.observe<TwitterStreamDidUpdateNotification>(
-        [proxy](const TwitterStreamDidUpdateNotification&) {
-            proxy.perform(&PelinorWindowStatus::clearErrors);
-        }));
     status->m_observations.push_back(notifications.observe<KRBeginNetworkActivityNotification>(
         [proxy](const KRBeginNetworkActivityNotification&) {
             proxy.perform(&PelinorWindowStatus::networkActivityDidBegin);
@@ -34,10 +30,15 @@ std::shared_ptr<PelinorWindowStatus> PelinorWindowStatus::observing(KRNotificati
 
 void PelinorWindowStatus::streamDidFail(const KRError& error)
 {
-    if (error.description.isEmpty())
-        m_currentError.reset();
-    else
-        m_currentError = error;
+    if (error.description.isEmpty()) {
+        clearErrors();
+        return;
+    }
+    m_currentError = error;
+    KRRunLoop::main().performAfterDelay(errorDuration, [status = weak_from_this()] {
+        if (const auto self = status.lock())
+            self->clearErrors();
+    });
     _changed();
 }
 

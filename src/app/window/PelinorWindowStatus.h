@@ -2,17 +2,20 @@
 
 #include "foundation/KRError.h"
 #include "foundation/KRNotificationCenter.h"
+#include "foundation/KRRunLoop.h"
 
 #include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
-/// What a window tells about the network: the last failure, until something was loaded or the user has seen
-/// it, and whether anything is under way. Failures and activity are announced on the background thread and
+/// What a window tells about the network: the last failure for a moment, and whether anything is under way. Failures and activity are announced on the background thread and
 /// arrive here on the main one, to which the rest belongs.
-class PelinorWindowStatus {
+class PelinorWindowStatus : public std::enable_shared_from_this<PelinorWindowStatus> {
 public:
+    /// So long after each failure whatever is on show is cleared.
+    static constexpr KRRunLoop::Duration errorDuration = std::chrono::seconds(4);
+
     PelinorWindowStatus() = default;
     PelinorWindowStatus(const PelinorWindowStatus&) = delete;
     PelinorWindowStatus& operator=(const PelinorWindowStatus&) = delete;

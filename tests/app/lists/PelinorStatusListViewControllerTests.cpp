@@ -1,13 +1,11 @@
-#include "app/links/PelinorLinkFakes.h"
-#include "app/lists/PelinorFakes.h"
+#include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
-#include "app/lists/PelinorTweetsListViewController.h"
-#include "foundation/KRUserDefaults.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "toolkit/KRScroller.h"
 
-#include <QTemporaryDir>
+#include <QAction>
+#include <QMenu>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -20,10 +18,8 @@ constexpr char TopKey[] = "me_____timeline__top_saved_status_id";
 constexpr char OffsetKey[] = "me_____timeline__top_saved_status_offset";
 constexpr char SelectedKey[] = "me_____timeline__selected_status_id";
 
-class PelinorStatusListTest : public testing::Test {
+class PelinorStatusListTest : public testing::Test, protected FakeSurroundings {
 protected:
-    PelinorStatusListTest() { list.tableView().setFrame({ 0, 0, 415, 300 }); }
-
     // Numbered downwards from the first, as the newest has the highest ID.
     TwitterStatusList posts(int first, int count)
     {
@@ -40,55 +36,49 @@ protected:
     QString topKey() { return defaults.stringForKey(TopKey); }
 
     KRManualClock clock;
-    QTemporaryDir directory;
-    KRUserDefaults defaults { directory.filePath(QStringLiteral("defaults.ini")) };
-    KRNotificationCenter center;
-    PelinorDisplayPreferences preferences;
-    KRTextHeightCache heights;
-    FakeAccount account { center };
+    std::shared_ptr<FakeStream> stream = std::make_shared<FakeStream>(center);
     TwitterUserPtr author = makeUser(QStringLiteral("author"), QStringLiteral("An Author"));
-    PelinorTweetsListViewController list { { defaults, center, preferences, heights }, account };
+    FakeTimeline list { *this, stream };
 };
 
 TEST_F(PelinorStatusListTest, RowsFollowTheStreamWhileTheListIsShown)
 {
-    account.stream->posts = posts(100, 30);
+    stream->posts = posts(100, 30);
     list.viewWillAppear(false);
     EXPECT_EQ(table().numberOfRows(), 32);
-    EXPECT_EQ(account.stream->newerLoads, 0);
-    account.stream->setStatuses(posts(101, 31));
+    EXPECT_EQ(stream->newerLoads, 0);
+    stream->setStatuses(posts(101, 31));
     EXPECT_EQ(table().numberOfRows(), 33);
     list.viewWillDisappear(false);
-    account.stream->setStatuses(posts(102, 32));
+    stream->setStatuses(posts(102, 32));
     EXPECT_EQ(table().numberOfRows(), 33);
 }
 
 TEST_F(PelinorStatusListTest, AFirstVisitLoads)
 {
     list.viewWillAppear(false);
-    EXPECT_EQ(account.stream->newerLoads, 1);
-    EXPECT_EQ(account.stream->olderLoads, 0) << "below nothing there is nothing older to ask for";
+    EXPECT_EQ(stream->newerLoads, 1);
+    EXPECT_EQ(stream->olderLoads, 0) << "below nothing there is nothing older to ask for";
     EXPECT_EQ(table().numberOfRows(), 2);
 }
 
 TEST_F(PelinorStatusListTest, StatusesAndRowsFindEachOther)
 {
-    account.stream->posts = posts(100, 3);
+    stream->posts = posts(100, 3);
     list.viewWillAppear(false);
     EXPECT_EQ(list.statusForRow(-1), nullptr);
     EXPECT_EQ(list.statusForRow(5), nullptr);
-    EXPECT_EQ(list.statusForRow(2), account.stream->posts.at(1));
-    EXPECT_EQ(list.rowForStatus(*account.stream->posts.at(2)), 3);
+    EXPECT_EQ(list.statusForRow(2), stream->posts.at(1));
+    EXPECT_EQ(list.rowForStatus(*stream->posts.at(2)), 3);
     EXPECT_EQ(list.rowForStatus(*makeStatus(7, {}, author)), 0x7FFFFFFF);
 }
 
 TEST_F(PelinorStatusListTest, RowsHaveTheHeightsOfTheirKinds)
 {
-    account.stream->posts = { makeStatus(3, QStringLiteral("x"), author),
+    stream->posts = { makeStatus(3, QStringLiteral("x"), author),
         makeStatus(2, QStringLiteral("many words ").repeated(30), author) };
-    account.stream->posts.append(
-        std::make_shared<TwitterDummyErrorStatus>(KRError { {}, 1, QStringLiteral("oh") }));
-    account.stream->isAtEnd = true;
+    stream->posts.append(std::make_shared<TwitterDummyErrorStatus>(KRError { {}, 1, QStringLiteral("oh") }));
+    stream->isAtEnd = true;
     list.viewWillAppear(false);
     EXPECT_EQ(table().rectForRow(0).height(), 11);
     for (const int row : { 1, 2 }) {
@@ -139,10 +129,9 @@ TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
     };
     for (const auto& test : cases) {
         SCOPED_TRACE(test.what);
-        PelinorTweetsListViewController fresh({ defaults, center, preferences, heights }, account);
+        FakeTimeline fresh(*this, stream);
         defaults.removeObjectForKey(TopKey);
-        fresh.tableView().setFrame({ 0, 0, 415, 300 });
-        account.stream->posts = posts(100, 30);
+        stream->posts = posts(100, 30);
         fresh.viewWillAppear(false);
         defaults.setInteger("AutoScrollBehavior", test.autoScrollBehavior);
         fresh.tableView().scrollToPoint({ 0, test.scrolledTo }, KRScrollView::Animated::No);
@@ -150,7 +139,7 @@ TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
         const qint64 row = std::max<qint64>(1, fresh.tableView().visibleRange().location);
         const TwitterStatusPtr reading = fresh.statusForRow(row);
         const int offset = fresh.tableView().relativeVisibleOffsetForRow(row);
-        account.stream->setStatuses(posts(105, 35));
+        stream->setStatuses(posts(105, 35));
         EXPECT_EQ(fresh.rowForStatus(*reading), row + 5);
         if (test.jumps) {
             EXPECT_TRUE(fresh.tableView().isScrolledToTop());
@@ -162,12 +151,12 @@ TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
 
 TEST_F(PelinorStatusListTest, NewRowsWaitForTheScrollerAndLeaveTheReaderInPlace)
 {
-    account.stream->posts = posts(100, 30);
+    stream->posts = posts(100, 30);
     list.viewWillAppear(false);
     table().show();
     KRScroller* const scroller = table().verticalScroller();
     QTest::mousePress(scroller, Qt::LeftButton, {}, QPoint(7, 10));
-    account.stream->setStatuses(posts(105, 35));
+    stream->setStatuses(posts(105, 35));
     QTest::mouseMove(scroller, QPoint(7, 90));
     const qint64 row = table().visibleRange().location + 1;
     const TwitterStatusPtr reading = list.statusForRow(row);
@@ -184,7 +173,7 @@ TEST_F(PelinorStatusListTest, NewRowsWaitForTheScrollerAndLeaveTheReaderInPlace)
 
 TEST_F(PelinorStatusListTest, ThePlaceIsKeptAcrossVisits)
 {
-    account.stream->posts = posts(100, 30);
+    stream->posts = posts(100, 30);
     list.viewWillAppear(false);
     table().selectRow(12);
     scrollTo(table().rectForRow(10).y() + 9);
@@ -193,23 +182,20 @@ TEST_F(PelinorStatusListTest, ThePlaceIsKeptAcrossVisits)
     EXPECT_EQ(defaults.integerForKey(OffsetKey), -9);
     EXPECT_EQ(defaults.integerForKey(SelectedKey), 12);
 
-    account.stream->posts = posts(103, 33);
-    PelinorTweetsListViewController again({ defaults, center, preferences, heights }, account);
-    again.tableView().setFrame({ 0, 0, 415, 300 });
+    stream->posts = posts(103, 33);
+    FakeTimeline again(*this, stream);
     again.viewWillAppear(false);
     EXPECT_EQ(again.tableView().relativeVisibleOffsetForRow(13), -9) << "three new rows came above";
     EXPECT_EQ(again.tableView().selectedRow(), 12) << "the number of the row, whatever is there now";
 
     // Another account has its own place; a place that is gone leaves the list where it is.
-    account.name = QStringLiteral("other");
-    PelinorTweetsListViewController others({ defaults, center, preferences, heights }, account);
-    others.tableView().setFrame({ 0, 0, 415, 300 });
+    account = makeAccount(QStringLiteral("other"));
+    FakeTimeline others(*this, stream);
     others.viewWillAppear(false);
     EXPECT_TRUE(others.tableView().isScrolledToTop());
-    account.name = QStringLiteral("me");
+    account = makeAccount(QStringLiteral("me"));
     defaults.setString(TopKey, QStringLiteral("4711"));
-    PelinorTweetsListViewController gone({ defaults, center, preferences, heights }, account);
-    gone.tableView().setFrame({ 0, 0, 415, 300 });
+    FakeTimeline gone(*this, stream);
     gone.viewWillAppear(false);
     EXPECT_TRUE(gone.tableView().isScrolledToTop());
     EXPECT_EQ(gone.tableView().selectedRow(), -1);
@@ -220,7 +206,7 @@ TEST_F(PelinorStatusListTest, OnlyRealStatusesArePlaces)
     list.viewWillAppear(false);
     list.saveScrollPosition();
     EXPECT_TRUE(topKey().isEmpty()) << "only placeholders are in view";
-    account.stream->setStatuses(posts(100, 30));
+    stream->setStatuses(posts(100, 30));
     list.saveScrollPosition();
     EXPECT_EQ(topKey(), QStringLiteral("100"));
     EXPECT_EQ(defaults.integerForKey(OffsetKey), 11);
@@ -228,29 +214,29 @@ TEST_F(PelinorStatusListTest, OnlyRealStatusesArePlaces)
 
 TEST_F(PelinorStatusListTest, LeavingAtTheTopMarksTheTimelineAsSeen)
 {
-    account.stream->posts = posts(100, 30);
+    stream->posts = posts(100, 30);
     list.viewWillAppear(false);
     scrollTo(40);
     list.viewWillDisappear(false);
-    EXPECT_EQ(account.freshnessNotes, 0);
+    EXPECT_EQ(list.freshnessNotes, 0);
     list.viewWillAppear(false);
     scrollTo(0);
     list.viewWillDisappear(false);
-    EXPECT_EQ(account.freshnessNotes, 1);
+    EXPECT_EQ(list.freshnessNotes, 1);
 }
 
 TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
 {
-    account.stream->posts = posts(100, 30);
+    stream->posts = posts(100, 30);
     list.viewWillAppear(false);
-    EXPECT_EQ(account.stream->olderLoads, 0) << "not before it is in view";
+    EXPECT_EQ(stream->olderLoads, 0) << "not before it is in view";
     table().scrollToRow(31);
-    EXPECT_EQ(account.stream->olderLoads, 1);
+    EXPECT_EQ(stream->olderLoads, 1);
     scrollTo(0);
     table().scrollToRow(31);
-    account.stream->setStatuses(posts(102, 32));
+    stream->setStatuses(posts(102, 32));
     table().scrollToRow(33);
-    EXPECT_EQ(account.stream->olderLoads, 1) << "the same end is not asked for again by itself";
+    EXPECT_EQ(stream->olderLoads, 1) << "the same end is not asked for again by itself";
     auto* const waiting = qobject_cast<LoadingTableViewCell*>(table().cellForRow(33));
     ASSERT_NE(waiting, nullptr);
     EXPECT_EQ(waiting->text(), QStringLiteral("Show older posts"));
@@ -258,31 +244,34 @@ TEST_F(PelinorStatusListTest, TheLoadingRowAsksForOlderPostsOnceForEachEnd)
     EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 33), QStringLiteral("Show older posts"));
     table().scrollToRow(33);
     QTest::mouseClick(table().cellForRow(33), Qt::LeftButton);
-    EXPECT_EQ(account.stream->olderLoads, 2);
+    EXPECT_EQ(stream->olderLoads, 2);
     table().show();
-    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Space })
+    QTest::keyClick(table().selectedCell(), Qt::Key_Return);
+    EXPECT_EQ(stream->olderLoads, 2) << "it is on its way";
+    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Space }) {
+        stream->setStatuses(posts(102, 32));
         QTest::keyClick(table().selectedCell(), key);
-    EXPECT_EQ(account.stream->olderLoads, 4);
-    account.stream->olderLoads = 2;
+    }
+    EXPECT_EQ(stream->olderLoads, 4);
+    stream->olderLoads = 2;
 
-    account.stream->setStatuses(posts(102, 60));
+    stream->setStatuses(posts(102, 60));
     table().scrollToRow(61);
-    EXPECT_EQ(account.stream->olderLoads, 3) << "the list has grown at its end";
-    account.stream->isAtEnd = true;
-    account.stream->setStatuses(posts(102, 70));
+    EXPECT_EQ(stream->olderLoads, 3) << "the list has grown at its end";
+    stream->isAtEnd = true;
+    stream->setStatuses(posts(102, 70));
     table().scrollToRow(71);
-    EXPECT_EQ(account.stream->olderLoads, 3);
+    EXPECT_EQ(stream->olderLoads, 3);
     EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 71), QStringLiteral("No older posts"));
 }
 
 TEST_F(PelinorStatusListTest, AGapLoadsWhatIsMissingWhenItIsClicked)
 {
     for (const bool isLoading : { false, true }) {
-        account.stream->missingLoads.clear();
-        account.stream->posts = posts(100, 1);
-        account.stream->posts.append(
-            std::make_shared<TwitterDummyMissingStatus>(QStringLiteral("90"), isLoading));
-        account.stream->posts += posts(90, 2);
+        stream->missingLoads.clear();
+        stream->posts = posts(100, 1);
+        stream->posts.append(std::make_shared<TwitterDummyMissingStatus>(QStringLiteral("90"), isLoading));
+        stream->posts += posts(90, 2);
         list.viewWillAppear(false);
         table().show();
         const QString text
@@ -293,29 +282,28 @@ TEST_F(PelinorStatusListTest, AGapLoadsWhatIsMissingWhenItIsClicked)
         EXPECT_EQ(list.tableViewAccessibleNameForRow(table(), 2), text);
         EXPECT_EQ(table().rectForRow(2).height(), LoadingTableViewCell::heightForTableWidth(400));
         QTest::mouseClick(table().cellForRow(2), Qt::LeftButton);
-        EXPECT_EQ(account.stream->missingLoads,
-            isLoading ? QStringList() : QStringList(QStringLiteral("90")));
+        EXPECT_EQ(stream->missingLoads, isLoading ? QStringList() : QStringList(QStringLiteral("90")));
         list.viewWillDisappear(false);
     }
 }
 
 TEST_F(PelinorStatusListTest, SelectingMarksAsRead)
 {
-    account.stream->posts = posts(100, 5);
+    stream->posts = posts(100, 5);
     list.viewWillAppear(false);
     table().selectRow(2);
-    EXPECT_TRUE(account.stream->posts.at(1)->isRead());
-    EXPECT_FALSE(account.stream->posts.at(0)->isRead());
+    EXPECT_TRUE(stream->posts.at(1)->isRead());
+    EXPECT_FALSE(stream->posts.at(0)->isRead());
     table().selectRow(0);
     EXPECT_EQ(table().selectedRow(), 0) << "the header has nothing to mark";
 }
 
 TEST_F(PelinorStatusListTest, AReloadMeasuresOnlyWhatIsNew)
 {
-    account.stream->posts = posts(1000, 400);
+    stream->posts = posts(1000, 400);
     list.viewWillAppear(false);
     EXPECT_EQ(heights.measuredCount(), 400);
-    account.stream->setStatuses(posts(1001, 401));
+    stream->setStatuses(posts(1001, 401));
     EXPECT_EQ(heights.measuredCount(), 401);
     preferences.statusCellFontSize = 2;
     center.post(PelinorDisplayPreferencesDidChangeNotification {});
@@ -324,7 +312,7 @@ TEST_F(PelinorStatusListTest, AReloadMeasuresOnlyWhatIsNew)
 
 TEST_F(PelinorStatusListTest, DatesAreReadAgainEveryMinuteWhileTheListIsShown)
 {
-    account.stream->posts = { makeStatus(1, QStringLiteral("x"), author, 60) };
+    stream->posts = { makeStatus(1, QStringLiteral("x"), author, 60) };
     list.viewWillAppear(false);
     const auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(1));
     ASSERT_NE(cell, nullptr);
@@ -336,31 +324,113 @@ TEST_F(PelinorStatusListTest, DatesAreReadAgainEveryMinuteWhileTheListIsShown)
         << "nothing wakes a list that is not shown";
 }
 
+TEST_F(PelinorStatusListTest, KeysMenusAndActionsDoWhatTheirNamesSay)
+{
+    stream->posts = posts(100, 3);
+    list.viewWillAppear(false);
+    table().show();
+    table().selectRow(1);
+    auto* const cell = static_cast<PelinorStatusTableViewCell*>(table().selectedCell());
+    const QString text = QStringLiteral("post number 100");
+    const QString page = QStringLiteral("https://social.example/author/status/100");
+    const QString repost = QStringLiteral("tweet me re: ") + text + QStringLiteral(" (via @author)");
+    struct {
+        Qt::Key key;
+        QString title;
+        QString event;
+    } const cases[] = {
+        { Qt::Key_R, u"Reply..."_s, u"tweet me re:100 "_s },
+        { Qt::Key_T, u"Repost..."_s, repost },
+        { Qt::Key_unknown, u"Copy Link to Tweet"_s, u"tweet me re: "_s + page },
+        { Qt::Key_D, u"Direct Message..."_s, u"message author"_s },
+        { Qt::Key_O, u"Open in Browser"_s, u"open "_s + page },
+        { Qt::Key_Return, {}, u"details 100"_s },
+        { Qt::Key_Right, {}, u"details 100"_s },
+        { Qt::Key_P, {}, u"user author "_s + author->userID() },
+    };
+    const std::unique_ptr<QMenu> menu = cell->menuForAction();
+    for (const auto& test : cases) {
+        SCOPED_TRACE(test.event.toStdString());
+        if (test.key != Qt::Key_unknown) {
+            QTest::keyClick(cell, test.key);
+            EXPECT_EQ(screens.taken(), test.event);
+        }
+        if (test.title.isNull())
+            continue;
+        const QList<QAction*> items = menu->actions();
+        const auto item = std::find_if(items.begin(), items.end(), [&](const QAction* one) {
+            return one->text() == test.title;
+        });
+        ASSERT_NE(item, items.end());
+        (*item)->trigger();
+        EXPECT_EQ(screens.taken(), test.event);
+        cell->performAction(test.title);
+        EXPECT_EQ(screens.taken(), test.event);
+    }
+    defaults.setInteger("RepostSyntax", 1);
+    QTest::keyClick(cell, Qt::Key_T);
+    EXPECT_EQ(screens.taken(), u"tweet me re: RT @author: "_s + text);
+    QTest::keyClick(cell, Qt::Key_R, Qt::ControlModifier);
+    table().selectRow(0);
+    QTest::keyClick(table().selectedCell(), Qt::Key_R);
+    EXPECT_EQ(screens.taken(), QString()) << "the header is no post, and Ctrl+R is another key";
+
+    QTest::mouseMove(cell, QPoint(100, 30));
+    QTest::mouseClick(cell,
+        Qt::LeftButton,
+        {},
+        PelinorStatusCellGeometry { cell->width() }.replyButtonDisplayRect().center());
+    QTest::mouseClick(cell, Qt::LeftButton, {}, QPoint(20, 20));
+    QTest::mouseDClick(cell, Qt::LeftButton, {}, QPoint(200, 30));
+    EXPECT_EQ(screens.taken(), u"tweet me re:100 |user author %1|details 100"_s.arg(author->userID()));
+}
+
+TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
+{
+    const auto fail = [&] {
+        center.post(TwitterStreamErrorNotification { stream.get(), { {}, 503, QStringLiteral("busy") } });
+        clock.advance(std::chrono::milliseconds(0));
+    };
+    const auto textOfLastRow = [&] {
+        const qint64 row = table().numberOfRows() - 1;
+        const QString text = list.tableViewAccessibleNameForRow(table(), row);
+        EXPECT_EQ(text, static_cast<PelinorPlaceholderTableViewCell*>(table().cellForRow(row))->text());
+        return text;
+    };
+    list.viewWillAppear(false);
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
+    fail();
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading failed. Try again"));
+    QTest::mouseClick(table().cellForRow(1), Qt::LeftButton);
+    EXPECT_EQ(stream->newerLoads, 2);
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
+    stream->setStatuses(posts(100, 2));
+    EXPECT_EQ(stream->olderLoads, 1) << "the bottom is in view";
+    stream->isAtEnd = true;
+    stream->setStatuses(posts(100, 2));
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("No older posts"));
+    fail();
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("Older posts could not be loaded"));
+    stream->setStatuses({});
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet"));
+}
+
 TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
 {
-    QTemporaryDir directory;
-    KRUserDefaults defaults(directory.filePath(u"defaults.ini"_s));
-    TwitterServiceHosts hosts;
-    QStringList events;
-    FakeWorkspace workspace(events);
-    FakeLinkPresenter presenter(events);
-    const PelinorLinkEnvironment links { hosts, defaults, workspace, presenter };
-    const auto taken = [&] { return std::exchange(events, {}).join(u'|'); };
-    KRNotificationCenter center;
-    FakeAccount account(center);
-    PelinorDisplayPreferences preferences;
-    KRTextHeightCache heights;
-    PelinorTweetsListViewController list({ defaults, center, preferences, heights, &links }, account);
+    FakeSurroundings surroundings;
+    const auto stream = std::make_shared<FakeStream>(surroundings.center);
+    const auto taken = [&] { return surroundings.screens.taken(); };
+    FakeTimeline list(surroundings, stream);
     auto user = std::make_shared<TwitterUser>();
     user->setUsername(u"marion"_s);
     user->setFullName(u"Marion"_s);
     for (const QString& text : { u"one @bob #tag"_s, u"nothing"_s }) {
         auto post = std::make_shared<TwitterStatus>();
-        post->setStatusID(QString::number(account.stream->posts.size()));
+        post->setStatusID(QString::number(stream->posts.size()));
         post->setText(text);
         post->setFromUser(user);
         post->setDate(KRNow());
-        account.stream->posts.append(post);
+        stream->posts.append(post);
     }
     KRTableView& table = list.tableView();
     table.setFrame({ 0, 0, 415, 300 });
@@ -374,22 +444,22 @@ TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
     const QImage plain = cell->grab().toImage();
     QTest::keyClick(cell, Qt::Key_Tab);
     QTest::keyClick(cell, Qt::Key_Return);
-    EXPECT_EQ(taken(), u"user bob"_s);
+    EXPECT_EQ(taken(), u"user bob |beep"_s) << "there is no stack to push on";
     EXPECT_NE(cell->grab().toImage(), plain) << "the focus is visible";
     QTest::keyClick(cell, Qt::Key_Tab);
     QTest::keyClick(cell, Qt::Key_Return);
-    EXPECT_EQ(taken(), u"search #tag"_s);
+    EXPECT_EQ(taken(), u"search #tag|beep"_s);
     QTest::mouseClick(cell,
         Qt::LeftButton,
         {},
         cell->findChild<KRActiveTextTracker*>()->spanRect(0).center());
-    EXPECT_EQ(taken(), u"user bob"_s);
+    EXPECT_EQ(taken(), u"user bob |beep"_s);
     EXPECT_EQ(cell->accessibleName(), u"Marion: one @bob #tag, 0 seconds ago"_s);
     EXPECT_EQ(list.tableViewAccessibleNameForRow(table, 1), cell->accessibleName());
     QTest::keyClick(cell, Qt::Key_Down);
     QTest::keyClick(table.focusWidget(), Qt::Key_Tab);
     QTest::keyClick(table.focusWidget(), Qt::Key_Return);
-    EXPECT_EQ(taken(), QString()) << "a row without spans";
+    EXPECT_EQ(taken(), u"details 1"_s) << "a row without spans";
 
     // A refresh leaves the keyboard on the link it is on.
     table.selectRow(1);
@@ -399,10 +469,10 @@ TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
     post->setStatusID(u"9"_s);
     post->setText(u"new @carol"_s);
     post->setDate(KRNow());
-    account.stream->setStatuses(TwitterStatusList { post } + account.stream->posts);
+    stream->setStatuses(TwitterStatusList { post } + stream->posts);
     EXPECT_EQ(table.cellForRow(1)->accessibleName(), u"Unknown author: new @carol, 0 seconds ago"_s);
     QTest::keyClick(table.focusWidget(), Qt::Key_Return);
-    EXPECT_EQ(taken(), u"search #tag"_s);
+    EXPECT_EQ(taken(), u"search #tag|beep"_s);
     list.viewWillDisappear(false);
 }
 

@@ -1,0 +1,237 @@
+#include "app/PelinorAppDelegate.h"
+
+#include "app/PelinorMainMenu.h"
+#include "app/PelinorShortcutsWindow.h"
+#include "app/lists/PelinorStatusDetailsViewController.h"
+#include "app/look/PelinorAlert.h"
+#include "app/look/PelinorProfileImage.h"
+#include "app/people/PelinorUserDetailsViewController.h"
+#include "app/searches/PelinorSearchViewController.h"
+#include "app/settings/PelinorLoginWindowController.h"
+#include "app/settings/PelinorPreferencesWindowController.h"
+#include "app/window/PelinorMainWindowController.h"
+#include "app/window/PelinorStatusStrip.h"
+#include "core/KRKeychain.h"
+#include "foundation/KRUserDefaults.h"
+#include "toolkit/transitions/KRMotion.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+PelinorAppDelegate::PelinorAppDelegate(Twitter& twitter, KRUserDefaults& defaults)
+    : m_twitter(twitter)
+    , m_defaults(defaults)
+    , m_displayPreferences(PelinorDisplayPreferences::fromDefaults(defaults))
+    , m_environment { defaults,
+        KRNotificationCenter::defaultCenter(),
+        m_displayPreferences,
+        m_heights,
+        m_workspace,
+        *this }
+{
+    TwitterUser::setProfileImageMaker(&CreateRoundedProfileImage);
+}
+
+PelinorAppDelegate::~PelinorAppDelegate() = default;
+
+// Start and end
+
+void PelinorAppDelegate::applicationDidFinishLaunching()
+{
+    m_motionSetting = std::make_unique<KRDesktopMotionSetting>(&KRMotion::setReducedByDesktop);
+    if (!m_twitter.accounts().isEmpty()) {
+        _openMainWindow();
+        return;
+    }
+    m_loginWindowController = std::make_unique<PelinorLoginWindowController>(m_twitter, m_workspace);
+    m_loginWindowController->setResponseCallback(
+        [this](const TwitterAccountPtr& account) { _firstLoginResponse(account); });
+    m_loginWindowController->showWindow();
+}
+
+void PelinorAppDelegate::_firstLoginResponse(const TwitterAccountPtr& account)
+{
+    m_twitter.addAccount(account);
+    _openMainWindow();
+    // It is the login window that tells of this.
+    m_loginWindowController.release()->deleteLater();
+}
+
+void PelinorAppDelegate::_openMainWindow()
+{
+    m_mainWindowController = std::make_unique<PelinorMainWindowController>(m_environment, m_twitter);
+    m_mainWindowController->setShouldClose([this] {
+        terminate();
+        return m_mayTerminate;
+    });
+    m_mainMenu = std::make_unique<PelinorMainMenu>(*this, *m_mainWindowController);
+    m_keychainObservation = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
+        [this](const auto&) {
+            m_mainWindowController->statusStrip().setNotice(tr("Password not kept"),
+                tr("No keyring answers. Your password is kept in memory and asked for again next time."));
+        });
+    m_mainWindowController->showWindow();
+}
+
+bool PelinorAppDelegate::applicationShouldTerminate()
+{
+    if (m_composeControllers.empty())
+        return true;
+    QMessageBox& alert = *PelinorMakeAlert(QMessageBox::Question,
+        tr("You have %1 unsent tweets. Do you want to review these tweets before quitting?")
+            .arg(m_composeControllers.size()),
+        tr("Unsent tweets will be lost."),
+        _frontWindow());
+    QPushButton* const review = alert.addButton(tr("Review Tweets..."), QMessageBox::RejectRole);
+    QPushButton* const discard = alert.addButton(tr("Discard Tweets"), QMessageBox::DestructiveRole);
+    alert.setDefaultButton(review);
+    alert.setEscapeButton(review);
+    // It outlives its closing for the question what was clicked.
+    alert.setAttribute(Qt::WA_DeleteOnClose, false);
+    alert.exec();
+    alert.deleteLater();
+    return alert.clickedButton() == discard;
+}
+
+void PelinorAppDelegate::terminate()
+{
+    m_mayTerminate = m_mayTerminate || applicationShouldTerminate();
+    if (m_mayTerminate)
+        QApplication::quit();
+}
+
+void PelinorAppDelegate::applicationWillTerminate()
+{
+    m_composeControllers.clear();
+    m_preferencesWindowController.reset();
+    m_mainMenu.reset();
+    m_mainWindowController.reset();
+    m_twitter.shutdown();
+}
+
+// Windows
+
+QWidget* PelinorAppDelegate::_frontWindow() const
+{
+    return m_mainWindowController ? &m_mainWindowController->window() : nullptr;
+}
+
+PelinorPreferencesWindowController& PelinorAppDelegate::preferencesWindowController()
+{
+    if (!m_preferencesWindowController)
+        m_preferencesWindowController = std::make_unique<PelinorPreferencesWindowController>(m_twitter,
+            m_defaults,
+            m_displayPreferences);
+    return *m_preferencesWindowController;
+}
+
+void PelinorAppDelegate::showPreferences()
+{
+    preferencesWindowController().showWindow();
+}
+
+void PelinorAppDelegate::showMainPelinorWindow()
+{
+    if (m_mainWindowController)
+        m_mainWindowController->showWindow();
+}
+
+void PelinorAppDelegate::showShortcuts()
+{
+    PelinorShortcutsWindow::show(*m_mainMenu, _frontWindow());
+}
+
+void PelinorAppDelegate::showAbout()
+{
+    QMessageBox::about(_frontWindow(),
+        tr("About Pelinor"),
+        tr("<h3>Pelinor %1</h3><p>A client for micro-blogging services that speak the classic REST "
+           "interface.</p>")
+            .arg(QApplication::applicationVersion().toHtmlEscaped()));
+}
+
+PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const TwitterAccountPtr& account)
+{
+    auto controller = std::make_unique<PelinorComposeWindowController>(m_twitter);
+    controller->setDelegate(this);
+    controller->setAccount(account   ? account
+            : m_mainWindowController ? m_mainWindowController->selectedTwitterAccount()
+                                     : nullptr);
+    m_composeControllers.push_back(std::move(controller));
+    return *m_composeControllers.back();
+}
+
+void PelinorAppDelegate::newTweetFromAccount(const TwitterAccountPtr& account,
+    const TwitterStatusPtr& inReplyToStatus,
+    const QString& defaultText,
+    const std::optional<QPoint>& replyPointHint)
+{
+    PelinorComposeWindowController& controller = _makeComposeController(account);
+    controller.setInReplyToStatus(inReplyToStatus);
+    controller.setDefaultText(defaultText);
+    controller.setSourcePoint(replyPointHint.value_or(QCursor::pos()));
+    controller.showWindow();
+}
+
+void PelinorAppDelegate::newDirectMessageFromAccount(const TwitterAccountPtr& account,
+    const TwitterUserPtr& user)
+{
+    PelinorComposeWindowController& controller = _makeComposeController(account);
+    if (user)
+        controller.setDirectMessageUser(user);
+    else
+        controller.setPromptToDirectMessageUser(true);
+    controller.showWindow();
+}
+
+void PelinorAppDelegate::composeWindowDismiss(PelinorComposeWindowController& controller)
+{
+    const auto found = std::find_if(m_composeControllers.begin(),
+        m_composeControllers.end(),
+        [&controller](const auto& one) { return one.get() == &controller; });
+    if (found == m_composeControllers.end())
+        return;
+    // It is the controller that tells of this.
+    found->release()->deleteLater();
+    m_composeControllers.erase(found);
+    if (m_composeControllers.empty() && m_mainWindowController
+        && m_mainWindowController->window().isVisible())
+        m_mainWindowController->showWindow();
+}
+
+// Screens
+
+KRViewControllerPtr PelinorAppDelegate::makeStatusDetailsView(const TwitterAccountPtr& account,
+    const TwitterStatusPtr& status)
+{
+    auto screen = std::make_shared<PelinorStatusDetailsViewController>(m_environment);
+    screen->setAccount(account);
+    screen->setStatus(status);
+    return screen;
+}
+
+KRViewControllerPtr PelinorAppDelegate::makeUserDetailsView(const TwitterAccountPtr& account,
+    const TwitterUserPtr& user,
+    const QString& loadUsername)
+{
+    auto screen = std::make_shared<PelinorUserDetailsViewController>(m_environment);
+    screen->setAccount(account);
+    screen->setUser(user);
+    screen->setLoadUsername(loadUsername);
+    return screen;
+}
+
+KRViewControllerPtr PelinorAppDelegate::makeSearchView(const TwitterAccountPtr& account,
+    const TwitterSearchPtr& search)
+{
+    auto screen = std::make_shared<PelinorSearchViewController>(m_environment);
+    screen->setAccount(account);
+    screen->setSearch(search);
+    return screen;
+}

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "app/links/PelinorScreens.h"
+#include "app/look/PelinorDisplayPreferences.h"
+#include "app/writing/PelinorComposeWindowController.h"
+#include "core/Twitter.h"
+#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/workspace/KRWorkspace.h"
+#include "text/render/KRTextHeightCache.h"
+
+#include <QObject>
+
+#include <memory>
+#include <vector>
+
+class PelinorLoginWindowController;
+class PelinorMainMenu;
+class PelinorMainWindowController;
+class PelinorPreferencesWindowController;
+
+/// Puts the program together: runs the start-up, owns the windows, makes the screens that rooms ask each
+/// other for, and guards what was written when the program ends. Main thread.
+class PelinorAppDelegate final : public QObject,
+                                 public PelinorScreens,
+                                 private PelinorComposeWindowControllerDelegate {
+    Q_OBJECT
+
+public:
+    /// Both outlive the delegate.
+    PelinorAppDelegate(Twitter& twitter, KRUserDefaults& defaults);
+    ~PelinorAppDelegate() override;
+
+    /// Opens the main window, or the login where there is no account yet.
+    void applicationDidFinishLaunching();
+    /// Whether the program may end now. With compose windows open the user is asked.
+    [[nodiscard]] bool applicationShouldTerminate();
+    /// Saves.
+    void applicationWillTerminate();
+
+    /// Null until there is an account.
+    PelinorMainWindowController* mainWindowController() const { return m_mainWindowController.get(); }
+    /// Null unless the login is open.
+    PelinorLoginWindowController* loginWindowController() const { return m_loginWindowController.get(); }
+    PelinorPreferencesWindowController& preferencesWindowController();
+    /// Every open compose window.
+    const std::vector<std::unique_ptr<PelinorComposeWindowController>>& composeControllers() const
+    {
+        return m_composeControllers;
+    }
+    Twitter& twitter() { return m_twitter; }
+
+    // What menus ask for.
+    void newDocument() { newTweetFromAccount(nullptr, nullptr, {}, std::nullopt); }
+    void newDirectMessage() { newDirectMessageFromAccount(nullptr, nullptr); }
+    void refreshAll() { m_twitter.refresh(); }
+    void markAllAsRead() { m_twitter.markAllAsRead(); }
+    void showPreferences();
+    void showMainPelinorWindow();
+    void showShortcuts();
+    void showAbout();
+    /// Ends the program, unless the user wants to see to something first.
+    void terminate();
+
+    void newTweetFromAccount(const TwitterAccountPtr& account,
+        const TwitterStatusPtr& inReplyToStatus,
+        const QString& defaultText,
+        const std::optional<QPoint>& replyPointHint) override;
+    void newDirectMessageFromAccount(const TwitterAccountPtr& account, const TwitterUserPtr& user) override;
+    KRViewControllerPtr makeStatusDetailsView(const TwitterAccountPtr& account,
+        const TwitterStatusPtr& status) override;
+    KRViewControllerPtr makeUserDetailsView(const TwitterAccountPtr& account,
+        const TwitterUserPtr& user,
+        const QString& loadUsername) override;
+    KRViewControllerPtr makeSearchView(const TwitterAccountPtr& account,
+        const TwitterSearchPtr& search) override;
+
+private:
+    void _firstLoginResponse(const TwitterAccountPtr& account);
+    void _openMainWindow();
+    PelinorComposeWindowController& _makeComposeController(const TwitterAccountPtr& account);
+    void composeWindowDismiss(PelinorComposeWindowController& controller) override;
+    QWidget* _frontWindow() const;
+
+    Twitter& m_twitter;
+    KRUserDefaults& m_defaults;
+    PelinorDisplayPreferences m_displayPreferences;
+    KRTextHeightCache m_heights;
+    KRDesktopWorkspace m_workspace;
+    PelinorScreenEnvironment m_environment;
+    std::unique_ptr<PelinorMainWindowController> m_mainWindowController;
+    std::unique_ptr<PelinorMainMenu> m_mainMenu;
+    std::unique_ptr<PelinorLoginWindowController> m_loginWindowController;
+    std::unique_ptr<PelinorPreferencesWindowController> m_preferencesWindowController;
+    std::vector<std::unique_ptr<PelinorComposeWindowController>> m_composeControllers;
+    KRObservation m_keychainObservation;
+    std::unique_ptr<KRDesktopMotionSetting> m_motionSetting;
+    bool m_mayTerminate = false;
+};

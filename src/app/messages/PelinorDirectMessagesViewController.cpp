@@ -1,0 +1,82 @@
+#include "app/messages/PelinorDirectMessagesViewController.h"
+
+#include "app/messages/PelinorDirectMessageConversationViewController.h"
+#include "text/KRDateAdditions.h"
+
+void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
+{
+    const auto& manager = account()->directMessagesManager();
+    m_observation
+        = environment().notifications.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>(
+            [this](const auto&) { tableView().reloadData(); },
+            manager.get());
+    tableView().reloadData();
+    if (manager->conversations().isEmpty())
+        manager->refresh();
+}
+
+void PelinorDirectMessagesViewController::viewWillDisappear(bool /*animated*/)
+{
+    m_observation.invalidate();
+    if (tableView().isScrolledToTop())
+        account()->noteFreshMessages();
+}
+
+void PelinorDirectMessagesViewController::tableViewWillReload(KRTableView& /*tableView*/)
+{
+    m_conversations
+        = account() ? account()->directMessagesManager()->conversations() : decltype(m_conversations)();
+}
+
+int PelinorDirectMessagesViewController::numberOfRowsInTableView(KRTableView& /*tableView*/)
+{
+    // A row says so where there are none.
+    return int(std::max<qsizetype>(1, m_conversations.size()));
+}
+
+PelinorTitleTableViewCell::Content PelinorDirectMessagesViewController::_contentOfRow(qint64 row) const
+{
+    if (m_conversations.isEmpty())
+        return { .title = tr("No direct messages yet"), .isHeading = true };
+    const TwitterDirectMessageConversationPtr& conversation = m_conversations.at(row);
+    const TwitterUserPtr& user = conversation->correspondent();
+    const TwitterDirectMessagePtr newest = conversation->mostRecentMessage();
+    const QString words = newest ? newest->text() : QString();
+    const bool isMine = newest && account()->isAuthorOfDirectMessage(*newest);
+    return {
+        .title = user ? user->fullName() : tr("Unknown author"),
+        .detail = isMine ? tr("You: %1").arg(words) : words,
+        .date = newest ? KRAdditions::relativeTimeAgoString(newest->date()) : QString(),
+        .user = user,
+        .hasUser = true,
+    };
+}
+
+int PelinorDirectMessagesViewController::tableViewHeightForRow(KRTableView& /*tableView*/, qint64 row)
+{
+    return PelinorTitleTableViewCell::heightForContent(_contentOfRow(row));
+}
+
+QString PelinorDirectMessagesViewController::tableViewAccessibleNameForRow(KRTableView& /*tableView*/,
+    qint64 row)
+{
+    return PelinorTitleTableViewCell::accessibleNameForContent(_contentOfRow(row));
+}
+
+KRTableViewCell* PelinorDirectMessagesViewController::tableViewCellForRow(KRTableView& tableView, qint64 row)
+{
+    auto* const cell = reusedOrNewCell<PelinorTitleTableViewCell>(tableView, environment().notifications);
+    cell->setContent(_contentOfRow(row));
+    cell->setActivateHandler([this, row] { _openRow(row); });
+    return cell;
+}
+
+void PelinorDirectMessagesViewController::_openRow(qint64 row)
+{
+    if (row >= m_conversations.size())
+        return;
+    auto screen = std::make_shared<PelinorDirectMessageConversationViewController>(environment());
+    screen->setAccount(account());
+    screen->setConversation(m_conversations.at(row));
+    push(screen);
+}

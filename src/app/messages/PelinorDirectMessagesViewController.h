@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/lists/PelinorTableViewController.h"
+#include "app/lists/PelinorTitleTableViewCell.h"
+#include "foundation/KRRunLoop.h"
+
+/// An account's conversations, the one with the newest message first. Main thread.
+class PelinorDirectMessagesViewController final : public PelinorTableViewController {
+    Q_OBJECT
+
+public:
+    using PelinorTableViewController::PelinorTableViewController;
+
+    QString title() const override { return tr("Direct Messages"); }
+    void viewWillAppear(bool animated) override;
+    void viewWillDisappear(bool animated) override;
+
+    int numberOfRowsInTableView(KRTableView& tableView) override;
+    int tableViewHeightForRow(KRTableView& tableView, qint64 row) override;
+    QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
+    KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
+    void tableViewWillReload(KRTableView& tableView) override;
+
+private:
+    PelinorTitleTableViewCell::Content _contentOfRow(qint64 row) const;
+    void _openRow(qint64 row);
+
+    QList<TwitterDirectMessageConversationPtr> m_conversations;
+    KRObservation m_observation;
+};

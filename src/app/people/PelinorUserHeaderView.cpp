@@ -1,0 +1,216 @@
+#include "app/people/PelinorUserHeaderView.h"
+
+#include "app/look/PelinorCellColors.h"
+#include "app/look/PelinorProfileImage.h"
+#include "app/people/PelinorUserDetails.h"
+#include "text/KRActiveTextRanges.h"
+#include "text/render/KRActiveTextStyle.h"
+#include "toolkit/KRActiveTextView.h"
+
+#include <QBoxLayout>
+#include <QEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPainter>
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int NameSize = 14;
+constexpr int TextSize = 11;
+constexpr int PictureSide = 72;
+// Enough of a name for anybody; the rest is cut off, not the window widened.
+constexpr qsizetype LongestName = 80;
+
+QLabel* makeLabel(const QString& name, int size, QWidget* parent)
+{
+    auto* const label = new QLabel(parent);
+    label->setObjectName(name);
+    // What is shown comes from the network.
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setFont(KRMessageFont(size));
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+QString count(const std::optional<qint32>& number, const QString& what)
+{
+    return number ? u"%1 %2"_s.arg(QLocale().toString(*number), what) : QString();
+}
+
+} // namespace
+
+class PelinorUserHeaderView::Picture final : public QWidget {
+public:
+    explicit Picture(QWidget* parent)
+        : QWidget(parent)
+    {
+        setFixedSize(PictureSide, PictureSide);
+    }
+    void setImage(const TwitterProfileImagePtr& image)
+    {
+        m_image = image;
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter painter(this);
+        PelinorProfileImage::draw(painter, rect(), m_image, PelinorCellColors::forPalette(palette()));
+    }
+
+private:
+    TwitterProfileImagePtr m_image;
+};
+
+PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
+    : QWidget(parent)
+    , m_picture(new Picture(this))
+    , m_fullName(makeLabel(u"fullName"_s, NameSize, this))
+    , m_username(makeLabel(u"username"_s, TextSize, this))
+    , m_counts(makeLabel(u"counts"_s, TextSize, this))
+    , m_bio(new KRActiveTextView(this))
+    , m_homePage(new QPushButton(this))
+    , m_state(makeLabel(u"state"_s, TextSize, this))
+    , m_followButton(new QPushButton(this))
+    , m_mentionButton(new QPushButton(tr("Mention"), this))
+    , m_messageButton(new QPushButton(tr("Message"), this))
+{
+    QFont bold = m_fullName->font();
+    bold.setWeight(QFont::DemiBold);
+    m_fullName->setFont(bold);
+    m_bio->setObjectName(u"bio"_s);
+    m_homePage->setObjectName(u"homePage"_s);
+    m_homePage->setFlat(true);
+    m_homePage->setCursor(Qt::PointingHandCursor);
+    m_followButton->setObjectName(u"followButton"_s);
+    m_mentionButton->setObjectName(u"mentionButton"_s);
+    m_messageButton->setObjectName(u"messageButton"_s);
+    connect(m_followButton, &QPushButton::clicked, this, &PelinorUserHeaderView::followClicked);
+    connect(m_mentionButton, &QPushButton::clicked, this, &PelinorUserHeaderView::mentionClicked);
+    connect(m_messageButton, &QPushButton::clicked, this, &PelinorUserHeaderView::directMessageClicked);
+    connect(m_homePage, &QPushButton::clicked, this, &PelinorUserHeaderView::homePageClicked);
+
+    auto* const names = new QVBoxLayout;
+    names->setSpacing(2);
+    names->addWidget(m_fullName);
+    names->addWidget(m_username);
+    names->addWidget(m_counts);
+    names->addStretch();
+    auto* const top = new QHBoxLayout;
+    top->setSpacing(12);
+    top->addWidget(m_picture, 0, Qt::AlignTop);
+    top->addLayout(names, 1);
+    auto* const buttons = new QHBoxLayout;
+    buttons->addWidget(m_followButton);
+    buttons->addWidget(m_mentionButton);
+    buttons->addWidget(m_messageButton);
+    buttons->addWidget(m_state, 1);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(14, 12, 14, 12);
+    layout->addLayout(top);
+    layout->addWidget(m_bio);
+    layout->addWidget(m_homePage, 0, Qt::AlignLeft);
+    layout->addLayout(buttons);
+    _updateColors();
+}
+
+PelinorUserHeaderView::~PelinorUserHeaderView() = default;
+
+void PelinorUserHeaderView::setLinkHandler(std::function<void(const QString&, int)> handler)
+{
+    m_bio->setClickHandler([handler = std::move(handler)](const QString& text, KRActiveStringType type) {
+        handler(text, type);
+    });
+}
+
+void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int fontSizePreference)
+{
+    const TwitterUserPtr& user = details.user();
+    m_picture->setImage(user ? user->profileImage() : nullptr);
+    const QString name = user ? user->fullName() : details.username();
+    m_fullName->setText(name.simplified().left(LongestName));
+    m_fullName->setToolTip(name.simplified().toHtmlEscaped());
+    QStringList line { u'@' + details.username() };
+    if (user && !user->location().isEmpty())
+        line.append(user->location().simplified());
+    if (user && user->isProtected().value_or(false))
+        line.append(tr("protected"));
+    m_username->setText(line.join(u" · "_s));
+    QStringList counts;
+    if (user) {
+        for (const QString& part : { count(user->numberOfStatuses(), tr("posts")),
+                 count(user->numberOfFollowing(), tr("following")),
+                 count(user->numberOfFollowers(), tr("followers")) }) {
+            if (!part.isEmpty())
+                counts.append(part);
+        }
+    }
+    m_counts->setText(details.error() ? details.error()->description.simplified() : counts.join(u" · "_s));
+
+    const QString bio = user ? user->bio() : QString();
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
+    const KRActiveTextRanges ranges(bio);
+    m_bio->setAttributedString(AttributedStringForStatus(bio,
+                                   ranges,
+                                   KRStatusTextSize::Normal,
+                                   { fontSizePreference, colors.spans }),
+        ranges);
+    m_bio->setVisible(!bio.isEmpty());
+    const QString address = user ? user->url().toDisplayString() : QString();
+    m_homePage->setText(fontMetrics().elidedText(address, Qt::ElideMiddle, 320));
+    m_homePage->setVisible(!address.isEmpty());
+    _showFollowing(details);
+}
+
+void PelinorUserHeaderView::_showFollowing(const PelinorUserDetails& details)
+{
+    using Following = PelinorUserDetails::Following;
+    const bool isSomebodyElse = details.user() && !details.isMe();
+    const Following following = details.following();
+    m_followButton->setVisible(isSomebodyElse);
+    m_mentionButton->setVisible(isSomebodyElse);
+    m_messageButton->setVisible(isSomebodyElse);
+    m_followButton->setEnabled(following == Following::Yes || following == Following::No);
+    m_followButton->setText(following == Following::Yes ? tr("Unfollow") : tr("Follow"));
+    if (details.followError())
+        m_state->setText(details.followError()->description.simplified());
+    else if (details.isMe())
+        m_state->setText(tr("This is you"));
+    else
+        m_state->setText(details.followsMe() ? tr("Follows you") : QString());
+}
+
+void PelinorUserHeaderView::_updateColors()
+{
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
+    const auto paint = [](QWidget* widget, QPalette::ColorRole role, const QColor& color) {
+        QPalette palette = widget->palette();
+        palette.setColor(role, color);
+        widget->setPalette(palette);
+    };
+    paint(m_fullName, QPalette::WindowText, colors.name);
+    for (QLabel* const label : { m_username, m_counts, m_state })
+        paint(label, QPalette::WindowText, colors.secondaryText);
+    paint(m_homePage, QPalette::ButtonText, colors.selectionMark);
+}
+
+void PelinorUserHeaderView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        _updateColors();
+}
+
+void PelinorUserHeaderView::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
+    painter.fillRect(rect(), colors.background);
+    const qreal hairline = 1 / devicePixelRatioF();
+    painter.fillRect(QRectF(0, height() - hairline, width(), hairline), colors.separator);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/settings/PelinorCredentialsCheck.h"
+
+#include <QDialog>
+
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+/// Asks for the name and the password of an account to add, and adds it once the service has said yes. What
+/// was typed stays for correction. Main thread.
+class PelinorAddAccountSheet : public QDialog {
+    Q_OBJECT
+
+public:
+    PelinorAddAccountSheet(Twitter& twitter, QWidget* parent);
+    ~PelinorAddAccountSheet() override;
+
+    void addAccountButtonAction();
+
+private:
+    void _didVerify(const KRResult<TwitterAccountPtr>& response);
+    void _setChecking(bool isChecking);
+
+    Twitter& m_twitter;
+    PelinorCredentialsCheck m_check;
+    QLineEdit* m_usernameField = nullptr;
+    QLineEdit* m_passwordField = nullptr;
+    QPushButton* m_addButton = nullptr;
+    QLabel* m_progress = nullptr;
+};

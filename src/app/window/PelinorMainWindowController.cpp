@@ -1,0 +1,323 @@
+#include "app/window/PelinorMainWindowController.h"
+
+#include "app/lists/PelinorRepliesListViewController.h"
+#include "app/lists/PelinorTweetsListViewController.h"
+#include "app/look/PelinorWindowColors.h"
+#include "app/messages/PelinorDirectMessagesViewController.h"
+#include "app/searches/PelinorSearchesViewController.h"
+#include "app/window/PelinorGoToUserPanel.h"
+#include "app/window/PelinorProgressIndicator.h"
+#include "app/window/PelinorStatusStrip.h"
+#include "app/window/PelinorWindowStatus.h"
+#include "core/Twitter.h"
+#include "foundation/KRLog.h"
+#include "foundation/KRUserDefaults.h"
+#include "toolkit/KRLiveResize.h"
+#include "toolkit/navigation/KRNavigationController.h"
+
+#include <QCloseEvent>
+#include <QPainter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize MinimumSize(400, 360);
+constexpr QSize InitialSize(480, 760);
+constexpr char GeometryKey[] = "MainWindowGeometry";
+constexpr char SelectedAccountKey[] = "MainWindowSelectedAccount";
+constexpr char SelectedTabKey[] = "MainWindowSelectedTab";
+
+} // namespace
+
+// The window asks its controller what becomes of it.
+class PelinorMainWindowController::Window final : public QMainWindow {
+public:
+    explicit Window(PelinorMainWindowController& controller)
+        : m_controller(controller)
+    {
+    }
+
+protected:
+    void closeEvent(QCloseEvent* event) override
+    {
+        m_controller.saveState();
+        if (m_controller.m_shouldClose && !m_controller.m_shouldClose()) {
+            event->ignore();
+            return;
+        }
+        QMainWindow::closeEvent(event);
+    }
+
+private:
+    PelinorMainWindowController& m_controller;
+};
+
+// What is between the menu bar and the window's edges. Its own colour shows where no screen covers it.
+class PelinorMainWindowController::ContentView final : public QWidget {
+public:
+    explicit ContentView(PelinorMainWindowController& controller)
+        : m_controller(controller)
+    {
+        setObjectName(u"contentView"_s);
+    }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QWidget::resizeEvent(event);
+        m_controller._layOut();
+    }
+    void paintEvent(QPaintEvent* /*event*/) override
+    {
+        QPainter(this).fillRect(rect(), PelinorWindowColors::forPalette(palette()).screen);
+        m_controller._windowWasPainted();
+    }
+
+private:
+    PelinorMainWindowController& m_controller;
+};
+
+PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvironment& environment,
+    Twitter& twitter)
+    : m_environment(environment)
+    , m_twitter(twitter)
+    , m_window(std::make_unique<Window>(*this))
+    , m_contentView(new ContentView(*this))
+    , m_sideTabs(new PelinorAccountTabsView(environment.notifications, m_contentView))
+    , m_statusStrip(new PelinorStatusStrip(m_contentView))
+    , m_goToUserPanel(new PelinorGoToUserPanel(m_window.get()))
+    , m_status(PelinorWindowStatus::observing(environment.notifications))
+{
+    m_window->setObjectName(u"mainWindow"_s);
+    m_window->setWindowTitle(u"Pelinor"_s);
+    m_window->setMinimumSize(MinimumSize);
+    m_window->setCentralWidget(m_contentView);
+    new KRLiveResize(*m_window);
+    m_sideTabs->setObjectName(u"sideTabs"_s);
+    m_sideTabs->setDelegate(this);
+    m_switcher.setTargetView(m_contentView);
+    connect(m_goToUserPanel, &PelinorGoToUserPanel::userChosen, this, [this](const QString& name) {
+        _goToUser(name);
+    });
+    m_status->setChangeHandler([this] { _statusDidChange(); });
+    m_accountsObservation = environment.notifications.observe<TwitterAccountsDidChangeNotification>(
+        [this](const TwitterAccountsDidChangeNotification&) { accountsDidChange(); });
+    _restoreState();
+    accountsDidChange();
+    m_sideTabs->restoreSelection(
+        [this]() -> TwitterAccountPtr {
+            const QString name = m_environment.defaults.stringForKey(SelectedAccountKey);
+            for (const TwitterAccountPtr& account : m_twitter.accounts()) {
+                if (account->username() == name)
+                    return account;
+            }
+            return nullptr;
+        }(),
+        m_environment.defaults.integerForKey(SelectedTabKey));
+}
+
+PelinorMainWindowController::~PelinorMainWindowController()
+{
+    m_status->setChangeHandler({});
+    m_sideTabs->setDelegate(nullptr);
+    saveState();
+    m_switcher.setTargetView(nullptr);
+}
+
+QMainWindow& PelinorMainWindowController::window()
+{
+    return *m_window;
+}
+
+void PelinorMainWindowController::showWindow()
+{
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+QRect PelinorMainWindowController::mainViewRect() const
+{
+    return m_contentView->rect().adjusted(PelinorAccountTabsView::Width, 0, 0, -PelinorStatusStrip::Height);
+}
+
+void PelinorMainWindowController::_layOut()
+{
+    const QRect screens = mainViewRect();
+    m_sideTabs->setGeometry(0, 0, PelinorAccountTabsView::Width, m_contentView->height());
+    m_statusStrip->setGeometry(screens.x(),
+        screens.bottom() + 1,
+        screens.width(),
+        PelinorStatusStrip::Height);
+}
+
+// State kept between runs
+
+void PelinorMainWindowController::_restoreState()
+{
+    const QByteArray geometry = m_environment.defaults.dataForKey(GeometryKey);
+    if (geometry.isEmpty() || !m_window->restoreGeometry(geometry))
+        m_window->resize(InitialSize);
+}
+
+void PelinorMainWindowController::saveState()
+{
+    KRUserDefaults& defaults = m_environment.defaults;
+    defaults.setData(GeometryKey, m_window->saveGeometry());
+    if (const TwitterAccountPtr account = selectedTwitterAccount()) {
+        defaults.setString(SelectedAccountKey, account->username());
+        defaults.setInteger(SelectedTabKey, m_sideTabs->selectedAccountTab());
+    }
+    if (auto* const list = topList(); list && m_areScreensShown)
+        list->saveScrollPosition();
+}
+
+// Screens
+
+void PelinorMainWindowController::_windowWasPainted()
+{
+    // The window is on the screen before the first text has loaded the fonts and the first request libcurl.
+    if (!std::exchange(m_wasPainted, true))
+        QMetaObject::invokeMethod(
+            this,
+            [this] { _showSelection(); },
+            Qt::QueuedConnection);
+}
+
+void PelinorMainWindowController::_showSelection()
+{
+    selectAccount(m_sideTabs->selectedAccount(), m_sideTabs->selectedAccountTab(), false, 0, false);
+}
+
+void PelinorMainWindowController::accountsDidChange()
+{
+    m_sideTabs->setAccounts(m_twitter.accounts());
+    if (m_wasPainted)
+        _showSelection();
+}
+
+KRViewControllerPtr PelinorMainWindowController::_rootScreen(const TwitterAccountPtr& account, int tab)
+{
+    const auto forAccount = [&account](const auto& screen) {
+        screen->setAccount(account);
+        return screen;
+    };
+    switch (tab) {
+    case TimelineTab:
+        return forAccount(std::make_shared<PelinorTweetsListViewController>(m_environment));
+    case RepliesTab:
+        return forAccount(std::make_shared<PelinorRepliesListViewController>(m_environment));
+    case DirectMessagesTab:
+        return forAccount(std::make_shared<PelinorDirectMessagesViewController>(m_environment));
+    case SearchesTab:
+        return forAccount(std::make_shared<PelinorSearchesViewController>(m_environment, m_twitter));
+    case ProfileTab:
+        return m_environment.screens.makeUserDetailsView(account, account->user(), account->username());
+    default:
+        KRLog(u"Warning: unknown tab selected %1"_s.arg(tab));
+        return nullptr;
+    }
+}
+
+void PelinorMainWindowController::selectAccount(const TwitterAccountPtr& account,
+    int tab,
+    bool animated,
+    int direction,
+    bool speedy)
+{
+    KRViewControllerPtr root = account ? _rootScreen(account, tab) : nullptr;
+    if (!root) {
+        root = std::make_shared<KRViewController>();
+        root->setView(std::make_unique<QWidget>());
+    }
+    m_areScreensShown = account != nullptr;
+    m_switcher.setTargetFrame(mainViewRect());
+    int code = KRTransitionNone;
+    if (animated)
+        code = (direction ? KRTransitionSlideDown : KRTransitionSlideUp) | (speedy ? KRTransitionShort : 0);
+    m_switcher.switchToViewController(std::make_shared<KRNavigationController>(root), code);
+    if (!m_window->focusWidget() || m_window->focusWidget() == m_contentView)
+        root->view()->setFocus();
+}
+
+KRViewControllerPtr PelinorMainWindowController::topViewController() const
+{
+    const auto navigation = m_switcher.currentNavigationController();
+    return navigation ? navigation->topViewController() : nullptr;
+}
+
+PelinorStatusListViewController* PelinorMainWindowController::topList() const
+{
+    return qobject_cast<PelinorStatusListViewController*>(topViewController().get());
+}
+
+void PelinorMainWindowController::accountTabsSelectAccount(PelinorAccountTabsView& tabs,
+    const TwitterAccountPtr& /*account*/,
+    int direction,
+    bool speedy)
+{
+    selectAccount(tabs.selectedAccount(), tabs.selectedAccountTab(), true, direction, speedy);
+}
+
+void PelinorMainWindowController::accountTabsSelectTab(PelinorAccountTabsView& tabs,
+    int /*tag*/,
+    int direction)
+{
+    selectAccount(tabs.selectedAccount(), tabs.selectedAccountTab(), true, direction, false);
+}
+
+void PelinorMainWindowController::accountTabsReSelectTab(PelinorAccountTabsView& /*tabs*/, int /*tag*/)
+{
+    if (const auto navigation = m_switcher.currentNavigationController())
+        navigation->popToRootViewControllerAnimated(KRAnimated::Yes);
+}
+
+void PelinorMainWindowController::accountTabsDoubleClickAccount(PelinorAccountTabsView& /*tabs*/,
+    const TwitterAccountPtr& account)
+{
+    _push(m_environment.screens.makeUserDetailsView(account, account->user(), account->username()));
+}
+
+void PelinorMainWindowController::_push(const KRViewControllerPtr& screen)
+{
+    if (const auto navigation = m_switcher.currentNavigationController())
+        navigation->pushViewController(screen, KRAnimated::Yes);
+    else
+        KRLog(u"no navigation controller found!"_s);
+}
+
+// People
+
+void PelinorMainWindowController::myProfile()
+{
+    if (const TwitterAccountPtr account = selectedTwitterAccount())
+        _goToUser(account->username());
+}
+
+void PelinorMainWindowController::goToUser()
+{
+    if (!selectedTwitterAccount())
+        return;
+    QStringList names;
+    for (const TwitterUserPtr& user : m_twitter.cachedUsers())
+        names.append(user->username());
+    names.sort(Qt::CaseInsensitive);
+    m_goToUserPanel->goToUser(names);
+}
+
+void PelinorMainWindowController::_goToUser(const QString& username)
+{
+    const TwitterAccountPtr account = selectedTwitterAccount();
+    if (account)
+        _push(m_environment.screens.makeUserDetailsView(account, nullptr, username));
+}
+
+void PelinorMainWindowController::_statusDidChange()
+{
+    m_statusStrip->setError(m_status->currentError() ? m_status->currentError()->description : QString());
+    if (m_status->isNetworkActive())
+        m_statusStrip->progressIndicator().startAnimation();
+    else
+        m_statusStrip->progressIndicator().stopAnimation();
+}

@@ -1,0 +1,345 @@
+#include "app/PelinorAppDelegate.h"
+#include "app/PelinorMainMenu.h"
+#include "app/lists/PelinorStatusDetailsViewController.h"
+#include "app/people/PelinorUserDetailsViewController.h"
+#include "app/searches/PelinorSearchViewController.h"
+#include "app/settings/PelinorLoginWindowController.h"
+#include "app/settings/PelinorPreferencesWindowController.h"
+#include "app/window/PelinorMainWindowController.h"
+#include "app/window/PelinorStatusStrip.h"
+#include "foundation/KRUserDefaults.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTestLocalService.h"
+#include "toolkit/navigation/KRNavigationController.h"
+#include "toolkit/transitions/KRMotion.h"
+#include "transport/KRHTTPConnection.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+
+// The whole road: a real service over TLS, the engine, and the windows that people see.
+
+namespace {
+
+constexpr int patience = 20'000;
+
+class Journey : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_service.isRunning());
+        KRMotion::setEnabledByProgram(false);
+        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+        settings.extraCAFile = m_service.authorityFile();
+        KRHTTPTransportSettings::setCurrent(settings);
+        start();
+    }
+    void TearDown() override
+    {
+        end();
+        KRMotion::setEnabledByProgram(true);
+    }
+
+    void start()
+    {
+        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, m_service.servicesFile());
+        ASSERT_FALSE(hosts.isError());
+        m_twitter = std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, hosts.value(), false });
+        // There is no keyring here.
+        for (const TwitterAccountPtr& account : m_twitter->accounts())
+            account->setPassword(account->username() == u"alice" ? u"wonderland"_s : u"builder"_s);
+        m_delegate = std::make_unique<PelinorAppDelegate>(*m_twitter, m_defaults);
+        m_delegate->applicationDidFinishLaunching();
+    }
+    void end()
+    {
+        m_delegate->applicationWillTerminate();
+        m_delegate.reset();
+        m_twitter.reset();
+    }
+    void signIn(const QString& name, const QString& password)
+    {
+        m_twitter->addAccount(
+            TwitterAccount::accountWithUsername(name, password, m_twitter->accountContext()));
+    }
+
+    PelinorMainWindowController& window() { return *m_delegate->mainWindowController(); }
+    template <class Predicate>
+    static bool waitFor(Predicate predicate)
+    {
+        return QTest::qWaitFor(predicate, patience);
+    }
+    /// The timeline with its posts, asked for by nobody but the screens.
+    bool timelineIsFilled()
+    {
+        return waitFor([this] { return window().topList() && window().topList()->statuses().size() >= 100; });
+    }
+    template <class Widget>
+    static Widget* find(QWidget& parent, const QString& name)
+    {
+        auto* const widget = parent.findChild<Widget*>(name);
+        EXPECT_NE(widget, nullptr) << name.toStdString();
+        return widget;
+    }
+    /// What a sheet on the window says; the sheet is closed by that.
+    static QString readSheet(QWidget& parent)
+    {
+        auto* const sheet = parent.findChild<QMessageBox*>();
+        if (!sheet)
+            return {};
+        const QString text = sheet->text() + u'|' + sheet->informativeText();
+        delete sheet;
+        return text;
+    }
+    /// Chooses the button of the modal alert that comes next.
+    static void answerAlert(const QString& button)
+    {
+        QTimer::singleShot(0, [button] {
+            auto* const alert = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(alert, nullptr);
+            for (QAbstractButton* const one : alert->buttons()) {
+                if (one->text() == button)
+                    one->click();
+            }
+        });
+    }
+    void key(Qt::Key key) { QTest::keyClick(window().topList()->tableView().selectedCell(), key); }
+
+    QTemporaryDir m_directory;
+    KRQtRunLoopDriver m_driver;
+    KRTestLocalService m_service;
+    KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
+    std::shared_ptr<Twitter> m_twitter;
+    std::unique_ptr<PelinorAppDelegate> m_delegate;
+};
+
+} // namespace
+
+TEST_F(Journey, TheFirstLoginLeadsToTheTimeline)
+{
+    ASSERT_EQ(m_delegate->mainWindowController(), nullptr);
+    PelinorLoginWindowController& login = *m_delegate->loginWindowController();
+    auto* const name = find<QLineEdit>(login.window(), u"usernameField"_s);
+    auto* const password = find<QLineEdit>(login.window(), u"passwordField"_s);
+    auto* const button = find<QAbstractButton>(login.window(), u"loginButton"_s);
+    const auto tryWith = [&](const QString& typedName, const QString& typedPassword) {
+        name->setText(typedName);
+        password->setText(typedPassword);
+        button->click();
+        EXPECT_TRUE(waitFor([&] { return button->isEnabled(); }));
+        return readSheet(login.window());
+    };
+    EXPECT_EQ(tryWith(u"alice@example.org"_s, u"x"_s),
+        u"Please Login with your Twitter username, not your email address.|"
+        "You cannot login with your email address."_s);
+    EXPECT_TRUE(tryWith(u"alice"_s, u"wrong"_s).startsWith(u"Error|"));
+    EXPECT_EQ(name->text(), u"alice"_s) << "what was typed stays for correction";
+    EXPECT_TRUE(m_twitter->accounts().isEmpty());
+    password->setText(u"wonderland"_s);
+    button->click();
+    ASSERT_TRUE(waitFor([&] { return m_delegate->mainWindowController() != nullptr; }));
+    EXPECT_TRUE(timelineIsFilled());
+    EXPECT_TRUE(waitFor([this] {
+        const TwitterStatusPtr top = window().topList()->statusForRow(1);
+        return top && top->fromUser()->profileImage();
+    })) << "avatars come through the network cache";
+}
+
+TEST_F(Journey, ReadsAnswersAndLooksAround)
+{
+    signIn(u"alice"_s, u"wonderland"_s);
+    signIn(u"bob"_s, u"builder"_s);
+    start();
+    ASSERT_TRUE(timelineIsFilled());
+    PelinorStatusListViewController* const timeline = window().topList();
+    KRTableView& table = timeline->tableView();
+    const auto navigation = window().switcher().currentNavigationController();
+    table.selectRow(1);
+    const TwitterStatusPtr post = timeline->statusForRow(1);
+
+    // A reply.
+    key(Qt::Key_R);
+    ASSERT_EQ(m_delegate->composeControllers().size(), 1U);
+    PelinorComposeWindowController& compose = *m_delegate->composeControllers().front();
+    EXPECT_EQ(compose.textView().toPlainText(), u"@%1 "_s.arg(post->fromUser()->username()));
+    compose.textView().insertPlainText(u"I came here by foot \U0001f3d7"_s);
+    compose.post();
+    ASSERT_TRUE(waitFor([this] { return m_delegate->composeControllers().empty(); }));
+    EXPECT_TRUE(waitFor([&] { return timeline->statusForRow(1)->text().contains(u"by foot"); }));
+    EXPECT_EQ(timeline->statusForRow(1)->inReplyToStatusID(), post->statusID());
+
+    // Its conversation, and back.
+    table.selectRow(1);
+    key(Qt::Key_Return);
+    auto* const details
+        = qobject_cast<PelinorStatusDetailsViewController*>(window().topViewController().get());
+    ASSERT_NE(details, nullptr);
+    EXPECT_TRUE(waitFor([&] { return details->rowForStatus(*post) != details->NoRow; }));
+    navigation->popViewControllerAnimated(KRAnimated::No);
+
+    // Its author, with posts of the author's own.
+    table.selectRow(2);
+    key(Qt::Key_P);
+    auto* const person = qobject_cast<PelinorUserDetailsViewController*>(window().topViewController().get());
+    ASSERT_NE(person, nullptr);
+    auto* const follow = find<QAbstractButton>(*person->view(), u"followButton"_s);
+    EXPECT_TRUE(waitFor([&] { return person->list() && person->list()->statuses().size() > 2; }));
+    EXPECT_EQ(person->list()->statusForRow(1)->fromUser(), post->fromUser());
+    ASSERT_TRUE(waitFor([&] { return follow->isEnabled(); }));
+    const QString before = follow->text();
+    follow->click();
+    EXPECT_FALSE(follow->isEnabled()) << "the service is being asked";
+    EXPECT_TRUE(waitFor([&] { return follow->isEnabled(); }));
+    EXPECT_NE(follow->text(), before);
+    navigation->popToRootViewControllerAnimated(KRAnimated::No);
+
+    // A favourite, and a search that is kept.
+    table.selectRow(2);
+    key(Qt::Key_F);
+    EXPECT_TRUE(m_twitter->accounts().first()->isFavoriteStatus(*timeline->statusForRow(2)));
+    window().selectSearch();
+    auto* const field = find<QLineEdit>(*window().topViewController()->view(), u"searchField"_s);
+    field->setText(u"#cycling"_s);
+    QTest::keyClick(field, Qt::Key_Return);
+    auto* const search = qobject_cast<PelinorSearchViewController*>(window().topViewController().get());
+    ASSERT_NE(search, nullptr);
+    EXPECT_TRUE(waitFor([&] { return search->statuses().size() > 2; }));
+    search->toggleSaved();
+    EXPECT_EQ(m_twitter->accounts().first()->savedSearches().size(), 1);
+
+    // Messages, and the other account.
+    window().selectDirectMessages();
+    EXPECT_TRUE(waitFor([this] {
+        return !m_twitter->accounts().first()->directMessagesManager()->conversations().isEmpty();
+    }));
+    window().selectNextAccount();
+    EXPECT_EQ(window().selectedTwitterAccount()->username(), u"bob"_s);
+    EXPECT_TRUE(timelineIsFilled());
+
+    m_service.stop();
+    window().topList()->refresh();
+    EXPECT_TRUE(waitFor([this] { return window().statusStrip().error().contains(u"127.0.0.1"); }));
+    EXPECT_GE(window().topList()->statuses().size(), 100) << "a failed load loses nothing";
+}
+
+TEST_F(Journey, QuitsOnlyWhenNothingIsLostAndComesBackToTheSamePlace)
+{
+    signIn(u"alice"_s, u"wonderland"_s);
+    signIn(u"bob"_s, u"builder"_s);
+    end();
+    start();
+    ASSERT_TRUE(timelineIsFilled());
+    window().selectNextAccount();
+    ASSERT_TRUE(timelineIsFilled());
+    window().topList()->tableView().scrollToRow(40, -7);
+    const TwitterStatusPtr reading = window().topList()->statusForRow(40);
+
+    m_delegate->newDocument();
+    m_delegate->newDocument();
+    PelinorComposeWindowController& compose = *m_delegate->composeControllers().front();
+    answerAlert(u"Review Tweets..."_s);
+    EXPECT_FALSE(m_delegate->applicationShouldTerminate());
+    compose.cancel();
+    EXPECT_EQ(m_delegate->composeControllers().size(), 1U) << "an untouched window closes at once";
+    PelinorComposeWindowController& other = *m_delegate->composeControllers().front();
+    EXPECT_EQ(other.account()->username(), u"bob"_s);
+    other.textView().setPlainText(u"x"_s.repeated(141));
+    other.post();
+    EXPECT_TRUE(readSheet(other.window()).startsWith(u"Message too long|"));
+    other.cancel();
+    EXPECT_EQ(readSheet(other.window()),
+        u"Are you sure you want to discard this unsaved tweet?|Your tweet will be lost."_s);
+    EXPECT_EQ(m_delegate->composeControllers().size(), 1U);
+    answerAlert(u"Discard Tweets"_s);
+    EXPECT_TRUE(m_delegate->applicationShouldTerminate());
+
+    end();
+    start();
+    EXPECT_EQ(window().selectedTwitterAccount()->username(), u"bob"_s);
+    ASSERT_TRUE(timelineIsFilled());
+    const qint64 row = window().topList()->rowForStatus(*reading);
+    EXPECT_EQ(window().topList()->tableView().relativeVisibleOffsetForRow(row), -7);
+}
+
+TEST_F(Journey, PreferencesApplyAtOnce)
+{
+    signIn(u"alice"_s, u"wonderland"_s);
+    signIn(u"bob"_s, u"builder"_s);
+    end();
+    start();
+    ASSERT_TRUE(timelineIsFilled());
+    KRTableView& table = window().topList()->tableView();
+    QMainWindow& preferences = m_delegate->preferencesWindowController().window();
+    EXPECT_EQ(preferences.windowTitle(), u"General"_s);
+    auto* const size = find<QComboBox>(preferences, u"StatusCellFontSize"_s);
+    const int height = table.totalHeight();
+    size->setCurrentIndex(size->findText(u"Huge"_s));
+    Q_EMIT size->activated(size->currentIndex());
+    EXPECT_TRUE(waitFor([&] { return table.totalHeight() > height; }));
+    EXPECT_EQ(m_defaults.integerForKey("StatusCellFontSize"), 2);
+    find<QPlainTextEdit>(preferences, u"filterTerms"_s)->setPlainText(u" one \n\ntwo"_s);
+    EXPECT_EQ(m_defaults.stringListForKey("filterTerms"), QStringList({ u"one"_s, u"two"_s }));
+    find<QPlainTextEdit>(preferences, u"filterTerms"_s)->clear();
+
+    m_delegate->preferencesWindowController().accounts();
+    auto* const list = find<QListWidget>(preferences, u"accountsTable"_s);
+    // Dragging a row below the other.
+    ASSERT_TRUE(list->model()->moveRow({}, 0, {}, 2));
+    EXPECT_EQ(m_twitter->accounts().first()->username(), u"bob"_s);
+    EXPECT_TRUE(waitFor([&] { return list->item(0)->text() == u"bob"; }));
+    EXPECT_EQ(window().sideTabs().accounts().first()->username(), u"bob"_s);
+    list->setCurrentRow(0);
+    find<QAbstractButton>(preferences, u"accountDetailsButton"_s)->click();
+    auto* const growl
+        = find<QAbstractButton>(preferences, u"option%1"_s.arg(int(TwitterAccountMentionsGrowl)));
+    EXPECT_FALSE(growl->isChecked());
+    growl->click();
+    auto* const sheet = qobject_cast<QDialog*>(growl->window());
+    sheet->accept();
+    find<QAbstractButton>(preferences, u"removeAccountButton"_s)->click();
+    auto* const question = preferences.findChild<QMessageBox*>();
+    ASSERT_NE(question, nullptr);
+    EXPECT_EQ(question->informativeText(), u"Are you sure you want to remove \"bob\"?"_s);
+    for (QAbstractButton* const button : question->buttons()) {
+        if (button->text() == u"Delete")
+            button->click();
+    }
+    EXPECT_EQ(m_twitter->accounts().size(), 1);
+    EXPECT_TRUE(waitFor([&] { return list->count() == 1; }));
+    EXPECT_EQ(window().selectedTwitterAccount()->username(), u"alice"_s);
+}
+
+TEST_F(Journey, EveryMenuItemHasAKeyOfItsOwn)
+{
+    signIn(u"alice"_s, u"wonderland"_s);
+    end();
+    start();
+    QStringList titles;
+    QSet<QKeySequence> keys;
+    for (const QAction* const menu : window().window().menuBar()->actions()) {
+        titles.append(menu->text().remove(u'&'));
+        for (const QAction* const item : menu->menu()->actions()) {
+            if (item->shortcut().isEmpty())
+                continue;
+            EXPECT_FALSE(keys.contains(item->shortcut())) << item->text().toStdString();
+            keys.insert(item->shortcut());
+        }
+    }
+    EXPECT_EQ(titles.join(u' '), u"File Edit View Account Status Window Help"_s);
+    for (const char* const key :
+        { "Ctrl+N", "Ctrl+Shift+D", "Ctrl+R", "Ctrl+1", "Ctrl+4", "Ctrl+Up", "Ctrl+U", "Ctrl+," })
+        EXPECT_TRUE(keys.contains(QKeySequence(QLatin1String(key)))) << key;
+}
