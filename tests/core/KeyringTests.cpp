@@ -15,7 +15,7 @@
 
 using namespace Qt::StringLiterals;
 
-// Runs inside a session bus of its own with a real keyring, see tests/support/with-keyring.
+// Runs inside a session bus of its own with a real keyring, see tests/support/with-and-without-keyring.
 
 namespace {
 
@@ -43,7 +43,7 @@ std::shared_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
 
 } // namespace
 
-TEST(KRKeychain, StoresFindsAndReplaces)
+TEST(Keyring, StoresFindsAndReplaces)
 {
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
     EXPECT_TRUE(KRKeychain::passwordForUsername(u""_s, service, nullptr).isNull());
@@ -59,7 +59,7 @@ TEST(KRKeychain, StoresFindsAndReplaces)
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
 }
 
-TEST(KRSecretService, StartsNoBusWhereThereIsNone)
+TEST(Keyring, StartsNoBusWhereThereIsNone)
 {
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
@@ -73,7 +73,7 @@ TEST(KRSecretService, StartsNoBusWhereThereIsNone)
     EXPECT_EQ(answer.error, u"there is no session bus"_s);
 }
 
-TEST(EMKeychainProxy, ChangesStoredItems)
+TEST(Keyring, ChangesStoredItems)
 {
     EMKeychainProxy& proxy = EMKeychainProxy::sharedProxy();
     EXPECT_EQ(proxy.addGenericKeychainItemForService(service, u""_s, u"x"_s), nullptr);
@@ -98,7 +98,7 @@ TEST(EMKeychainProxy, ChangesStoredItems)
     EXPECT_EQ(proxy.internetKeychainItemForServer(location, u"dave"_s)->password(), u"three"_s);
 }
 
-TEST(TwitterAccount, KeepsItsPasswordInTheKeychainOnly)
+TEST(Keyring, KeepsItsPasswordInTheKeychainOnly)
 {
     const QTemporaryDir directory;
     const QString path = directory.filePath(u"pelinor.ini"_s);
@@ -117,7 +117,7 @@ TEST(TwitterAccount, KeepsItsPasswordInTheKeychainOnly)
     EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
 }
 
-TEST(TwitterAccount, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
+TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
 {
     const QTemporaryDir directory;
     KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
@@ -185,7 +185,7 @@ TEST(TwitterAccount, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_EQ(inKeychain(u"frank"_s), u"locked in"_s) << "removing an account leaves its password";
 }
 
-TEST(TwitterAccount, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
+TEST(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
 {
     const QTemporaryDir directory;
     KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
@@ -208,7 +208,7 @@ TEST(TwitterAccount, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
     EXPECT_EQ(inKeychain(), u"second"_s);
 }
 
-TEST(KRSecretService, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
+TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
 {
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " STOP"), 0);
     const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"bob"_s } };
@@ -223,7 +223,7 @@ TEST(KRSecretService, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAn
         [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
 }
 
-TEST(KRKeychain, TellsOnceThatNobodyKeepsPasswords)
+TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)
 {
     KRManualClock clock;
     KRTestLog log;
