@@ -21,6 +21,21 @@ std::string rateLimitDocument()
     return xml.take();
 }
 
+std::string configurationDocument()
+{
+    XmlWriter xml;
+    xml.beginElement("config");
+    xml.beginElement("site");
+    xml.element("name", "Local Community");
+    xml.element("textlimit", static_cast<std::int64_t>(longestStatus));
+    xml.endElement();
+    xml.beginElement("attachments");
+    xml.element("uploads", false);
+    xml.endElement();
+    xml.endElement();
+    return xml.take();
+}
+
 } // namespace
 
 void addAccountRoutes(Router& router, Site& site)
@@ -30,6 +45,10 @@ void addAccountRoutes(Router& router, Site& site)
     });
     router.get("account/rate_limit_status.xml", Router::Access::Anyone, [](const Call&) {
         return xmlAnswer(rateLimitDocument());
+    });
+    // Where clients learn what the site is called and what it takes.
+    router.get("statusnet/config.xml", Router::Access::Anyone, [](const Call&) {
+        return xmlAnswer(configurationDocument());
     });
 }
 

@@ -4,6 +4,9 @@
 
 namespace localservice {
 
+// Characters of a post.
+inline constexpr std::size_t longestStatus = 140;
+
 // The operations of the REST interface, one function for each group.
 void addTimelineRoutes(Router& router, Site& site);
 void addStatusRoutes(Router& router, Site& site);

@@ -5,7 +5,6 @@ namespace localservice {
 
 namespace {
 
-constexpr std::size_t longestStatus = 140;
 constexpr std::int64_t duplicateSeconds = 60;
 constexpr std::size_t longestSource = 40;
 

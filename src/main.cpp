@@ -26,7 +26,7 @@ int run(const PelinorLaunchOptions& options)
         return complain(hosts.error().description);
     KRQtRunLoopDriver driver;
     KRUserDefaults& defaults = KRUserDefaults::standardUserDefaults();
-    Twitter::setSharedEnvironment({ &defaults, hosts.value(), true });
+    Twitter::setSharedEnvironment({ &defaults, hosts.value(), true, !options.servicesFile.isEmpty() });
     KRHTTPRequest::removeAbandonedBodies();
     Twitter& twitter = Twitter::sharedTwitter();
     options.signIn(twitter);

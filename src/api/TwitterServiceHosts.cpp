@@ -58,6 +58,29 @@ KRResult<TwitterServiceHosts> TwitterServiceHosts::hostsWithDefaults(const KRUse
     return hosts;
 }
 
+QStringList TwitterServiceHosts::keys() const
+{
+    QStringList keys = m_values.keys();
+    keys.sort();
+    return keys;
+}
+
+QString TwitterServiceHosts::server() const
+{
+    QString server = RESTHost().toLower();
+    if (server.startsWith(httpsPrefix))
+        server.remove(0, httpsPrefix.size());
+    const auto dropSlashes = [&server] {
+        while (server.endsWith(u'/'))
+            server.chop(1);
+    };
+    dropSlashes();
+    if (server.endsWith("/api"_L1))
+        server.chop(4);
+    dropSlashes();
+    return server;
+}
+
 KRResult<QUrl> TwitterServiceHosts::RESTURLForPath(const QString& path) const
 {
     return _urlForPath(path, RESTHostKey, "https"_L1);

@@ -43,6 +43,11 @@ public:
     QString RESTHost() const { return valueForKey(QLatin1String(RESTHostKey)); }
     QString searchHost() const { return valueForKey(QLatin1String(searchHostKey)); }
     QString webHost() const { return valueForKey(QLatin1String(webHostKey)); }
+    /// The keys that have a value, in their order.
+    QStringList keys() const;
+    /// The site by a name that people know it by and that tells it from others: host, port and folder of its
+    /// XML interface in lower case, without the "api" at the end. Empty without a host.
+    [[nodiscard]] QString server() const;
 
     /// The address of a path of the XML interface, which may carry a query and is not encoded again. Always
     /// https; an error, for the user to read, when no host is set or what is set is none.

@@ -61,7 +61,7 @@ void PelinorLaunchOptions::signIn(Twitter& twitter) const
             continue;
         const auto& known = twitter.accounts();
         const auto found = std::find_if(known.begin(), known.end(), [&name](const TwitterAccountPtr& one) {
-            return one->username().compare(name, Qt::CaseInsensitive) == 0;
+            return one->isNamed(name);
         });
         if (found != known.end())
             (*found)->setPassword(password);

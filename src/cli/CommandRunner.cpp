@@ -24,7 +24,7 @@ TwitterAccountPtr CommandRunner::_findAccount(const QString& password) const
     if (!password.isNull())
         return TwitterAccount::accountWithUsername(m_line.account, password, m_twitter->accountContext());
     for (const TwitterAccountPtr& account : m_twitter->accounts()) {
-        if (m_line.account.isEmpty() || account->username().compare(m_line.account, Qt::CaseInsensitive) == 0)
+        if (m_line.account.isEmpty() || account->isNamed(m_line.account))
             return account;
     }
     // What needs no credentials works all the same; the service says what does.

@@ -53,6 +53,7 @@ int run(CommandLine line, QTextStream& input, QTextStream& output, QTextStream& 
     TwitterEnvironment environment;
     environment.hosts = hosts.value();
     environment.runsHeartbeat = false;
+    environment.hostsAreForAll = !line.servicesFile.isEmpty();
     const auto runner
         = std::make_shared<CommandRunner>(line, std::make_shared<Twitter>(environment), output, errors);
     KRBlockingRunLoopDriver driver;

@@ -69,6 +69,38 @@ TwitterAccountContext Twitter::accountContext() const
     return { m_tables, *m_environment.hosts };
 }
 
+TwitterAccountContext Twitter::_contextForSite(const TwitterSite& site)
+{
+    const QString server = site.hosts.server();
+    if (server == m_environment.hosts->server())
+        return { m_tables, site.hosts, site };
+    std::shared_ptr<TwitterUniquingTables>& tables = m_otherTables[server];
+    if (!tables)
+        tables = std::make_shared<TwitterUniquingTables>();
+    return { tables, site.hosts, site, true };
+}
+
+TwitterAccountContext Twitter::accountContextForSite(const TwitterSite& site)
+{
+    if (m_environment.hosts->server().isEmpty()) {
+        m_environment.hosts = site.hosts;
+        for (const QString& key : site.hosts.keys())
+            m_environment.defaults->setString(QLatin1String(TwitterServiceHosts::group) + u'/' + key,
+                site.hosts.valueForKey(key));
+    }
+    return _contextForSite(site);
+}
+
+QStringList Twitter::servers() const
+{
+    QStringList servers { m_environment.hosts->server() };
+    for (const TwitterAccountPtr& account : m_accounts)
+        servers.append(account->context().hosts.server());
+    servers.removeAll(QString());
+    servers.removeDuplicates();
+    return servers;
+}
+
 void Twitter::_loadAccounts()
 {
     const QByteArray data = m_environment.defaults->dataForKey(accountsKey);
@@ -80,8 +112,12 @@ void Twitter::_loadAccounts()
         m_environment.defaults->setAsideUnreadableData(QLatin1String(accountsKey));
         return;
     }
-    for (const KRKeyedUnarchiver& account : coder.value().decodeObjects("accounts"_L1))
-        m_accounts.append(TwitterAccount::accountWithCoder(account, accountContext()));
+    for (const KRKeyedUnarchiver& account : coder.value().decodeObjects("accounts"_L1)) {
+        const std::optional<TwitterSite> site
+            = m_environment.hostsAreForAll ? std::nullopt : TwitterAccount::siteWithCoder(account);
+        m_accounts.append(
+            TwitterAccount::accountWithCoder(account, site ? _contextForSite(*site) : accountContext()));
+    }
 }
 
 void Twitter::_saveAccounts()
@@ -262,7 +298,10 @@ TwitterDirectMessageList Twitter::definitiveDirectMessages(const TwitterDirectMe
 
 TwitterUserList Twitter::cachedUsers() const
 {
-    return m_tables->cachedUsers();
+    TwitterUserList users = m_tables->cachedUsers();
+    for (const auto& tables : m_otherTables)
+        users += tables->cachedUsers();
+    return users;
 }
 
 TwitterUserList Twitter::usersStartingWith(const QString& prefix) const

@@ -32,6 +32,9 @@ struct TwitterEnvironment {
     std::optional<TwitterServiceHosts> hosts;
     /// A command that runs for seconds wants no heartbeat.
     bool runsHeartbeat = true;
+    /// Whether the hosts are those of every account, whatever site it signed in to: the user named them at
+    /// the start.
+    bool hostsAreForAll = false;
 };
 
 /// The root of the model: the accounts, the one record of each thing, the heartbeat and the trends. Main
@@ -98,8 +101,13 @@ public:
     /// failure leaves the old ones.
     void updateTrends();
 
-    /// What accounts are made with.
+    /// What accounts of the program's own table of hosts are made with.
     [[nodiscard]] TwitterAccountContext accountContext() const;
+    /// What accounts of a site are made with. The first site of a program without hosts becomes its own one,
+    /// and is kept in the defaults.
+    [[nodiscard]] TwitterAccountContext accountContextForSite(const TwitterSite& site);
+    /// The servers of the accounts, and of the program's own table, each once.
+    [[nodiscard]] QStringList servers() const;
 
 private:
     void _loadAccounts();
@@ -109,8 +117,12 @@ private:
     void _accountDidChange(const TwitterAccount* account);
     void trendsResponse(const KRResult<QStringList>& response);
 
+    TwitterAccountContext _contextForSite(const TwitterSite& site);
+
     TwitterEnvironment m_environment;
     std::shared_ptr<TwitterUniquingTables> m_tables;
+    // Of the other sites, by server.
+    QHash<QString, std::shared_ptr<TwitterUniquingTables>> m_otherTables;
     QList<TwitterAccountPtr> m_accounts;
     std::optional<QStringList> m_trends;
     bool m_loadingTrends = false;

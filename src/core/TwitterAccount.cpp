@@ -117,6 +117,47 @@ void TwitterAccount::_encodeWithoutPassword(KRKeyedArchiver& coder) const
     coder.encodeDate("freshSearches"_L1, m_freshSearches);
     coder.encodeObjects("savedSearches"_L1, m_savedSearches);
     coder.encodeInteger("notificationOptions"_L1, m_notificationOptions);
+    if (!m_context.site)
+        return;
+    QStringList hosts;
+    for (const QString& key : m_context.hosts.keys())
+        hosts << key << m_context.hosts.valueForKey(key);
+    coder.encodeStrings("siteHosts"_L1, hosts);
+    coder.encodeString("siteName"_L1, m_context.site->name);
+    coder.encodeInteger("siteTakesUploads"_L1, m_context.site->takesUploads ? 1 : 0);
+    if (m_context.site->textLimit)
+        coder.encodeInteger("siteTextLimit"_L1, *m_context.site->textLimit);
+}
+
+std::optional<TwitterSite> TwitterAccount::siteWithCoder(const KRKeyedUnarchiver& coder)
+{
+    const QStringList hosts = coder.decodeStrings("siteHosts"_L1);
+    if (hosts.isEmpty())
+        return std::nullopt;
+    TwitterSite site;
+    for (qsizetype key = 0; key + 1 < hosts.size(); key += 2)
+        site.hosts.setValueForKey(hosts.at(key + 1), hosts.at(key));
+    site.name = coder.decodeString("siteName"_L1);
+    site.takesUploads = coder.decodeInteger("siteTakesUploads"_L1).value_or(0) != 0;
+    if (const std::optional<qint64> limit = coder.decodeInteger("siteTextLimit"_L1))
+        site.textLimit = qint32(*limit);
+    return site;
+}
+
+QString TwitterAccount::qualifiedName() const
+{
+    return m_context.isOtherSite ? u"%1@%2"_s.arg(m_username, m_context.hosts.server()) : m_username;
+}
+
+bool TwitterAccount::isNamed(const QString& name) const
+{
+    return name.compare(m_username, Qt::CaseInsensitive) == 0
+        || name.compare(u"%1@%2"_s.arg(m_username, m_context.hosts.server()), Qt::CaseInsensitive) == 0;
+}
+
+qint32 TwitterAccount::longestPost() const
+{
+    return m_context.site ? m_context.site->textLimit.value_or(usualLongestPost) : usualLongestPost;
 }
 
 void TwitterAccount::setPassword(const QString& password)
@@ -129,13 +170,13 @@ void TwitterAccount::setPassword(const QString& password)
 KRResult<void> TwitterAccount::removePasswordFromKeychain()
 {
     m_passwordState = Password::Stored;
-    return KRKeychain::removePasswordForUsername(m_username, serviceName());
+    return KRKeychain::removePasswordForUsername(qualifiedName(), serviceName());
 }
 
 void TwitterAccount::_loadPassword()
 {
     KRError reported;
-    const QString password = KRKeychain::passwordForUsername(m_username, serviceName(), &reported);
+    const QString password = KRKeychain::passwordForUsername(qualifiedName(), serviceName(), &reported);
     if (!reported.description.isNull())
         KRLog(
             u"Error getting password from keychain for user %1: %2"_s.arg(m_username, reported.description));
@@ -144,7 +185,7 @@ void TwitterAccount::_loadPassword()
 
 void TwitterAccount::_savePassword() const
 {
-    const bool isRefused = KRKeychain::setPassword(m_password, m_username, serviceName()).isError();
+    const bool isRefused = KRKeychain::setPassword(m_password, qualifiedName(), serviceName()).isError();
     m_passwordState = isRefused ? Password::Refused : Password::HandedOver;
     if (isRefused && EMKeychainProxy::sharedProxy().isAvailable())
         KRLog(u"Critical Error: could not store item in keychain. Try repairing your keychain and repairing "
@@ -171,7 +212,8 @@ void TwitterAccount::_keychainDidUnlock()
 
 bool TwitterAccount::isEqual(const TwitterAccount& other) const
 {
-    return m_username.toLower() == other.m_username.toLower();
+    return m_username.toLower() == other.m_username.toLower()
+        && m_context.hosts.server() == other.m_context.hosts.server();
 }
 
 int TwitterAccount::compare(const TwitterAccount& other) const

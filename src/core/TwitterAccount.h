@@ -2,6 +2,7 @@
 
 #include "api/TwitterAPI.h"
 #include "api/TwitterServiceHosts.h"
+#include "api/TwitterSite.h"
 #include "core/TwitterAccountNotifications.h"
 #include "foundation/KRNotificationCenter.h"
 #include "model/records/TwitterUniquingTables.h"
@@ -36,10 +37,17 @@ enum TwitterAccountNotificationOption : quint32 {
 inline constexpr quint32 TwitterAccountDefaultNotificationOptions = TwitterAccountNotificationOptionsSet
     | TwitterAccountTimelineStatusItem | TwitterAccountMentionsStatusItem | TwitterAccountMessagesStatusItem;
 
-/// What every account of a run shares.
+/// What the accounts of one site share.
 struct TwitterAccountContext {
+    /// Of this site alone: records of two sites may have the same ID.
     std::shared_ptr<TwitterUniquingTables> tables;
     TwitterServiceHosts hosts;
+    /// What the site said of itself when the account signed in there; archived with the account. Nothing for
+    /// accounts of the program's own table of hosts.
+    std::optional<TwitterSite> site = {};
+    /// Whether this is another site than that of the program's own table, so that names alone do not tell
+    /// its accounts from others.
+    bool isOtherSite = false;
 };
 
 /// One signed-in user: credentials, streams, unread marks, and the requests made in the user's name. Main
@@ -74,6 +82,19 @@ public:
     /// Removing an account from the list leaves its password stored: whoever removes it decides.
     KRResult<void> removePasswordFromKeychain();
 
+    /// The name, and on another site than the program's own its server behind an "@": tells the account from
+    /// all others, wherever accounts are listed and what they keep is stored.
+    [[nodiscard]] QString qualifiedName() const;
+    /// Whether people mean this account by a name, which may have its server behind an "@".
+    [[nodiscard]] bool isNamed(const QString& name) const;
+    /// The longest post in UTF-16 units; 0 when there is no limit.
+    [[nodiscard]] qint32 longestPost() const;
+    /// What sites take that do not say.
+    static constexpr qint32 usualLongestPost = 140;
+    /// The site an account was archived with, if it was with one.
+    [[nodiscard]] static std::optional<TwitterSite> siteWithCoder(const KRKeyedUnarchiver& coder);
+
+    /// The same name on the same site.
     [[nodiscard]] bool isEqual(const TwitterAccount& other) const;
     [[nodiscard]] int compare(const TwitterAccount& other) const;
 

@@ -17,6 +17,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
@@ -53,9 +54,11 @@ protected:
         KRMotion::setEnabledByProgram(true);
     }
 
-    void start()
+    enum class Services { Given, ToBeFound };
+    void start(Services services = Services::Given)
     {
-        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults, m_service.servicesFile());
+        const auto hosts = TwitterServiceHosts::hostsWithDefaults(m_defaults,
+            services == Services::Given ? m_service.servicesFile() : QString());
         ASSERT_FALSE(hosts.isError());
         m_twitter = std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, hosts.value(), false });
         // There is no keyring here.
@@ -156,6 +159,35 @@ TEST_F(Journey, TheFirstLoginLeadsToTheTimeline)
         const TwitterStatusPtr top = window().topList()->statusForRow(1);
         return top && top->fromUser()->profileImage();
     })) << "avatars come through the network cache";
+}
+
+TEST_F(Journey, ASiteOneOnlyHasToName)
+{
+    end();
+    start(Services::ToBeFound);
+    PelinorLoginWindowController& login = *m_delegate->loginWindowController();
+    auto* const server = find<QComboBox>(login.window(), u"serverField"_s);
+    const auto answer = [&] { return find<QLabel>(login.window(), u"serverAnswer"_s)->text(); };
+    find<QLineEdit>(login.window(), u"usernameField"_s)->setText(u"alice"_s);
+    find<QLineEdit>(login.window(), u"passwordField"_s)->setText(u"wonderland"_s);
+    server->setEditText(u"nobody is here"_s);
+    login.login();
+    EXPECT_TRUE(waitFor([&] { return answer().contains(u"is no server's address"); }));
+    const QString host = m_service.httpsHost();
+    server->setEditText(u"https://alice@%1/"_s.arg(host));
+    login.login();
+    EXPECT_TRUE(waitFor([&] { return answer().startsWith(u"Found: "); }));
+    EXPECT_TRUE(answer().contains(host)) << answer().toStdString();
+    EXPECT_EQ(m_delegate->mainWindowController(), nullptr) << "no password was sent before that was seen";
+    login.login();
+    ASSERT_TRUE(waitFor([this] { return m_delegate->mainWindowController() != nullptr; }));
+    EXPECT_TRUE(timelineIsFilled());
+
+    // Nothing has to be edited for the next start either.
+    end();
+    start(Services::ToBeFound);
+    ASSERT_NE(m_delegate->mainWindowController(), nullptr);
+    EXPECT_TRUE(timelineIsFilled());
 }
 
 TEST_F(Journey, ReadsAnswersAndLooksAround)

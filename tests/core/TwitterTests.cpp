@@ -340,3 +340,65 @@ TEST_F(TwitterTest, AMissingKeyringIsNotToldAccountByAccount)
     m_twitter->shutdown();
     EXPECT_TRUE(log.lines().filter(u"Error"_s).isEmpty()) << log.lines().join(u'\n').toStdString();
 }
+
+TEST_F(TwitterTest, AccountsOfSeveralSitesKeepApart)
+{
+    answerWithNothing();
+    TwitterSite other;
+    other.hosts.setValueForKey(u"Other.example/api/"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    other.name = u"The other one"_s;
+    other.textLimit = 0;
+    const TwitterAccountContext there = m_twitter->accountContextForSite(other);
+    EXPECT_NE(there.tables, m_twitter->accountContext().tables)
+        << "post 17 of one is not post 17 of the other";
+    EXPECT_EQ(m_twitter->accountContextForSite(other).tables, there.tables);
+    const TwitterAccountPtr here = makeAccount(u"alice"_s);
+    const TwitterAccountPtr elsewhere = TwitterAccount::accountWithUsername(u"ALICE"_s, u"x"_s, there);
+    EXPECT_FALSE(here->isEqual(*elsewhere));
+    EXPECT_EQ(here->qualifiedName(), u"alice"_s);
+    EXPECT_EQ(elsewhere->qualifiedName(), u"ALICE@other.example"_s);
+    EXPECT_TRUE(elsewhere->isNamed(u"alice@Other.example"_s));
+    EXPECT_FALSE(here->isNamed(u"alice@other.example"_s));
+    EXPECT_EQ(here->longestPost(), 140);
+    EXPECT_EQ(elsewhere->longestPost(), 0);
+    m_twitter->addAccount(here);
+    m_twitter->addAccount(elsewhere);
+    const QStringList servers = m_twitter->servers();
+    EXPECT_EQ(servers, QStringList({ m_site.host(), u"other.example"_s }));
+
+    const auto again = makeTwitter();
+    ASSERT_EQ(again->accounts().size(), 2);
+    EXPECT_EQ(again->servers(), servers);
+    const TwitterAccountPtr restored = again->accounts()[1];
+    EXPECT_TRUE(restored->isEqual(*elsewhere));
+    EXPECT_EQ(restored->qualifiedName(), elsewhere->qualifiedName());
+    EXPECT_EQ(restored->longestPost(), 0);
+    EXPECT_EQ(restored->context().site->name, u"The other one"_s);
+    again->removeAccount(restored);
+    EXPECT_TRUE(again->accounts()[0]->isEqual(*here)) << "only the one of that site has gone";
+
+    // Hosts named at the start count for everybody.
+    m_twitter->shutdown();
+    const Twitter forAll(TwitterEnvironment { &m_defaults, m_hosts, false, true });
+    ASSERT_EQ(forAll.accounts().size(), 2);
+    EXPECT_EQ(forAll.accounts()[1]->context().hosts.server(), m_site.host());
+}
+
+TEST(TwitterSites, TheFirstSiteBecomesTheProgramsOwn)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    const auto twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, std::nullopt, false });
+    EXPECT_TRUE(twitter->servers().isEmpty());
+    TwitterSite site;
+    site.hosts.setValueForKey(u"one.example/api"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    site.textLimit = 500;
+    const TwitterAccountContext own = twitter->accountContextForSite(site);
+    const TwitterAccountPtr account = TwitterAccount::accountWithUsername(u"bob"_s, u"x"_s, own);
+    EXPECT_EQ(account->qualifiedName(), u"bob"_s) << "with one site a name is enough";
+    EXPECT_EQ(account->longestPost(), 500);
+    EXPECT_EQ(TwitterServiceHosts::hostsWithDefaults(defaults).value().RESTHost(), u"one.example/api"_s);
+    site.hosts.setValueForKey(u"two.example/api"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    EXPECT_TRUE(twitter->accountContextForSite(site).isOtherSite);
+    EXPECT_EQ(twitter->servers(), QStringList(u"one.example"_s));
+}

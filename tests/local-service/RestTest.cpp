@@ -356,6 +356,7 @@ TEST_F(RestTest, PeopleAreFoundAndMissed)
     EXPECT_EQ(nobody().get("/users/show.xml?screen_name=%FF").status, 400);
     EXPECT_EQ(nobody().get("/friendships/exists.xml?user_a=alice").status, 400);
     EXPECT_EQ(nobody().get("/account/rate_limit_status.xml").text("hash", "hourly-limit"), "150");
+    EXPECT_EQ(nobody().get("/statusnet/config.xml").text("site", "textlimit"), "140");
 }
 
 TEST_F(RestTest, PortraitsAndPagesAnswerToTheLinksOfTheDocuments)

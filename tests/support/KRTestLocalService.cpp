@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QUrl>
 
 #include <csignal>
 #include <fcntl.h>
@@ -48,6 +49,7 @@ KRTestLocalService::KRTestLocalService()
     const QJsonObject description = QJsonDocument::fromJson(readLine(output[0])).object();
     ::close(output[0]);
     m_servicesFile = description[QLatin1String("servicesFile")].toString();
+    m_httpsHost = QUrl(description[QLatin1String("https")].toString()).authority();
     m_authorityFile = description[QLatin1String("caFile")].toString();
     if (m_servicesFile.isEmpty())
         stop();

@@ -19,6 +19,8 @@ public:
     [[nodiscard]] bool isRunning() const { return m_process > 0; }
     /// The table of hosts that it wrote.
     const QString& servicesFile() const { return m_servicesFile; }
+    /// Where it listens over TLS, "127.0.0.1:PORT".
+    const QString& httpsHost() const { return m_httpsHost; }
     /// Who vouches for its certificate.
     const QString& authorityFile() const { return m_authorityFile; }
     /// Ends it; who connects later is refused.
@@ -28,5 +30,6 @@ private:
     QTemporaryDir m_directory;
     pid_t m_process = -1;
     QString m_servicesFile;
+    QString m_httpsHost;
     QString m_authorityFile;
 };

@@ -13,7 +13,7 @@ public:
     QString emptyText() const override { return tr("No mentions yet"); }
     QString autosaveName() const override
     {
-        return QStringLiteral("%1_____mentions").arg(account()->username());
+        return QStringLiteral("%1_____mentions").arg(account()->qualifiedName());
     }
     std::shared_ptr<TwitterStream> stream() override { return account()->repliesStream(); }
     void noteFreshness() override { account()->noteFreshMentions(); }

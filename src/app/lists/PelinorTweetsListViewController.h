@@ -12,7 +12,7 @@ public:
     QString title() const override { return tr("Timeline"); }
     QString autosaveName() const override
     {
-        return QStringLiteral("%1_____timeline").arg(account()->username());
+        return QStringLiteral("%1_____timeline").arg(account()->qualifiedName());
     }
     std::shared_ptr<TwitterStream> stream() override { return account()->timelineStream(); }
     void noteFreshness() override { account()->noteFreshTweets(); }

@@ -38,7 +38,8 @@ PelinorAccountDetailsSheet::PelinorAccountDetailsSheet(TwitterAccountPtr account
     const std::array<QString, 3> indicators { tr("Menu bar light"), tr("Badge"), tr("Notification") };
 
     auto* const layout = new QGridLayout(this);
-    auto* const heading = new QLabel(tr("What is new for %1 shows in:").arg(m_account->username()), this);
+    auto* const heading
+        = new QLabel(tr("What is new for %1 shows in:").arg(m_account->qualifiedName()), this);
     heading->setTextFormat(Qt::PlainText);
     layout->addWidget(heading, 0, 0, 1, 4);
     for (int column = 0; column < 3; ++column)

@@ -73,7 +73,7 @@ void PelinorAccountPreferencesController::_reloadData()
     const int row = m_list->currentRow();
     m_list->clear();
     for (const TwitterAccountPtr& account : m_twitter.accounts())
-        m_list->addItem(account->username());
+        m_list->addItem(account->qualifiedName());
     m_list->setCurrentRow(std::min(row, m_list->count() - 1));
     _updateButtons();
 }
@@ -98,7 +98,7 @@ void PelinorAccountPreferencesController::removeAccount()
         return;
     QMessageBox* const sheet = PelinorMakeAlert(QMessageBox::Question,
         tr("Remove Account"),
-        tr("Are you sure you want to remove \"%1\"?").arg(account->username()),
+        tr("Are you sure you want to remove \"%1\"?").arg(account->qualifiedName()),
         window());
     QPushButton* const cancel = sheet->addButton(tr("Cancel"), QMessageBox::RejectRole);
     sheet->setDefaultButton(cancel);

@@ -1,6 +1,7 @@
 #include "app/settings/PelinorAddAccountSheet.h"
 
 #include "app/look/PelinorAlert.h"
+#include "app/settings/PelinorServerField.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -13,7 +14,7 @@ using namespace Qt::StringLiterals;
 PelinorAddAccountSheet::PelinorAddAccountSheet(Twitter& twitter, QWidget* parent)
     : QDialog(parent)
     , m_twitter(twitter)
-    , m_check(twitter)
+    , m_serverField(new PelinorServerField(twitter, this))
     , m_usernameField(new QLineEdit(this))
     , m_passwordField(new QLineEdit(this))
     , m_progress(new QLabel(this))
@@ -32,6 +33,7 @@ PelinorAddAccountSheet::PelinorAddAccountSheet(Twitter& twitter, QWidget* parent
     connect(buttons, &QDialogButtonBox::accepted, this, &PelinorAddAccountSheet::addAccountButtonAction);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* const layout = new QFormLayout(this);
+    layout->addRow(tr("&Server:"), m_serverField);
     layout->addRow(tr("&User name:"), m_usernameField);
     layout->addRow(tr("&Password:"), m_passwordField);
     layout->addRow(m_progress);
@@ -50,10 +52,16 @@ void PelinorAddAccountSheet::addAccountButtonAction()
             this);
         return;
     }
+    const std::optional<TwitterAccountContext> site = m_serverField->context();
+    if (!site) {
+        // What is there is shown before a password goes to it.
+        m_serverField->find();
+        return;
+    }
     if (username.isEmpty())
         return;
     _setChecking(true);
-    m_check.verifyCredentials(username, m_passwordField->text(), [this](const auto& response) {
+    m_check.verifyCredentials(username, m_passwordField->text(), *site, [this](const auto& response) {
         _didVerify(response);
     });
 }
@@ -72,6 +80,7 @@ void PelinorAddAccountSheet::_didVerify(const KRResult<TwitterAccountPtr>& respo
 
 void PelinorAddAccountSheet::_setChecking(bool isChecking)
 {
+    m_serverField->setEnabled(!isChecking);
     m_usernameField->setEnabled(!isChecking);
     m_passwordField->setEnabled(!isChecking);
     m_addButton->setEnabled(!isChecking);

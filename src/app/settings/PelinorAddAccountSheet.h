@@ -7,6 +7,7 @@
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class PelinorServerField;
 
 /// Asks for the name and the password of an account to add, and adds it once the service has said yes. What
 /// was typed stays for correction. Main thread.
@@ -25,6 +26,7 @@ private:
 
     Twitter& m_twitter;
     PelinorCredentialsCheck m_check;
+    PelinorServerField* m_serverField = nullptr;
     QLineEdit* m_usernameField = nullptr;
     QLineEdit* m_passwordField = nullptr;
     QPushButton* m_addButton = nullptr;

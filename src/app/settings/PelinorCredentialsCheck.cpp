@@ -4,18 +4,15 @@
 
 #include <QPointer>
 
-PelinorCredentialsCheck::PelinorCredentialsCheck(Twitter& twitter)
-    : m_twitter(twitter)
-{
-}
-
+PelinorCredentialsCheck::PelinorCredentialsCheck() = default;
 PelinorCredentialsCheck::~PelinorCredentialsCheck() = default;
 
 void PelinorCredentialsCheck::verifyCredentials(const QString& username,
     const QString& password,
+    const TwitterAccountContext& site,
     Finished finished)
 {
-    m_account = TwitterAccount::accountWithUsername(username, password, m_twitter.accountContext());
+    m_account = TwitterAccount::accountWithUsername(username, password, site);
     m_finished = std::move(finished);
     m_account->verifyCredentials(KRCallback<bool>::withFunction(
         [check = QPointer(this), account = m_account](const KRResult<bool>& response) {

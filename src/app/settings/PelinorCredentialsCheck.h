@@ -11,8 +11,7 @@ class PelinorCredentialsCheck : public QObject {
     Q_OBJECT
 
 public:
-    /// The root object outlives the check.
-    explicit PelinorCredentialsCheck(Twitter& twitter);
+    PelinorCredentialsCheck();
     ~PelinorCredentialsCheck() override;
 
     /// Mail addresses are refused before anything is sent.
@@ -20,7 +19,10 @@ public:
 
     using Finished = std::function<void(const KRResult<TwitterAccountPtr>& response)>;
     /// `finished` gets the account, which is in no list yet, or why not. A new check drops one that runs.
-    void verifyCredentials(const QString& username, const QString& password, Finished finished);
+    void verifyCredentials(const QString& username,
+        const QString& password,
+        const TwitterAccountContext& site,
+        Finished finished);
     [[nodiscard]] bool isRunning() const { return m_account != nullptr; }
     /// Drops the check that runs; nobody hears of it.
     void cancel() { m_account.reset(); }
@@ -28,7 +30,6 @@ public:
 private:
     void _didVerify(const KRResult<bool>& response, const TwitterAccountPtr& account);
 
-    Twitter& m_twitter;
     TwitterAccountPtr m_account;
     Finished m_finished;
 };

@@ -1,6 +1,7 @@
 #include "app/settings/PelinorLoginWindowController.h"
 
 #include "app/look/PelinorAlert.h"
+#include "app/settings/PelinorServerField.h"
 #include "platform/workspace/KRWorkspace.h"
 #include "text/render/KRActiveTextStyle.h"
 
@@ -24,7 +25,6 @@ constexpr int FieldWidth = 240;
 PelinorLoginWindowController::PelinorLoginWindowController(Twitter& twitter, KRWorkspace& workspace)
     : m_twitter(twitter)
     , m_workspace(workspace)
-    , m_check(twitter)
     , m_window(std::make_unique<QDialog>())
 {
     _loadWindow();
@@ -40,9 +40,7 @@ void PelinorLoginWindowController::_loadWindow()
     QFont font = KRMessageFont(HeadingSize);
     font.setWeight(QFont::DemiBold);
     heading->setFont(font);
-    const QString host = m_twitter.accountContext().hosts.RESTHost();
-    auto* const site = new QLabel(tr("Log in to %1").arg(host), m_window.get());
-    site->setTextFormat(Qt::PlainText);
+    m_serverField = new PelinorServerField(m_twitter, m_window.get());
     m_usernameField = new QLineEdit(m_window.get());
     m_usernameField->setObjectName(u"usernameField"_s);
     m_usernameField->setMinimumWidth(FieldWidth);
@@ -65,7 +63,7 @@ void PelinorLoginWindowController::_loadWindow()
     auto* const layout = new QFormLayout(m_window.get());
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
     layout->addRow(heading);
-    layout->addRow(site);
+    layout->addRow(tr("&Server:"), m_serverField);
     layout->addRow(tr("&User name:"), m_usernameField);
     layout->addRow(tr("&Password:"), m_passwordField);
     layout->addRow(m_progress);
@@ -76,7 +74,10 @@ void PelinorLoginWindowController::showWindow()
 {
     m_window->setWindowModality(Qt::ApplicationModal);
     m_window->show();
-    m_usernameField->setFocus();
+    if (m_twitter.servers().isEmpty())
+        m_serverField->setFocus();
+    else
+        m_usernameField->setFocus();
 }
 
 void PelinorLoginWindowController::login()
@@ -90,9 +91,16 @@ void PelinorLoginWindowController::login()
         m_usernameField->setFocus();
         return;
     }
+    const std::optional<TwitterAccountContext> site = m_serverField->context();
+    if (!site) {
+        // What is there is shown before a password goes to it.
+        m_serverField->find();
+        return;
+    }
     _setProgress(true);
     m_check.verifyCredentials(m_usernameField->text().trimmed(),
         m_passwordField->text(),
+        *site,
         [this](const auto& response) { _didVerifyCredentials(response); });
 }
 
@@ -122,7 +130,8 @@ void PelinorLoginWindowController::help()
            "you can make one for free at the service's web site."),
         m_window.get());
     sheet->addButton(QMessageBox::Ok);
-    const QString page = m_twitter.accountContext().hosts.webRoot();
+    const std::optional<TwitterAccountContext> site = m_serverField->context();
+    const QString page = site ? site->hosts.webRoot() : QString();
     QPushButton* const signUp = sheet->addButton(tr("Sign up..."), QMessageBox::ActionRole);
     signUp->setEnabled(!page.isEmpty());
     connect(signUp, &QPushButton::clicked, this, [this, page] {
@@ -133,6 +142,7 @@ void PelinorLoginWindowController::help()
 
 void PelinorLoginWindowController::_setProgress(bool isRunning)
 {
+    m_serverField->setEnabled(!isRunning);
     m_usernameField->setEnabled(!isRunning);
     m_passwordField->setEnabled(!isRunning);
     m_loginButton->setEnabled(!isRunning);

@@ -10,6 +10,7 @@ class KRWorkspace;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class PelinorServerField;
 
 /// The window of the first run: signs in to the first account, or ends the program. Main thread.
 class PelinorLoginWindowController : public QObject {
@@ -45,6 +46,7 @@ private:
     PelinorCredentialsCheck m_check;
     std::function<void(const TwitterAccountPtr&)> m_responseCallback;
     std::unique_ptr<QDialog> m_window;
+    PelinorServerField* m_serverField = nullptr;
     QLineEdit* m_usernameField = nullptr;
     QLineEdit* m_passwordField = nullptr;
     QPushButton* m_loginButton = nullptr;

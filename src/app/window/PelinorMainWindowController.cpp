@@ -109,7 +109,7 @@ PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvi
         [this]() -> TwitterAccountPtr {
             const QString name = m_environment.defaults.stringForKey(SelectedAccountKey);
             for (const TwitterAccountPtr& account : m_twitter.accounts()) {
-                if (account->username() == name)
+                if (account->qualifiedName() == name)
                     return account;
             }
             return nullptr;
@@ -166,7 +166,7 @@ void PelinorMainWindowController::saveState()
     KRUserDefaults& defaults = m_environment.defaults;
     defaults.setData(GeometryKey, m_window->saveGeometry());
     if (const TwitterAccountPtr account = selectedTwitterAccount()) {
-        defaults.setString(SelectedAccountKey, account->username());
+        defaults.setString(SelectedAccountKey, account->qualifiedName());
         defaults.setInteger(SelectedTabKey, m_sideTabs->selectedAccountTab());
     }
     if (auto* const list = topList(); list && m_areScreensShown)

@@ -124,6 +124,7 @@ void PelinorComposeWindowController::_loadWindow()
     connect(m_textView, &QPlainTextEdit::textChanged, this, [this] { _textDidChange(); });
     connect(m_accountPopUpButton, &QComboBox::activated, this, [this](int index) {
         m_account = m_twitter.accounts().value(index, m_account);
+        _updateRemainingField();
     });
     for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Enter }) {
         auto* const send = new QShortcut(QKeySequence(Qt::CTRL | key), m_window.get());
@@ -137,7 +138,7 @@ void PelinorComposeWindowController::_buildAccountMenu()
 {
     m_accountPopUpButton->clear();
     for (const TwitterAccountPtr& account : m_twitter.accounts())
-        m_accountPopUpButton->addItem(account->username());
+        m_accountPopUpButton->addItem(account->qualifiedName());
     m_accountPopUpButton->setCurrentIndex(int(m_twitter.accounts().indexOf(m_account)));
     m_accountPopUpButton->setVisible(m_twitter.accounts().size() >= 2);
 }
@@ -196,6 +197,11 @@ void PelinorComposeWindowController::_promptForRecipient()
     sheet->open();
 }
 
+qsizetype PelinorComposeWindowController::_longestPost() const
+{
+    return m_account ? m_account->longestPost() : TwitterAccount::usualLongestPost;
+}
+
 void PelinorComposeWindowController::_textDidChange()
 {
     m_window->setWindowModified(m_textView->toPlainText() != m_initialText);
@@ -204,13 +210,16 @@ void PelinorComposeWindowController::_textDidChange()
 
 void PelinorComposeWindowController::_updateRemainingField()
 {
-    const qsizetype remaining = LongestPost - m_textView->toPlainText().size();
+    const qsizetype longest = _longestPost();
+    // A site without a limit leaves nothing to count down.
+    m_remainingField->setVisible(longest > 0);
+    const qsizetype remaining = longest - m_textView->toPlainText().size();
     m_remainingField->setText(QString::number(remaining));
     m_remainingField->setAccessibleName(tr("%1 characters left").arg(remaining));
     QPalette palette = m_window->palette();
     QColor color = palette.color(QPalette::WindowText);
     color.setAlphaF(0.5F);
-    if (remaining < 0)
+    if (longest > 0 && remaining < 0)
         color = color.lightnessF() > 0.5F ? QColor(0xF2, 0x9A, 0x8E) : QColor::fromRgbF(0.5F, 0, 0, 0.8F);
     palette.setColor(QPalette::WindowText, color);
     m_remainingField->setPalette(palette);
@@ -232,8 +241,8 @@ void PelinorComposeWindowController::post()
         _promptForRecipient();
         return;
     }
-    if (text.size() > LongestPost) {
-        _showSheet(tr("Message too long"), tr("Your post must be under 140 characters."));
+    if (_longestPost() > 0 && text.size() > _longestPost()) {
+        _showSheet(tr("Message too long"), tr("Your post must be under %1 characters.").arg(_longestPost()));
         return;
     }
     _setPosting(true);

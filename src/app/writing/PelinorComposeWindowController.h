@@ -32,9 +32,6 @@ class PelinorComposeWindowController : public QObject {
     Q_OBJECT
 
 public:
-    /// What a post may be long, in UTF-16 units.
-    static constexpr int LongestPost = 140;
-
     /// The root object outlives the controller.
     explicit PelinorComposeWindowController(Twitter& twitter);
     ~PelinorComposeWindowController() override;
@@ -66,6 +63,7 @@ private:
     void _buildAccountMenu();
     void _updateWindowTitle();
     void _textDidChange();
+    qsizetype _longestPost() const;
     void _updateRemainingField();
     void _promptForRecipient();
     void _setPosting(bool isPosting);
