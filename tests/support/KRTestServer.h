@@ -71,6 +71,12 @@ public:
 
     using Handler = std::function<void(const Request& request, Connection& connection)>;
 
+    /// The same answer to everything.
+    static Handler always(int status, const QByteArray& body = {}, const QByteArray& headers = {})
+    {
+        return [=](const Request&, Connection& connection) { connection.respond(status, body, headers); };
+    }
+
     enum class Bodies { Kept, Counted };
 
     explicit KRTestServer(Handler handler);

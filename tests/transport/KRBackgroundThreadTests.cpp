@@ -1,5 +1,7 @@
+#include "support/KRTestServer.h"
 #include "support/KRTestWait.h"
 #include "transport/KRBackgroundThread.h"
+#include "transport/KRHTTPRequest.h"
 #include "transport/KRSocketPair.h"
 
 #include <gtest/gtest.h>
@@ -7,14 +9,34 @@
 
 namespace {
 
-/// The thread, idle by then, ends when it is told to and not at its next event.
+/// The thread ends when it is told to and not at its next event, and lets go of what is under way and of
+/// what waits for a place, without telling anybody.
 class StopsAtTheEnd : public testing::Environment {
     void TearDown() override
     {
+        KRTestServer server([](const auto&, auto& connection) { connection.waitForClose(); });
+        std::vector<std::weak_ptr<KRHTTPRequest>> watched;
+        const auto told = std::make_shared<Told>();
+        for (int number = 0; number < 9; ++number) {
+            const auto request = KRHTTPRequest::request();
+            request->setUrl(server.url());
+            request->setResponseCallback(Callback(told, &Told::response));
+            request->startRequest();
+            watched.push_back(request);
+        }
+        EXPECT_TRUE(KRWaitUntil([&] { return server.requestCount() == 8; }));
         const auto start = std::chrono::steady_clock::now();
         KRBackgroundThread::stopShared();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        for (const auto& request : watched)
+            EXPECT_TRUE(request.expired());
+        EXPECT_EQ(told->count, 0);
     }
+
+    struct Told {
+        std::atomic<int> count = 0;
+        void response(KRHTTPRequest&) { ++count; }
+    };
 };
 
 const auto* stopsAtTheEnd = testing::AddGlobalTestEnvironment(new StopsAtTheEnd);
