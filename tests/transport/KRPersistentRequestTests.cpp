@@ -45,17 +45,3 @@ TEST(KRPersistentRequests, AreTriedAgainAfterEachSuccessUntilTheirLimit)
              u"remove persistent request "_s })
         EXPECT_TRUE(log.contains(line)) << line.toStdString();
 }
-
-TEST(KRPersistentRequests, LeaveTheListWhenTheySucceed)
-{
-    std::atomic<bool> works = false;
-    KRTestServer server([&](const auto&, auto& connection) { connection.respond(works ? 200 : 503, {}); });
-    KRTestRequest request(server.url());
-    request->setMaxRetries(5);
-    ASSERT_TRUE(request.run());
-    EXPECT_EQ(KRHTTPRequest::persistentRequests().size(), 1);
-    works = true;
-    KRHTTPRequest::servicePersistentRequests();
-    ASSERT_TRUE(KRWaitUntil([&] { return KRHTTPRequest::persistentRequests().isEmpty(); }));
-    EXPECT_EQ(server.requestCount(), 2);
-}
