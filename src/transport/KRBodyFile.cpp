@@ -33,11 +33,7 @@ public:
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
+    ~Descriptor() { ::close(m_descriptor); }
 
     [[nodiscard]] int value() const { return m_descriptor; }
 

@@ -4,7 +4,9 @@
 #include "transport/KRHTTPRequest.h"
 #include "transport/KRSocketPair.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <set>
 
 namespace {
@@ -65,13 +67,20 @@ TEST(KRBackgroundThread, IsOneForEverybodyAndRunsCallsInOrder)
     std::atomic<bool> done = false;
     for (int i = 0; i < 100; ++i)
         performOnSharedBackgroundThread([&ran, i] { ran.append(i); });
+    char name[16] = {};
+    sigset_t blocked;
     performOnSharedBackgroundThread([&] {
         wasThere = KRBackgroundThread::isCurrentThread();
+        pthread_getname_np(pthread_self(), name, sizeof name);
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
         done = true;
     });
     ASSERT_TRUE(KRWaitUntil([&] { return done.load(); }));
     EXPECT_TRUE(wasThere);
     EXPECT_FALSE(KRBackgroundThread::isCurrentThread());
+    EXPECT_STREQ(name, "SharedBackgroun");
+    EXPECT_TRUE(sigismember(&blocked, SIGPIPE)) << "a lost connection does not end the program";
+    EXPECT_FALSE(sigismember(&blocked, SIGTERM));
     ASSERT_EQ(ran.size(), 100);
     EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
 }

@@ -94,8 +94,15 @@ TEST(KRHTTPRequest, DeliversAnErrorStatusWithItsBody)
     EXPECT_EQ(KRHTTPStatusText(305), u"Redirected (305)"_s);
     EXPECT_EQ(KRHTTPStatusText(499), u"Client error (499)"_s);
     EXPECT_EQ(KRHTTPStatusText(599), u"Server error (599)"_s);
-    KRTestServer server(KRTestServer::always(404, "<hash>nothing here</hash>"));
-    KRTestRequest request(server.url());
+    KRTestServer server([](const KRTestServer::Request& request, auto& connection) {
+        connection.respond(request.target.mid(1).toInt(), "<hash>nothing here</hash>");
+    });
+    for (const int status : { 200, 299, 300 }) {
+        KRTestRequest request(server.url(u"/%1"_s.arg(status)));
+        ASSERT_TRUE(request.run());
+        EXPECT_EQ(request.errorCode(), status == 300 ? 300 : 0);
+    }
+    KRTestRequest request(server.url(u"/404"_s));
     ASSERT_TRUE(request.run());
     ASSERT_TRUE(request->error());
     EXPECT_EQ(*request->error(), errorWithDomain(u"com.kestrin.httprequest"_s, 404, u"Not found"_s));
@@ -121,7 +128,16 @@ TEST(KRHTTPRequest, ReadsHeadersWithoutWhatComesBeforeAndBehind)
 
 TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
 {
-    KRTestServer server(answerOK);
+    KRTestServer server([failed = std::make_shared<std::atomic<bool>>()](const auto&, auto& connection) {
+        connection.respond(failed->exchange(true) ? 200 : 500, "fine");
+    });
+    // What it keeps of an earlier start is gone with the next.
+    KRTestRequest first(server.url(u"/path?query"_s), u"POST"_s);
+    first->setBody("body");
+    ASSERT_TRUE(first.run());
+    EXPECT_EQ(first.errorCode(), 500);
+    EXPECT_EQ(first->uploadProgress() + first->downloadProgress(), 2.0);
+    EXPECT_TRUE(first->description().endsWith(u" POST %1]"_s.arg(server.url(u"/path"_s).toString())));
     std::atomic<int> began = 0;
     std::atomic<int> ended = 0;
     const KRObservation begin
@@ -133,17 +149,19 @@ TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
     std::mutex hold;
     std::unique_lock holding(hold);
     performOnSharedBackgroundThread([&] { std::scoped_lock waiting(hold); });
-    KRTestRequest first(server.url());
     KRTestRequest second(server.url());
     first.start();
     first->startRequest();
+    EXPECT_FALSE(first->error());
+    EXPECT_EQ(first->uploadProgress() + first->downloadProgress(), 0.0);
     second.start();
     EXPECT_EQ(first->uploadedBytes() + first->downloadedBytes(), 0);
     holding.unlock();
-    ASSERT_TRUE(first.wait() && second.wait());
+    ASSERT_TRUE(KRWaitUntil([&] { return first.callbackCount() == 2; }) && second.wait());
     ASSERT_TRUE(KRWaitUntil([&] { return ended == 1; }));
-    EXPECT_EQ(server.requestCount(), 2);
-    EXPECT_EQ(first.callbackCount(), 1);
+    EXPECT_EQ(server.requestCount(), 3);
+    EXPECT_EQ(first.callbackCount(), 2);
+    EXPECT_EQ(first->data(), "fine");
     EXPECT_EQ(began, 1);
     EXPECT_EQ(ended, 1);
 }

@@ -5,6 +5,7 @@
 #include "support/KRTestServer.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRInputStream.h"
+#include "transport/KRMutableMultiDictionary.h"
 
 #include <QDir>
 #include <QFile>
@@ -49,29 +50,6 @@ std::shared_ptr<KRHTTPMultipartFormData> formWith(const QString& path)
     return form;
 }
 
-/// While it lives, no file may grow beyond so many bytes, as if the disk were full.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit { bytes, m_before.rlim_max };
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before {};
-    void (*m_handler)(int) = nullptr;
-};
-
 class KRHTTPMultipartFormDataTest : public testing::Test {
 protected:
     ~KRHTTPMultipartFormDataTest() override { EXPECT_EQ(bodyFiles(), QStringList()) << "bodies left behind"; }
@@ -93,6 +71,8 @@ TEST_F(KRHTTPMultipartFormDataTest, WritesItsParts)
     const QByteArray pixels = QByteArray("\x89PNG\r\n\0", 7).repeated(20'000);
     const QString picture = fileWith(pixels, u"a \"picture\"\r\nX-Header: 1"_s);
 
+    const auto openFiles = [] { return QDir(u"/proc/self/fd"_s).count(); };
+    const auto openBefore = openFiles();
     KRHTTPMultipartFormData form;
     form.addTextPart(u"hi"_s, u"status"_s);
     form.addDataPart({}, u"a\"b\r\nX-Header: 1"_s);
@@ -123,6 +103,7 @@ TEST_F(KRHTTPMultipartFormDataTest, WritesItsParts)
     KRHTTPMultipartFormData nothing;
     EXPECT_EQ(bodyOf(nothing), line + "--\r\n");
     nothing.cleanup();
+    EXPECT_EQ(openFiles(), openBefore + 1) << "the stream that is still there";
 }
 
 TEST_F(KRHTTPMultipartFormDataTest, IsSentByARequestAndCleanedUp)
@@ -190,6 +171,20 @@ TEST_F(KRHTTPMultipartFormDataTest, SurvivesArchivingWithinItsRequest)
     EXPECT_EQ(readAll(*rebuilt->bodyStream()), body);
     EXPECT_EQ(length(*rebuilt), body.size());
     rebuilt->multipartFormData()->cleanup();
+}
+
+TEST(KRMutableMultiDictionary, KeepsItsKeysInOrder)
+{
+    KRMutableMultiDictionary dictionary;
+    dictionary.removeObjectForKey(u"1"_s, u"none"_s);
+    for (const QString& value : { u"1"_s, u"2"_s, u"1"_s })
+        dictionary.addObjectForKey(value, u"b"_s);
+    dictionary.setObjectForKey(u"3"_s, u"a"_s);
+    dictionary.removeObjectForKey(u"1"_s, u"b"_s);
+    EXPECT_EQ(*dictionary.objectsForKey(u"b"_s), QStringList { u"2"_s });
+    dictionary.removeObjectsForKey(u"b"_s);
+    EXPECT_TRUE(dictionary.objectsForKey(u"b"_s)->isEmpty());
+    EXPECT_EQ(dictionary.keys(), (QStringList { u"b"_s, u"a"_s }));
 }
 
 TEST_F(KRHTTPMultipartFormDataTest, WhatCannotBeReadMakesAnEmptyPart)
@@ -265,12 +260,16 @@ TEST_F(KRHTTPMultipartFormDataTest, AFullDiskIsAnErrorAndNothingIsSent)
 {
     KRTestServer server(KRTestServer::always(200));
     const QString path = fileWith(QByteArray(1'000'000, 'x'));
+    rlimit before {};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_IGN);
     for (const rlim_t room : { 0U, 300U, 500'000U }) {
         KRTestRequest request(server.url(), u"POST"_s);
-        {
-            const FullDisk disk(room);
-            request->setMultipartFormData(formWith(path));
-        }
+        // No file may grow beyond so many bytes, as if the disk were full.
+        const rlimit full { room, before.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        request->setMultipartFormData(formWith(path));
+        ::setrlimit(RLIMIT_FSIZE, &before);
         EXPECT_EQ(bodyFiles(), QStringList()) << "the disk is full enough";
         ASSERT_TRUE(request.run());
         EXPECT_EQ(request.errorCode(), EFBIG);

@@ -2,10 +2,10 @@
 #include "support/KRTestServer.h"
 #include "transport/KRBackgroundThread.h"
 
-#include <condition_variable>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
+#include <semaphore>
 
 using namespace Qt::StringLiterals;
 
@@ -16,35 +16,17 @@ class Gate {
 public:
     void wait()
     {
-        std::unique_lock lock(m_lock);
         ++m_waiting;
-        m_changed.wait(lock, [this] { return m_isOpen || m_tickets > 0; });
-        --m_tickets;
+        m_tickets.acquire();
     }
-    void letOnePass()
-    {
-        std::scoped_lock guard(m_lock);
-        ++m_tickets;
-        m_changed.notify_one();
-    }
-    void open()
-    {
-        std::scoped_lock guard(m_lock);
-        m_isOpen = true;
-        m_changed.notify_all();
-    }
-    int waiting()
-    {
-        std::scoped_lock guard(m_lock);
-        return m_waiting;
-    }
+    void letOnePass() { m_tickets.release(); }
+    void open() { m_tickets.release(1000); }
+    /// How many have come to it.
+    int waiting() const { return m_waiting; }
 
 private:
-    std::mutex m_lock;
-    std::condition_variable m_changed;
-    int m_waiting = 0;
-    int m_tickets = 0;
-    bool m_isOpen = false;
+    std::atomic<int> m_waiting = 0;
+    std::counting_semaphore<> m_tickets { 0 };
 };
 
 constexpr char deadName[] = "dead.example";
