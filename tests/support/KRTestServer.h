@@ -51,7 +51,6 @@ public:
         /// Waits until the other side closes or the server stops.
         void waitForClose();
         [[nodiscard]] bool isStopping() const { return m_stopping; }
-        [[nodiscard]] int descriptor() const { return m_descriptor; }
 
     private:
         friend class KRTestServer;

@@ -98,6 +98,7 @@ TEST(KRSocketPair, CarriesWhatIsWrittenAndEndsWhenTheWriterCloses)
     KRSocketStreamPair pair = CFStreamCreatePairWithUNIXSocketPair();
     ASSERT_TRUE(pair.readStream && pair.writeStream);
     EXPECT_EQ(pair.writeStream->write("hello", 5), 5);
+    EXPECT_FALSE(pair.readStream->rewind());
     pair.writeStream.reset();
     char buffer[16];
     EXPECT_EQ(pair.readStream->read(buffer, sizeof buffer), 5);

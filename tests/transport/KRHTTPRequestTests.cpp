@@ -151,6 +151,7 @@ TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
     performOnSharedBackgroundThread([&] { std::scoped_lock waiting(hold); });
     KRTestRequest second(server.url());
     first.start();
+    EXPECT_EQ(began, 1);
     first->startRequest();
     EXPECT_FALSE(first->error());
     EXPECT_EQ(first->uploadProgress() + first->downloadProgress(), 0.0);
