@@ -109,7 +109,7 @@ KRResult<void> KRJSONParser::parseData(const QByteArray& data, const Handler& ca
 
 KRResult<void> KRJSONParser::_parseData(const QByteArray& data, const Handler& callback)
 {
-    m_callbacks.push_back({ callback, 1 });
+    m_callbacks.push_back({ callback });
     if (!QUtf8StringView(data).isValidUtf8())
         return failure(u"Error: could not convert to UTF8"_s);
     std::string_view text(data.constData(), qstrnlen(data.constData(), static_cast<size_t>(data.size())));
@@ -134,8 +134,7 @@ void KRJSONParser::pushCallback(Handler callback, RepeatElement repeatElement)
         KRLog(u"Error: trying to push json callback when you shouldn't"_s);
         return;
     }
-    m_didPushCallback = true;
-    m_callbacks.push_back({ std::move(callback), 1 });
+    m_callbacks.push_back({ std::move(callback) });
     if (repeatElement == RepeatElement::Yes)
         m_callbacks.back().callback.invoke(*this);
 }
@@ -145,12 +144,10 @@ void KRJSONParser::_triggerDelegate(Type type, std::string_view value)
     m_type = type;
     m_value = value;
     m_callbacks.back().callback.invoke(*this);
-    m_value = {};
 }
 
 void KRJSONParser::_setKey(std::string_view key)
 {
-    m_type = Type::MemberName;
     // A part that nobody reads is passed over quickly.
     if (!m_callbacks.back().callback)
         return;
@@ -167,12 +164,10 @@ void KRJSONParser::_startContainer(Type type)
 {
     StackEntry& top = m_callbacks.back();
     m_canPushCallback = true;
-    m_didPushCallback = false;
     _triggerDelegate(type);
-    if (!m_didPushCallback)
-        ++top.depth;
     m_canPushCallback = false;
-    m_didPushCallback = false;
+    if (&top == &m_callbacks.back())
+        ++top.depth;
     m_hasKey = false;
 }
 

@@ -82,7 +82,7 @@ private:
     // The handler serves as many open containers as its depth says.
     struct StackEntry {
         Handler callback;
-        size_t depth;
+        size_t depth = 1;
     };
 
     KRJSONParser() = default;
@@ -103,5 +103,4 @@ private:
     bool m_hasKey = false;
     bool m_boolean = false;
     bool m_canPushCallback = false;
-    bool m_didPushCallback = false;
 };

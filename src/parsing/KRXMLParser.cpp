@@ -36,9 +36,7 @@ struct FreeContext {
     {
         // Without the hooks that build one there is no document; libxml2 makes one for itself all the same
         // when a document type brings entities along.
-        if (context->myDoc)
-            xmlFreeDoc(context->myDoc);
-        context->myDoc = nullptr;
+        xmlFreeDoc(context->myDoc);
         xmlFreeParserCtxt(context);
     }
 };
@@ -66,10 +64,9 @@ struct KRXMLParser::Hooks {
         std::array<char, 1024> message {};
         std::va_list arguments;
         va_start(arguments, format);
-        const int length = std::vsnprintf(message.data(), message.size(), format, arguments);
+        std::vsnprintf(message.data(), message.size(), format, arguments);
         va_end(arguments);
-        if (length > 0)
-            parser(context)._error(message.data());
+        parser(context)._error(message.data());
     }
 
     static xmlSAXHandler handler()
@@ -101,7 +98,7 @@ KRResult<void> KRXMLParser::parseData(const QByteArray& data, const Handler& cal
 
 KRResult<void> KRXMLParser::_parseData(const QByteArray& data, const Handler& callback)
 {
-    m_callbacks.push_back({ callback, 1 });
+    m_callbacks.push_back({ callback });
 
     // This is xmlSAXUserParseMemory() taken apart, for the sake of the options.
     int result = -1;
@@ -136,8 +133,7 @@ void KRXMLParser::pushCallback(Handler callback, RepeatElement repeatElement)
         KRLog(u"XML push callback error: can only push callback from a start element callback"_s);
         return;
     }
-    m_didPushCallback = true;
-    m_callbacks.push_back({ std::move(callback), 1 });
+    m_callbacks.push_back({ std::move(callback) });
     if (repeatElement == RepeatElement::Yes)
         m_callbacks.back().callback.invoke(*this);
 }
@@ -153,13 +149,10 @@ void KRXMLParser::_startElement(std::string_view name, const unsigned char** att
     m_elementName = name;
     m_attributes = attributes;
     m_canPushCallback = true;
-    m_didPushCallback = false;
     top.callback.invoke(*this);
-    if (!m_didPushCallback)
-        ++top.depth;
     m_canPushCallback = false;
-    m_didPushCallback = false;
-    m_elementName = {};
+    if (&top == &m_callbacks.back())
+        ++top.depth;
     m_attributes = nullptr;
 }
 
@@ -169,7 +162,6 @@ void KRXMLParser::_endElement(std::string_view name)
     if (top.callback && hasCharacters()) {
         m_elementName = name;
         top.callback.invoke(*this);
-        m_elementName = {};
     }
     if (--top.depth == 0)
         m_callbacks.pop_back();
@@ -203,7 +195,7 @@ void KRXMLParser::_error(std::string_view message)
 QMap<QString, QString> KRXMLParser::attributes() const
 {
     QMap<QString, QString> attributes;
-    for (const unsigned char** pair = m_attributes; pair && pair[0] && pair[1]; pair += 2)
+    for (const unsigned char** pair = m_attributes; pair && *pair; pair += 2)
         attributes.insert(stringOf(viewOf(pair[0])), stringOf(viewOf(pair[1])));
     return attributes;
 }

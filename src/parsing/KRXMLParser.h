@@ -88,6 +88,5 @@ private:
     const unsigned char** m_attributes = nullptr;
     void* m_context = nullptr;
     bool m_canPushCallback = false;
-    bool m_didPushCallback = false;
     bool m_textIsTooLong = false;
 };

@@ -72,10 +72,10 @@ void KRBackgroundThread::_run()
         if (m_stopping)
             break;
         // How long to wait is asked after moving on, which may have brought work of its own.
-        if (!m_transfers->moveOn())
-            m_transfers->wait(m_runLoop.timeUntilNextWork());
+        m_transfers->moveOn();
+        m_transfers->wait(m_runLoop.timeUntilNextWork());
     }
-    m_transfers->cancelAll();
+    m_transfers->dropAll();
 }
 
 void performOnSharedBackgroundThread(KRRunLoop::Task task)

@@ -33,11 +33,7 @@ public:
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (m_descriptor >= 0)
-            ::close(m_descriptor);
-    }
+    ~Descriptor() { ::close(m_descriptor); }
 
     [[nodiscard]] int value() const { return m_descriptor; }
 
@@ -143,7 +139,7 @@ std::optional<qint64> KRBodyFile::append(const QString& path)
         return std::nullopt;
     // A pipe without a writer would block.
     const Descriptor source(path, O_RDONLY | O_NONBLOCK);
-    if (source.value() < 0 || !isRegularFile(source.value()))
+    if (!isRegularFile(source.value()))
         return std::nullopt;
     qint64 offset = 0;
     while (!m_error) {

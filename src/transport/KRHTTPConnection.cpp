@@ -134,8 +134,6 @@ void KRHTTPConnection::_beginHop()
 {
     m_response = {};
     m_response.url = m_url;
-    m_headDelivered = false;
-    m_location.reset();
     m_received = 0;
     m_sent = 0;
     m_bodyRead = 0;

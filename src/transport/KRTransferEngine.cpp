@@ -85,12 +85,12 @@ void KRTransferEngine::_beginWaiting()
     }
 }
 
-bool KRTransferEngine::moveOn()
+void KRTransferEngine::moveOn()
 {
     int running = 0;
     m_curl.multiPerform(m_multi, &running);
-    const bool haveEnded = _tellEnded();
-    return _endOverdue() || haveEnded;
+    _tellEnded();
+    _endOverdue();
 }
 
 void KRTransferEngine::wait(std::optional<KRRunLoop::Duration> limit)
@@ -110,9 +110,8 @@ void KRTransferEngine::wakeUp()
     m_curl.multiWakeUp(m_multi);
 }
 
-bool KRTransferEngine::_tellEnded()
+void KRTransferEngine::_tellEnded()
 {
-    bool ended = false;
     int remaining = 0;
     while (const CURLMsg* message = m_curl.multiInfoRead(m_multi, &remaining)) {
         if (message->msg != CURLMSG_DONE)
@@ -126,25 +125,21 @@ bool KRTransferEngine::_tellEnded()
         _giveBack(transfer.terms);
         _beginWaiting();
         _end(handle, transfer.transfer, code);
-        ended = true;
     }
-    return ended;
 }
 
-bool KRTransferEngine::_endOverdue()
+void KRTransferEngine::_endOverdue()
 {
-    bool ended = false;
     // Those that are told may start others.
     const auto isOverdue = [now = std::chrono::steady_clock::now()](
                                const Waiting& waiting) { return waiting.deadline <= now; };
     for (;;) {
         const auto overdue = std::find_if(m_waiting.begin(), m_waiting.end(), isOverdue);
         if (overdue == m_waiting.end())
-            return ended;
+            return;
         const Waiting waiting = std::move(*overdue);
         m_waiting.erase(overdue);
         _end(waiting.handle, waiting.transfer.transfer, CURLE_OPERATION_TIMEDOUT);
-        ended = true;
     }
 }
 
@@ -164,15 +159,8 @@ void KRTransferEngine::_recycle(CURL* handle)
     m_idleHandles.push_back(handle);
 }
 
-void KRTransferEngine::cancelAll()
+void KRTransferEngine::dropAll()
 {
-    for (auto& [handle, transfer] : m_transfers) {
-        m_curl.multiRemoveHandle(m_multi, handle);
-        _recycle(handle);
-    }
     m_transfers.clear();
-    for (const Waiting& waiting : m_waiting)
-        _recycle(waiting.handle);
     m_waiting.clear();
-    m_places.clear();
 }

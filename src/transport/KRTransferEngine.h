@@ -61,15 +61,14 @@ public:
     /// ended. One that finds no place in its time ends as if the server had not answered.
     void start(CURL* handle, std::shared_ptr<KRTransfer> transfer, KRTransferTerms terms);
 
-    /// Moves every transfer on and tells those that ended. Answers whether any did: that has usually brought
-    /// new work, so the caller looks before it waits.
-    bool moveOn();
+    /// Moves every transfer on and tells those that ended.
+    void moveOn();
     /// Waits for the next event, at most the given time (without one, until there is an event or a wake-up).
     void wait(std::optional<KRRunLoop::Duration> limit);
     /// Ends a wait that is under way, or the next one. Any thread.
     void wakeUp();
-    /// Drops all transfers without telling them.
-    void cancelAll();
+    /// Drops all transfers without telling them, when the thread ends: nothing moves afterwards.
+    void dropAll();
 
 private:
     using TimePoint = std::chrono::steady_clock::time_point;
@@ -88,8 +87,8 @@ private:
         int takenByPictures = 0;
     };
 
-    bool _tellEnded();
-    bool _endOverdue();
+    void _tellEnded();
+    void _endOverdue();
     void _end(CURL* handle, const std::shared_ptr<KRTransfer>& transfer, int code);
     [[nodiscard]] bool _hasPlaceFor(const KRTransferTerms& terms) const;
     void _begin(CURL* handle, Transfer transfer);

@@ -185,32 +185,47 @@ TEST_F(TwitterAPITest, AnErrorDocumentAddsItsTextToTheStatus)
         answer(test.status, realAnswer(test.answer));
         const auto result = resultOf<TwitterStatusPtr>([](auto& api) { api.statusWithID(u"1"_s); });
         ASSERT_TRUE(result.isError());
-        EXPECT_EQ(result.error(),
-            errorWithDomain(u"com.kestrin.httprequest"_s,
-                test.status,
-                KRHTTPStatusText(test.status) + u". "_s + test.description));
+        const KRError expected = errorWithDomain(u"com.kestrin.httprequest"_s,
+            test.status,
+            KRHTTPStatusText(test.status) + u". "_s + test.description);
+        EXPECT_EQ(result.error(), expected);
+        EXPECT_EQ(resultOf<QString>([](auto& api) { api.rateLimitStatus(); }).error(), expected);
+        EXPECT_EQ(resultOf<bool>([](auto& api) { api.verifyCredentials(); }).error(), expected);
     }
 }
 
 TEST_F(TwitterAPITest, SuccessesThatAreNoneAreErrors)
 {
-    const auto statuses = [this](const QByteArray& body, const QByteArray& headers = {}) {
-        answer(200, body, headers);
-        const auto result = resultOf<TwitterStatusList>([](auto& api) { api.publicTimeline(); });
-        return result.isError() ? result.error().description : QString();
-    };
-    EXPECT_EQ(statuses(""), u"The server's answer is empty"_s);
+    const QByteArray html = "Content-Type: text/html\r\n";
     const QString webPage = u"Status 200: the server answered with a web page"_s;
-    EXPECT_EQ(statuses("<!-- a --><!DOCTYPE HTML><html/>"), webPage);
-    EXPECT_EQ(statuses("<div>Sign in</div>", "Content-Type: text/html\r\n"), webPage);
-    EXPECT_EQ(statuses("<Div>Sign in</Div>"), webPage);
-    EXPECT_EQ(statuses("Sign in", "Content-Type: text/html\r\n"), webPage);
-    EXPECT_NE(statuses("Sign in"), webPage);
-    for (const QByteArray good :
-        { "<?xml version='1.0'?><statuses/>", "<statuses/>", "<!DOCTYPE x><statuses/>" })
-        EXPECT_EQ(statuses(good, "Content-Type: text/html\r\n"), QString()) << "what counts is what is in it";
-    EXPECT_EQ(statuses("<hash><error>Not\ntoday</error></hash>"), u"Not today"_s);
-    EXPECT_NE(statuses("<statuses>"), QString());
+    const struct {
+        QByteArray body, headers;
+        QString text;
+    } cases[] = {
+        { "", {}, u"The server's answer is empty"_s },
+        { "<!-- a --><!DOCTYPE HTML><html/>", {}, webPage },
+        { "\xEF\xBB\xBF<?xml version='1.0'?> <html/>", {}, webPage },
+        { "<div>Sign in</div>", html, webPage },
+        { "<Div>Sign in</Div>", {}, webPage },
+        { "<h1>Sign in</h1>", {}, webPage },
+        { "Sign in", html, webPage },
+        { "Sign in", "Content-Type: application/xhtml+xml\r\n", webPage },
+        { "<hash><error>Not\ntoday</error></hash>", {}, u"Not today"_s },
+        // What counts is what is in it.
+        { "<?xml version='1.0'?><statuses/>", html, {} },
+        { "<statuses/>", html, {} },
+        { "<!DOCTYPE x><statuses/>", html, {} },
+    };
+    for (const auto& test : cases) {
+        answer(200, test.body, test.headers);
+        const auto result = resultOf<TwitterStatusList>([](auto& api) { api.publicTimeline(); });
+        EXPECT_EQ(result.isError() ? result.error().description : QString(), test.text) << test.body.data();
+    }
+    for (const QByteArray broken : { "<statuses>", "Sign in", "<!-- a", "{", "[" }) {
+        answer(200, broken, html.first(broken == "Sign in" ? 0 : html.size()));
+        const auto result = resultOf<TwitterStatusList>([](auto& api) { api.publicTimeline(); });
+        EXPECT_EQ(result.error().domain, u"com.kestrin.xmlparser-error"_s) << broken.data();
+    }
 
     answer(200, "<?xml version='1.0'?>\n<html xmlns='http://www.w3.org/1999/xhtml'/>");
     EXPECT_TRUE(resultOf<bool>([](auto& api) { api.verifyCredentials(); }).isError());
@@ -239,8 +254,10 @@ TEST_F(TwitterAPITest, NobodyIsAskedForWithoutANameOrAnID)
 {
     const auto expectRefused = [](const auto& result) {
         ASSERT_TRUE(result.isError());
-        EXPECT_EQ(result.error().description,
-            u"This person has no name that the service could be asked for"_s);
+        EXPECT_EQ(result.error(),
+            errorWithDomain(u"com.kestrin.pelinor"_s,
+                -1,
+                u"This person has no name that the service could be asked for"_s));
     };
     for (const QString& nobody : { QString(), u""_s }) {
         expectRefused(resultOf<TwitterStatusList>(

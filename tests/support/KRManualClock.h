@@ -43,8 +43,6 @@ public:
         elapsed = end;
     }
 
-    void setNow(const QDateTime& date) { m_face->start = date.addMSecs(-m_face->elapsed.load().count()); }
-
 private:
     struct Face final : KRClock {
         QDateTime now() const override { return start.addMSecs(elapsed.load().count()); }

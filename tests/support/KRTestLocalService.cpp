@@ -1,53 +1,23 @@
 #include "support/KRTestLocalService.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QUrl>
 
-#include <csignal>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-namespace {
-
-// What the program writes until it is ready: one line.
-QByteArray readLine(int descriptor)
-{
-    QByteArray line;
-    for (char c = 0; ::read(descriptor, &c, 1) == 1 && c != '\n';)
-        line += c;
-    return line;
-}
-
-} // namespace
-
 KRTestLocalService::KRTestLocalService()
 {
-    int output[2];
-    if (::pipe2(output, O_CLOEXEC) != 0)
-        return;
-    QByteArray folder = QFile::encodeName(m_directory.path());
-    QByteArray program = PELINOR_LOCAL_SERVICE;
-    char* arguments[] = { program.data(),
-        const_cast<char*>("--data"),
-        folder.data(),
-        const_cast<char*>("--port"),
-        const_cast<char*>("0"),
-        const_cast<char*>("--tls-port"),
-        const_cast<char*>("0"),
-        nullptr };
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
-    if (::posix_spawn(&m_process, program.constData(), &actions, nullptr, arguments, environ) != 0)
-        m_process = -1;
-    posix_spawn_file_actions_destroy(&actions);
-    ::close(output[1]);
-    const QJsonObject description = QJsonDocument::fromJson(readLine(output[0])).object();
-    ::close(output[0]);
+    const auto option = [](const char* name) { return QString::fromLatin1(name); };
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(option(PELINOR_LOCAL_SERVICE),
+        { option("--data"),
+            m_directory.path(),
+            option("--port"),
+            option("0"),
+            option("--tls-port"),
+            option("0") });
+    // What the program writes once it is ready is one line.
+    while (!m_process.canReadLine() && m_process.waitForReadyRead()) { }
+    const QJsonObject description = QJsonDocument::fromJson(m_process.readLine()).object();
     m_servicesFile = description[QLatin1String("servicesFile")].toString();
     m_httpsHost = QUrl(description[QLatin1String("https")].toString()).authority();
     m_authorityFile = description[QLatin1String("caFile")].toString();
@@ -62,9 +32,6 @@ KRTestLocalService::~KRTestLocalService()
 
 void KRTestLocalService::stop()
 {
-    if (m_process <= 0)
-        return;
-    ::kill(m_process, SIGTERM);
-    ::waitpid(m_process, nullptr, 0);
-    m_process = -1;
+    m_process.terminate();
+    m_process.waitForFinished();
 }

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QString>
+#include <QProcess>
 #include <QTemporaryDir>
-
-#include <sys/types.h>
 
 /// The local service as people run it: a process of its own with a folder of its own, on free ports. Ends
 /// with this value. One thread at a time.
@@ -16,7 +14,7 @@ public:
     ~KRTestLocalService();
 
     /// False when it did not start; what went wrong is on standard error.
-    [[nodiscard]] bool isRunning() const { return m_process > 0; }
+    [[nodiscard]] bool isRunning() const { return m_process.state() == QProcess::Running; }
     /// The table of hosts that it wrote.
     const QString& servicesFile() const { return m_servicesFile; }
     /// Where it listens over TLS, "127.0.0.1:PORT".
@@ -28,7 +26,7 @@ public:
 
 private:
     QTemporaryDir m_directory;
-    pid_t m_process = -1;
+    QProcess m_process;
     QString m_servicesFile;
     QString m_httpsHost;
     QString m_authorityFile;

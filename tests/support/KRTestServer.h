@@ -51,7 +51,6 @@ public:
         /// Waits until the other side closes or the server stops.
         void waitForClose();
         [[nodiscard]] bool isStopping() const { return m_stopping; }
-        [[nodiscard]] int descriptor() const { return m_descriptor; }
 
     private:
         friend class KRTestServer;
@@ -70,6 +69,12 @@ public:
     };
 
     using Handler = std::function<void(const Request& request, Connection& connection)>;
+
+    /// The same answer to everything.
+    static Handler always(int status, const QByteArray& body = {}, const QByteArray& headers = {})
+    {
+        return [=](const Request&, Connection& connection) { connection.respond(status, body, headers); };
+    }
 
     enum class Bodies { Kept, Counted };
 

@@ -3,23 +3,15 @@
 
 #include <QStringList>
 
+#include <future>
 #include <gtest/gtest.h>
 #include <random>
-#include <thread>
 #include <unicode/uregex.h>
 
 using namespace KRAdditions;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QStringList textsOf(const QString& text, const KRRangeList& ranges)
-{
-    QStringList texts;
-    for (const KRRange& range : ranges)
-        texts.append(KRSubstring(text, range));
-    return texts;
-}
 
 // What the patterns say, found the plain way: the whole pattern searched for from match to match.
 KRRangeList plainMatches(const QString& text, const char16_t* pattern)
@@ -42,58 +34,47 @@ KRRangeList plainMatches(const QString& text, const char16_t* pattern)
 const char16_t* const patterns[]
     = { KRLinkRegex, KRHashTagRegex, KRTwitterUsernameRegex, KRStockSymbolRegex, KREmailRegex };
 
-TEST(ActiveText, Links)
+TEST(ActiveText, SpansOfEachKind)
 {
     static_assert(std::u16string_view(KRLinkRegex).size() == 171);
+    using Kind = const KRRangeList& (KRActiveTextRanges::*)() const;
+    const Kind links = &KRActiveTextRanges::links;
     const struct {
-        QString text = u""_s;
-        QStringList links;
+        Kind kind;
+        QString text;
+        // Separated by spaces.
+        QString spans;
     } cases[] = {
-        { u"Visit http://example.com/a_(b)."_s, { u"http://example.com/a_(b)"_s } },
-        { u"See www.example.com, then"_s, { u"www.example.com"_s } },
-        { u"x http://a"_s, {} },
-        { u"(http://example.com)"_s, { u"http://example.com"_s } },
-        { u"svn+ssh://host/x"_s, { u"ssh://host/x"_s } },
-        { u"http://😀 http://😀😀"_s, { u"http://😀😀"_s } },
-        { u"a-1-b://xy _c-d://xy 1e://xy é://xy f-://xy"_s, { u"a-1-b://xy"_s, u"d://xy"_s } },
-        { u"wwww.xy.z www.x www.(( ).www.ab"_s, { u"www.ab"_s } },
-        { u"http://a.b\thttps://c.d\nftp://e.f"_s, { u"http://a.b"_s, u"https://c.d"_s, u"ftp://e.f"_s } },
-        { u"http://((((( a://b(c)d://ef"_s, { u"a://b(c)"_s, u"d://ef"_s } },
+        { links, u"Visit http://example.com/a_(b)."_s, u"http://example.com/a_(b)"_s },
+        { links, u"See www.example.com, then"_s, u"www.example.com"_s },
+        { links, u"x http://a"_s, u""_s },
+        { links, u"(http://example.com)"_s, u"http://example.com"_s },
+        { links, u"svn+ssh://host/x"_s, u"ssh://host/x"_s },
+        { links, u"http://😀 http://😀😀"_s, u"http://😀😀"_s },
+        { links, u"a-1-b://xy _c-d://xy 1e://xy é://xy f-://xy"_s, u"a-1-b://xy d://xy"_s },
+        { links, u"wwww.xy.z www x www.(( ).www.ab"_s, u"www.ab"_s },
+        { links, u"http://a.b\thttps://c.d\nftp://e.f"_s, u"http://a.b https://c.d ftp://e.f"_s },
+        { links, u"http://((((( a://b(c)d://ef"_s, u"a://b(c) d://ef"_s },
+        { &KRActiveTextRanges::usernames, u"@bob's me@bob @_x9 @über"_s, u"@bob @_x9"_s },
+        { &KRActiveTextRanges::hashtags, u"#1 #über a#b"_s, u"#1 #über"_s },
+        { &KRActiveTextRanges::stockSymbols, u"$AAPL, $toolong x$IBM"_s, u"$AAPL $toolo"_s },
+        { &KRActiveTextRanges::emailAddresses,
+            u"write to a.b+c@mail.example.com now, or x@y@example.org, é@example.org"_s,
+            u"a.b+c@mail.example.com y@example.org"_s },
+        // The five lists one after the other.
+        { &KRActiveTextRanges::activeRanges,
+            u"a@b.com $IBM @bob #tag http://example.org/#faq"_s,
+            u"http://example.org/#faq #tag #faq @bob $IBM a@b.com"_s },
+        { &KRActiveTextRanges::activeRanges, u""_s, u""_s },
+        { &KRActiveTextRanges::activeRanges, QString(), u""_s },
     };
     for (const auto& test : cases) {
-        EXPECT_EQ(textsOf(test.text, KRActiveTextRanges(test.text).links()), test.links)
-            << qPrintable(test.text);
+        const KRActiveTextRanges ranges(test.text);
+        QStringList spans;
+        for (const KRRange& range : (ranges.*test.kind)())
+            spans.append(KRSubstring(test.text, range));
+        EXPECT_EQ(spans.join(u' '), test.spans) << qPrintable(test.text);
     }
-}
-
-TEST(ActiveText, OtherKinds)
-{
-    const QString mentions = u"@bob's me@bob @_x9 @über"_s;
-    EXPECT_EQ(textsOf(mentions, KRActiveTextRanges(mentions).usernames()),
-        (QStringList { u"@bob"_s, u"@_x9"_s }));
-    const QString hashtags = u"#1 #über a#b"_s;
-    EXPECT_EQ(textsOf(hashtags, KRActiveTextRanges(hashtags).hashtags()),
-        (QStringList { u"#1"_s, u"#über"_s }));
-    const QString symbols = u"$AAPL, $toolong x$IBM"_s;
-    EXPECT_EQ(textsOf(symbols, KRActiveTextRanges(symbols).stockSymbols()),
-        (QStringList { u"$AAPL"_s, u"$toolo"_s }));
-    const QString addresses = u"write to a.b+c@mail.example.com now, or x@y@example.org, é@example.org"_s;
-    EXPECT_EQ(textsOf(addresses, KRActiveTextRanges(addresses).emailAddresses()),
-        (QStringList { u"a.b+c@mail.example.com"_s, u"y@example.org"_s }));
-}
-
-TEST(ActiveText, ActiveRangesAreTheFiveListsInOrder)
-{
-    const QString text = u"a@b.com $IBM @bob #tag http://example.org/#faq"_s;
-    EXPECT_EQ(textsOf(text, KRActiveTextRanges(text).activeRanges()),
-        (QStringList { u"http://example.org/#faq"_s,
-            u"#tag"_s,
-            u"#faq"_s,
-            u"@bob"_s,
-            u"$IBM"_s,
-            u"a@b.com"_s }));
-    EXPECT_TRUE(KRActiveTextRanges(u"").activeRanges().isEmpty());
-    EXPECT_TRUE(KRActiveTextRanges(QStringView()).activeRanges().isEmpty());
 }
 
 TEST(ActiveText, KindOfAWholeString)
@@ -118,7 +99,7 @@ TEST(ActiveText, KindOfAWholeString)
 
 TEST(ActiveText, FindsExactlyWhatThePatternsSay)
 {
-    QStringList pieces = u"a|b|Z|7|-|_|.|,|(|)|#|@|$|://|www.|w|:|/| "
+    QStringList pieces = u"a|z|A|Z|0|9|-|_|.|,|(|)|#|@|$|://|www.|w|:|/| "
                          u"|\n|\t|é|\u0301|\u200d|\u00ad|😀|[|`|+|&|日本|http://|x.org|"
                          u"ab@c.de|#t|$IBM"_s.split(u'|');
     pieces += { QString(QChar(0xD83D)), QString(QChar(0xDE00)) };
@@ -150,8 +131,10 @@ TEST(ActiveText, HostileTextsEnd)
              u"www."_s + QString(length, u'('),
              QString(u"www.("_s).repeated(length / 5),
              QString(u"://"_s).repeated(length / 3),
-             u"#"_s + QString(length, u'a') })
-        EXPECT_LE(KRActiveTextRanges(text).activeRanges().size(), length);
+             u"#"_s + QString(length, u'a') }) {
+        const bool holdsOne = text.startsWith(u'#') || text.startsWith(u"www.(w");
+        EXPECT_EQ(KRActiveTextRanges(text).activeRanges().size(), holdsOne) << qPrintable(text.left(9));
+    }
 }
 
 TEST(ActiveText, ABadPatternIsLoggedAndMatchesNothing)
@@ -167,19 +150,17 @@ TEST(ActiveText, SeveralThreadsSearchAtOnce)
 {
     const QString text = u"@bob sees http://example.org/ #now $IBM a@b.org"_s;
     const KRRangeList expected = KRActiveTextRanges(text).activeRanges();
-    std::array<bool, 4> agreed {};
-    std::vector<std::thread> threads;
-    for (bool& agrees : agreed) {
-        threads.emplace_back([&] {
-            agrees = true;
+    std::vector<std::future<int>> searches;
+    for (int thread = 0; thread < 4; ++thread) {
+        searches.push_back(std::async(std::launch::async, [&] {
+            int agreed = 0;
             for (int i = 0; i < 200; ++i)
-                agrees = agrees && KRActiveTextRanges(text).activeRanges() == expected;
-        });
+                agreed += KRActiveTextRanges(text).activeRanges() == expected;
+            return agreed;
+        }));
     }
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const bool agrees : agreed)
-        EXPECT_TRUE(agrees);
+    for (auto& search : searches)
+        EXPECT_EQ(search.get(), 200);
 }
 
 } // namespace

@@ -136,6 +136,7 @@ TEST(DateAdditions, BothFormsAreReadAndOnlyTheirOwn)
     EXPECT_EQ(dateValueFromJSONTwitterDate(u"Wed, 27 Aug 2008 13:08:45 +0000"), expected);
     EXPECT_EQ(dateValueFromHTTPLikeDate(u"Sun Aug 27 13:08:45 +0000 2008"), expected);
     EXPECT_EQ(dateValueFromHTTPLikeDate(u"Wed Aug 27 18:38:45 +0530 2008"), expected);
+    EXPECT_EQ(dateValueFromHTTPLikeDate(u"Thu Aug 28 13:07:45 +2359 2008"), expected);
     EXPECT_EQ(dateValueFromJSONTwitterDate(u"Wed, 27 Aug 2008 05:08:45 -0800"), expected);
     EXPECT_EQ(dateValueFromHTTPLikeDate(u"Fri Feb 29 00:00:00 +0000 2008").date(), QDate(2008, 2, 29));
     EXPECT_EQ(dateValueFromHTTPLikeDate(u"Mon Jan 1 00:00:00 +0100 2018"),
@@ -158,6 +159,7 @@ TEST(DateAdditions, BothFormsAreReadAndOnlyTheirOwn)
              u"Wed Aug 27 1:08:45 +0000 2008",
              u"Wed Aug 27 13:08:45 0000 2008",
              u"Wed Aug 27 13:08:45 +0060 2008",
+             u"Wed Aug 27 13:08:45 +2400 2008",
              u"Wed Aug 27 13:08:45 UTC 2008",
              u"Wed Aug 27 13:08:45 +0000 08",
              u"Wed Aug 27 13:08:45 +0000 20081",
@@ -167,6 +169,7 @@ TEST(DateAdditions, BothFormsAreReadAndOnlyTheirOwn)
     EXPECT_FALSE(dateValueFromJSONTwitterDate(u"Wed 27 Aug 2008 13:08:45 +0000").isValid());
     EXPECT_TRUE(isAfter(expected, expected.addMSecs(-1)) && !isAfter(expected, expected));
     EXPECT_TRUE(isBefore(expected, expected.addMSecs(1)) && !isBefore(expected, expected));
+    EXPECT_TRUE(isBefore(QDateTime(), expected) && !isAfter(QDateTime(), QDateTime()));
 }
 
 TEST(DateAdditions, RelativeTime)

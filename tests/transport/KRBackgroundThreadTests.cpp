@@ -1,20 +1,44 @@
+#include "support/KRTestServer.h"
 #include "support/KRTestWait.h"
 #include "transport/KRBackgroundThread.h"
+#include "transport/KRHTTPRequest.h"
 #include "transport/KRSocketPair.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <set>
 
 namespace {
 
-/// The thread, idle by then, ends when it is told to and not at its next event.
+/// The thread ends when it is told to and not at its next event, and lets go of what is under way and of
+/// what waits for a place, without telling anybody.
 class StopsAtTheEnd : public testing::Environment {
     void TearDown() override
     {
+        KRTestServer server([](const auto&, auto& connection) { connection.waitForClose(); });
+        std::vector<std::weak_ptr<KRHTTPRequest>> watched;
+        const auto told = std::make_shared<Told>();
+        for (int number = 0; number < 9; ++number) {
+            const auto request = KRHTTPRequest::request();
+            request->setUrl(server.url());
+            request->setResponseCallback(Callback(told, &Told::response));
+            request->startRequest();
+            watched.push_back(request);
+        }
+        EXPECT_TRUE(KRWaitUntil([&] { return server.requestCount() == 8; }));
         const auto start = std::chrono::steady_clock::now();
         KRBackgroundThread::stopShared();
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        for (const auto& request : watched)
+            EXPECT_TRUE(request.expired());
+        EXPECT_EQ(told->count, 0);
     }
+
+    struct Told {
+        std::atomic<int> count = 0;
+        void response(KRHTTPRequest&) { ++count; }
+    };
 };
 
 const auto* stopsAtTheEnd = testing::AddGlobalTestEnvironment(new StopsAtTheEnd);
@@ -43,13 +67,20 @@ TEST(KRBackgroundThread, IsOneForEverybodyAndRunsCallsInOrder)
     std::atomic<bool> done = false;
     for (int i = 0; i < 100; ++i)
         performOnSharedBackgroundThread([&ran, i] { ran.append(i); });
+    char name[16] = {};
+    sigset_t blocked;
     performOnSharedBackgroundThread([&] {
         wasThere = KRBackgroundThread::isCurrentThread();
+        pthread_getname_np(pthread_self(), name, sizeof name);
+        pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
         done = true;
     });
     ASSERT_TRUE(KRWaitUntil([&] { return done.load(); }));
     EXPECT_TRUE(wasThere);
     EXPECT_FALSE(KRBackgroundThread::isCurrentThread());
+    EXPECT_STREQ(name, "SharedBackgroun");
+    EXPECT_TRUE(sigismember(&blocked, SIGPIPE)) << "a lost connection does not end the program";
+    EXPECT_FALSE(sigismember(&blocked, SIGTERM));
     ASSERT_EQ(ran.size(), 100);
     EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
 }
@@ -67,6 +98,7 @@ TEST(KRSocketPair, CarriesWhatIsWrittenAndEndsWhenTheWriterCloses)
     KRSocketStreamPair pair = CFStreamCreatePairWithUNIXSocketPair();
     ASSERT_TRUE(pair.readStream && pair.writeStream);
     EXPECT_EQ(pair.writeStream->write("hello", 5), 5);
+    EXPECT_FALSE(pair.readStream->rewind());
     pair.writeStream.reset();
     char buffer[16];
     EXPECT_EQ(pair.readStream->read(buffer, sizeof buffer), 5);

@@ -3,6 +3,7 @@
 #include "foundation/KRNotificationCenter.h"
 #include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
+#include "text/KRDataAdditions.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRInputStream.h"
 #include "transport/KRNetworkCache.h"
@@ -12,39 +13,19 @@
 #include <QTemporaryFile>
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-void answerOK(const KRTestServer::Request&, KRTestServer::Connection& connection)
-{
-    connection.respond(200, "fine");
-}
-
-QByteArray gzip(const QByteArray& data)
-{
-    z_stream stream {};
-    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 31, 8, Z_DEFAULT_STRATEGY);
-    QByteArray output(static_cast<qsizetype>(deflateBound(&stream, static_cast<uLong>(data.size()))), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data.data()));
-    stream.avail_in = static_cast<uInt>(data.size());
-    stream.next_out = reinterpret_cast<Bytef*>(output.data());
-    stream.avail_out = static_cast<uInt>(output.size());
-    deflate(&stream, Z_FINISH);
-    output.resize(static_cast<qsizetype>(stream.total_out));
-    deflateEnd(&stream);
-    return output;
-}
+const KRTestServer::Handler answerOK = KRTestServer::always(200, "fine");
 
 } // namespace
 
 TEST(KRHTTPRequest, SendsWhatItWasGiven)
 {
     KRTestServer server(answerOK);
-    KRTestRequest request(server.url(u"/path?a=b%26c"_s));
-    request->setMethod(u"POST"_s);
+    KRTestRequest request(server.url(u"/path?a=b%26c"_s), u"POST"_s);
     request->setBody("status=hi");
     request->setUsername(u"b\u00f6b"_s);
     request->setPassword(u"pass:word"_s);
@@ -55,6 +36,7 @@ TEST(KRHTTPRequest, SendsWhatItWasGiven)
     request->addValueForHTTPHeaderField(u"b"_s, u"X-Twice"_s);
     request->addValueForHTTPHeaderField(u"x\r\nX-Smuggled: y"_s, u"X-Broken"_s);
     request->addValueForHTTPHeaderField(u"own"_s, u"Authorization"_s);
+    request->addValueForHTTPHeaderField(u""_s, u"X-Empty"_s);
     KRTestLog log;
     ASSERT_TRUE(request.run());
     EXPECT_EQ(request->data(), QByteArray("fine"));
@@ -69,13 +51,22 @@ TEST(KRHTTPRequest, SendsWhatItWasGiven)
     EXPECT_EQ(sent.value("content-type"), QByteArray("application/x-www-form-urlencoded"));
     EXPECT_EQ(sent.values("x-replaced"), QList<QByteArray> { "3" });
     EXPECT_EQ(sent.values("x-twice"), (QList<QByteArray> { "a", "b" }));
+    EXPECT_EQ(sent.values("x-empty"), QList<QByteArray> { "" });
+    EXPECT_EQ(sent.value("user-agent"), "Pelinor/1.2.6");
     EXPECT_TRUE(sent.values("x-smuggled").isEmpty());
     EXPECT_TRUE(sent.values("x-broken").isEmpty());
     EXPECT_EQ(sent.values("authorization"),
         (QList<QByteArray> { "Basic " + u"b\u00f6b:pass:word"_s.toUtf8().toBase64(), "own" }));
-    EXPECT_TRUE(sent.values("cookie").isEmpty());
     EXPECT_TRUE(sent.values("expect").isEmpty());
     EXPECT_FALSE(log.lines().join(u'\n').contains(u"pass:word"));
+
+    for (const QString& method : { u"HEAD"_s, u"DELETE"_s, u"PUT"_s }) {
+        KRTestRequest other(server.url(), method);
+        other->setBody(method == u"PUT" ? "new" : QByteArray());
+        ASSERT_TRUE(other.run());
+        EXPECT_EQ(server.requests().last().method, method.toLatin1());
+        EXPECT_EQ(server.requests().last().body, method == u"PUT" ? "new" : "");
+    }
 }
 
 TEST(KRHTTPRequest, SendsNoAuthorizationWithoutAPassword)
@@ -95,9 +86,23 @@ TEST(KRHTTPRequest, SendsNoAuthorizationWithoutAPassword)
 
 TEST(KRHTTPRequest, DeliversAnErrorStatusWithItsBody)
 {
-    KRTestServer server(
-        [](const auto&, auto& connection) { connection.respond(404, "<hash>nothing here</hash>"); });
-    KRTestRequest request(server.url());
+    const QString known
+        = u"300 301 302 303 304 307 308 400 401 402 403 404 405 406 407 408 409 410 411 413 414 "
+          "415 422 429 500 501 502 503 504"_s;
+    for (const QString& status : known.split(u' '))
+        EXPECT_FALSE(KRHTTPStatusText(status.toInt()).contains(u'(')) << qPrintable(status);
+    EXPECT_EQ(KRHTTPStatusText(305), u"Redirected (305)"_s);
+    EXPECT_EQ(KRHTTPStatusText(499), u"Client error (499)"_s);
+    EXPECT_EQ(KRHTTPStatusText(599), u"Server error (599)"_s);
+    KRTestServer server([](const KRTestServer::Request& request, auto& connection) {
+        connection.respond(request.target.mid(1).toInt(), "<hash>nothing here</hash>");
+    });
+    for (const int status : { 200, 299, 300 }) {
+        KRTestRequest request(server.url(u"/%1"_s.arg(status)));
+        ASSERT_TRUE(request.run());
+        EXPECT_EQ(request.errorCode(), status == 300 ? 300 : 0);
+    }
+    KRTestRequest request(server.url(u"/404"_s));
     ASSERT_TRUE(request.run());
     ASSERT_TRUE(request->error());
     EXPECT_EQ(*request->error(), errorWithDomain(u"com.kestrin.httprequest"_s, 404, u"Not found"_s));
@@ -105,9 +110,34 @@ TEST(KRHTTPRequest, DeliversAnErrorStatusWithItsBody)
     EXPECT_EQ(request->data(), QByteArray("<hash>nothing here</hash>"));
 }
 
+TEST(KRHTTPRequest, ReadsHeadersWithoutWhatComesBeforeAndBehind)
+{
+    KRTestServer server([](const auto&, auto& connection) {
+        connection.write("HTTP/1.1 103 Early Hints\r\nX-Early: 1\r\n\r\n"
+                         "HTTP/1.1 200 OK\r\nX-Name: \t Value \r\n"
+                         "Transfer-Encoding: chunked\r\n\r\n4\r\nfine\r\n0\r\nX-Trailer: t\r\n\r\n");
+    });
+    KRTestRequest request(server.url());
+    ASSERT_TRUE(request.run());
+    EXPECT_EQ(request->data(), "fine");
+    EXPECT_EQ(request->responseHeader("x-name"), "Value");
+    for (const char* name : { "x-early", "x-trailer" })
+        EXPECT_TRUE(request->responseHeader(name).isNull()) << name;
+    EXPECT_EQ(request->downloadProgress(), 0.0) << "nobody told the length";
+}
+
 TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
 {
-    KRTestServer server(answerOK);
+    KRTestServer server([failed = std::make_shared<std::atomic<bool>>()](const auto&, auto& connection) {
+        connection.respond(failed->exchange(true) ? 200 : 500, "fine");
+    });
+    // What it keeps of an earlier start is gone with the next.
+    KRTestRequest first(server.url(u"/path?query"_s), u"POST"_s);
+    first->setBody("body");
+    ASSERT_TRUE(first.run());
+    EXPECT_EQ(first.errorCode(), 500);
+    EXPECT_EQ(first->uploadProgress() + first->downloadProgress(), 2.0);
+    EXPECT_TRUE(first->description().endsWith(u" POST %1]"_s.arg(server.url(u"/path"_s).toString())));
     std::atomic<int> began = 0;
     std::atomic<int> ended = 0;
     const KRObservation begin
@@ -119,16 +149,20 @@ TEST(KRHTTPRequest, RunsOnceHoweverOftenItIsStarted)
     std::mutex hold;
     std::unique_lock holding(hold);
     performOnSharedBackgroundThread([&] { std::scoped_lock waiting(hold); });
-    KRTestRequest first(server.url());
     KRTestRequest second(server.url());
     first.start();
+    EXPECT_EQ(began, 1);
     first->startRequest();
+    EXPECT_FALSE(first->error());
+    EXPECT_EQ(first->uploadProgress() + first->downloadProgress(), 0.0);
     second.start();
+    EXPECT_EQ(first->uploadedBytes() + first->downloadedBytes(), 0);
     holding.unlock();
-    ASSERT_TRUE(first.wait() && second.wait());
+    ASSERT_TRUE(KRWaitUntil([&] { return first.callbackCount() == 2; }) && second.wait());
     ASSERT_TRUE(KRWaitUntil([&] { return ended == 1; }));
-    EXPECT_EQ(server.requestCount(), 2);
-    EXPECT_EQ(first.callbackCount(), 1);
+    EXPECT_EQ(server.requestCount(), 3);
+    EXPECT_EQ(first.callbackCount(), 2);
+    EXPECT_EQ(first->data(), "fine");
     EXPECT_EQ(began, 1);
     EXPECT_EQ(ended, 1);
 }
@@ -148,32 +182,21 @@ TEST(KRHTTPRequest, CanBeStartedAgainWithNewCallbacksByTheOldOne)
     EXPECT_EQ(server.requestCount(), 2);
 }
 
-TEST(KRHTTPRequest, ReusesConnectionsForReadingAndNeverForWriting)
+TEST(KRHTTPRequest, ReusesConnectionsForReadingAndNeverForWritingAndKeepsNoCookies)
 {
-    KRTestServer server(answerOK);
+    KRTestServer server(KRTestServer::always(200, "x", "Set-Cookie: id=1; Path=/\r\n"));
     for (int i = 0; i < 5; ++i) {
         KRTestRequest request(server.url());
         ASSERT_TRUE(request.run());
+        EXPECT_TRUE(server.requests().last().values("cookie").isEmpty());
     }
     EXPECT_EQ(server.connectionCount(), 1);
     for (int i = 0; i < 3; ++i) {
-        KRTestRequest request(server.url());
-        request->setMethod(u"POST"_s);
+        KRTestRequest request(server.url(), u"POST"_s);
         ASSERT_TRUE(request.run());
         EXPECT_EQ(server.requests().last().value("content-length"), QByteArray("0"));
     }
     EXPECT_EQ(server.connectionCount(), 4);
-}
-
-TEST(KRHTTPRequest, KeepsNoCookies)
-{
-    KRTestServer server(
-        [](const auto&, auto& connection) { connection.respond(200, "x", "Set-Cookie: id=1; Path=/\r\n"); });
-    for (int i = 0; i < 2; ++i) {
-        KRTestRequest request(server.url());
-        ASSERT_TRUE(request.run());
-    }
-    EXPECT_TRUE(server.requests().value(1).values("cookie").isEmpty());
 }
 
 TEST(KRHTTPRequest, AcceptsCompressedAnswers)
@@ -181,7 +204,7 @@ TEST(KRHTTPRequest, AcceptsCompressedAnswers)
     const QByteArray text = QByteArray("all work and no play ").repeated(1000);
     KRTestServer server([&](const KRTestServer::Request& request, auto& connection) {
         if (request.value("accept-encoding").contains("gzip"))
-            connection.respond(200, gzip(text), "Content-Encoding: gzip\r\n");
+            connection.respond(200, KRAdditions::gzipDeflate(text), "Content-Encoding: gzip\r\n");
         else
             connection.respond(406, {});
     });
@@ -213,9 +236,8 @@ TEST(KRHTTPRequest, StreamsABodyFromAFileAndReportsProgress)
     KRTestLog log;
     for (const bool lengthIsKnown : { true, false }) {
         const auto progress = std::make_shared<Progress>();
-        KRTestRequest request(server.url());
+        KRTestRequest request(server.url(), u"POST"_s);
         EXPECT_EQ(request->uploadProgress(), 0.0);
-        request->setMethod(u"POST"_s);
         request->setBodyStream(std::make_shared<KRFileInputStream>(file.fileName()));
         if (lengthIsKnown)
             request->setValueForHTTPHeaderField(QString::number(content.size()), u"Content-Length"_s);
@@ -238,16 +260,14 @@ TEST(KRHTTPRequest, PrefersTheBodyToTheStreamAndFailsOnAnUnreadableOne)
 {
     KRTestServer server(answerOK);
     KRTestLog log;
-    KRTestRequest both(server.url());
-    both->setMethod(u"POST"_s);
+    KRTestRequest both(server.url(), u"POST"_s);
     both->setBody("body");
     both->setBodyStream(std::make_shared<KRFileInputStream>(u"/no/such/file"_s));
     ASSERT_TRUE(both.run());
     EXPECT_EQ(server.requests().value(0).body, QByteArray("body"));
     EXPECT_TRUE(log.contains(u"ERROR: body & bodyStream both specified!"_s));
 
-    KRTestRequest unreadable(server.url());
-    unreadable->setMethod(u"POST"_s);
+    KRTestRequest unreadable(server.url(), u"POST"_s);
     unreadable->setBodyStream(std::make_shared<KRFileInputStream>(u"/no/such/file"_s));
     ASSERT_TRUE(unreadable.run());
     EXPECT_EQ(unreadable.errorCode(), KRHTTPConnectionErrorUnreadableBody);

@@ -5,6 +5,7 @@
 #include "support/KRTestServer.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRInputStream.h"
+#include "transport/KRMutableMultiDictionary.h"
 
 #include <QDir>
 #include <QFile>
@@ -49,29 +50,6 @@ std::shared_ptr<KRHTTPMultipartFormData> formWith(const QString& path)
     return form;
 }
 
-/// While it lives, no file may grow beyond so many bytes, as if the disk were full.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        ::getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit { bytes, m_before.rlim_max };
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        m_handler = std::signal(SIGXFSZ, SIG_IGN);
-    }
-    FullDisk(const FullDisk&) = delete;
-    FullDisk& operator=(const FullDisk&) = delete;
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-
-private:
-    rlimit m_before {};
-    void (*m_handler)(int) = nullptr;
-};
-
 class KRHTTPMultipartFormDataTest : public testing::Test {
 protected:
     ~KRHTTPMultipartFormDataTest() override { EXPECT_EQ(bodyFiles(), QStringList()) << "bodies left behind"; }
@@ -93,14 +71,16 @@ TEST_F(KRHTTPMultipartFormDataTest, WritesItsParts)
     const QByteArray pixels = QByteArray("\x89PNG\r\n\0", 7).repeated(20'000);
     const QString picture = fileWith(pixels, u"a \"picture\"\r\nX-Header: 1"_s);
 
+    const auto openFiles = [] { return QDir(u"/proc/self/fd"_s).count(); };
+    const auto openBefore = openFiles();
     KRHTTPMultipartFormData form;
     form.addTextPart(u"hi"_s, u"status"_s);
-    form.addDataPart({}, u"empty"_s);
+    form.addDataPart({}, u"a\"b\r\nX-Header: 1"_s);
     form.addImageFile(picture, u"media"_s);
     form.addVideoFile(u"/no/such/movie"_s, u"movie"_s);
     const QByteArray line = "--com.kEsTrIn.PeLiNoR.oeunht43353r4cg345nt";
     const QByteArray expected = line + "\r\nContent-Disposition: form-data; name=\"status\"\r\n\r\nhi\r\n"
-        + line + "\r\nContent-Disposition: form-data; name=\"empty\"\r\n\r\n\r\n" + line
+        + line + "\r\nContent-Disposition: form-data; name=\"a%22b%0D%0AX-Header: 1\"\r\n\r\n\r\n" + line
         + "\r\nContent-Disposition: form-data; name=\"media\"; filename=\"image.jpg\"\r\nContent-Type: "
           "image/jpeg\r\n\r\n"
         + pixels + "\r\n" + line
@@ -123,16 +103,16 @@ TEST_F(KRHTTPMultipartFormDataTest, WritesItsParts)
     KRHTTPMultipartFormData nothing;
     EXPECT_EQ(bodyOf(nothing), line + "--\r\n");
     nothing.cleanup();
+    EXPECT_EQ(openFiles(), openBefore + 1) << "the stream that is still there";
 }
 
 TEST_F(KRHTTPMultipartFormDataTest, IsSentByARequestAndCleanedUp)
 {
-    KRTestServer server([](const auto&, auto& connection) { connection.respond(200, "<rsp/>"); });
+    KRTestServer server(KRTestServer::always(200));
     const auto form = std::make_shared<KRHTTPMultipartFormData>();
     form->addTextPart(u"na\u00efve"_s, u"message"_s);
-    KRTestRequest request(server.url());
+    KRTestRequest request(server.url(), u"POST"_s);
     KRTestLog log;
-    request->setMethod(u"POST"_s);
     request->setMultipartFormData(nullptr);
     request->setMultipartFormData(form);
     const QString path = form->dataFile();
@@ -158,14 +138,25 @@ TEST_F(KRHTTPMultipartFormDataTest, SurvivesArchivingWithinItsRequest)
     request->setMethod(u"POST"_s);
     request->setMultipartFormData(form);
     request->setMaxRetries(2);
+    request->setRetries(1);
+    request->setBody("body");
+    request->setUsername(u"alice"_s);
+    request->setPassword(u"secret"_s);
+    request->addValueForHTTPHeaderField(u"a"_s, u"X-Twice"_s);
+    request->addValueForHTTPHeaderField(u"b"_s, u"X-Twice"_s);
     KRKeyedArchiver archiver;
     archiver.encodeObject("request"_L1, *request);
     const auto coder = KRKeyedUnarchiver::unarchiverWithData(archiver.archivedData());
     ASSERT_FALSE(coder.isError());
     const auto restored = KRHTTPRequest::requestWithCoder(*coder.value().decodeObject("request"_L1));
-    EXPECT_EQ(restored->url(), request->url());
-    EXPECT_EQ(restored->method(), u"POST"_s);
+    const KRURLRequest sent = restored->urlRequest();
+    EXPECT_EQ(sent.url, request->url());
+    EXPECT_EQ(sent.method, "POST");
+    EXPECT_EQ(sent.body, "body");
+    EXPECT_EQ(sent.headers, request->urlRequest().headers);
+    EXPECT_EQ(sent.headers.first().first, "Authorization");
     EXPECT_EQ(restored->maxRetries(), 2);
+    EXPECT_EQ(restored->retries(), 1);
     const auto length = [](const KRHTTPRequest& one) {
         return one.headers().objectsForKey(u"Content-Length"_s)->value(0).toLongLong();
     };
@@ -182,36 +173,18 @@ TEST_F(KRHTTPMultipartFormDataTest, SurvivesArchivingWithinItsRequest)
     rebuilt->multipartFormData()->cleanup();
 }
 
-TEST_F(KRHTTPMultipartFormDataTest, OnlyAPartWithNothingAtAllIsLogged)
+TEST(KRMutableMultiDictionary, KeepsItsKeysInOrder)
 {
-    struct Part {
-        QByteArray data;
-        void encodeWithCoder(KRKeyedArchiver& coder) const
-        {
-            coder.encodeString("name"_L1, u"bare"_s);
-            coder.encodeData("data"_L1, data);
-        }
-    };
-    const Part empty { "" };
-    const Part nothing { {} };
-    for (const Part* part : { &empty, &nothing }) {
-        KRTestLog log;
-        KRKeyedArchiver archiver;
-        archiver.encodeObjects("parts"_L1, QList<const Part*> { part });
-        const auto coder = KRKeyedUnarchiver::unarchiverWithData(archiver.archivedData());
-        KRHTTPMultipartFormData form(coder.value());
-        EXPECT_TRUE(bodyOf(form).contains("name=\"bare\"\r\n\r\n\r\n--"));
-        EXPECT_EQ(log.contains(u"Error: no data or file specified for bare"_s), part == &nothing);
-        form.cleanup();
-    }
-}
-
-TEST_F(KRHTTPMultipartFormDataTest, NamesCannotEndTheirHeader)
-{
-    KRHTTPMultipartFormData form;
-    form.addTextPart(u"x"_s, u"a\"b\r\nX-Header: 1"_s);
-    EXPECT_TRUE(bodyOf(form).contains("name=\"a%22b%0D%0AX-Header: 1\"\r\n\r\nx\r\n"));
-    form.cleanup();
+    KRMutableMultiDictionary dictionary;
+    dictionary.removeObjectForKey(u"1"_s, u"none"_s);
+    for (const QString& value : { u"1"_s, u"2"_s, u"1"_s })
+        dictionary.addObjectForKey(value, u"b"_s);
+    dictionary.setObjectForKey(u"3"_s, u"a"_s);
+    dictionary.removeObjectForKey(u"1"_s, u"b"_s);
+    EXPECT_EQ(*dictionary.objectsForKey(u"b"_s), QStringList { u"2"_s });
+    dictionary.removeObjectsForKey(u"b"_s);
+    EXPECT_TRUE(dictionary.objectsForKey(u"b"_s)->isEmpty());
+    EXPECT_EQ(dictionary.keys(), (QStringList { u"b"_s, u"a"_s }));
 }
 
 TEST_F(KRHTTPMultipartFormDataTest, WhatCannotBeReadMakesAnEmptyPart)
@@ -285,23 +258,25 @@ TEST_F(KRHTTPMultipartFormDataTest, AFileThatChangesMeanwhileMakesAWholeBody)
 
 TEST_F(KRHTTPMultipartFormDataTest, AFullDiskIsAnErrorAndNothingIsSent)
 {
-    KRTestServer server([](const auto&, auto& connection) { connection.respond(200, {}); });
+    KRTestServer server(KRTestServer::always(200));
     const QString path = fileWith(QByteArray(1'000'000, 'x'));
+    rlimit before {};
+    ::getrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_IGN);
     for (const rlim_t room : { 0U, 300U, 500'000U }) {
-        KRTestRequest request(server.url());
-        request->setMethod(u"POST"_s);
-        {
-            const FullDisk disk(room);
-            request->setMultipartFormData(formWith(path));
-        }
+        KRTestRequest request(server.url(), u"POST"_s);
+        // No file may grow beyond so many bytes, as if the disk were full.
+        const rlimit full { room, before.rlim_max };
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        request->setMultipartFormData(formWith(path));
+        ::setrlimit(RLIMIT_FSIZE, &before);
         EXPECT_EQ(bodyFiles(), QStringList()) << "the disk is full enough";
         ASSERT_TRUE(request.run());
         EXPECT_EQ(request.errorCode(), EFBIG);
         EXPECT_EQ(request.callbackCount(), 1);
     }
     // Half of a body would keep the server waiting for the rest.
-    KRTestRequest cut(server.url());
-    cut->setMethod(u"POST"_s);
+    KRTestRequest cut(server.url(), u"POST"_s);
     cut->setMultipartFormData(formWith(path));
     ASSERT_TRUE(QFile::resize(cut->multipartFormData()->dataFile(), 1000));
     ASSERT_TRUE(cut.run());
@@ -339,8 +314,7 @@ TEST_F(KRHTTPMultipartFormDataTest, ARetryBuildsTheSameBodyOrFails)
     KRTestServer server(
         [&failures](const auto&, auto& connection) { connection.respond(failures-- > 0 ? 503 : 200, {}); });
     const QString path = fileWith(QByteArray(200'000, 'x'));
-    KRTestRequest request(server.url());
-    request->setMethod(u"POST"_s);
+    KRTestRequest request(server.url(), u"POST"_s);
     request->setMaxRetries(5);
     request->setMultipartFormData(formWith(path));
     ASSERT_TRUE(request.run());
@@ -352,9 +326,8 @@ TEST_F(KRHTTPMultipartFormDataTest, ARetryBuildsTheSameBodyOrFails)
     ASSERT_TRUE(KRWaitUntil([] { return bodyFiles().isEmpty(); }));
 
     failures = 1;
-    KRTestRequest lost(server.url());
+    KRTestRequest lost(server.url(), u"POST"_s);
     KRTestLog log;
-    lost->setMethod(u"POST"_s);
     lost->setMaxRetries(1);
     lost->setMultipartFormData(formWith(path));
     ASSERT_TRUE(lost.run());

@@ -1,4 +1,5 @@
 #include "KRTestRequest.h"
+#include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRUserDefaults.h"
 #include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
@@ -7,8 +8,42 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr auto defaultsKey = "persistentHTTPRequests"_L1;
+
+qsizetype archivedCount()
+{
+    const QByteArray data = KRUserDefaults::standardUserDefaults().dataForKey(defaultsKey);
+    return KRKeyedUnarchiver::unarchiverWithData(data).value().decodeObjects("requests"_L1).size();
+}
+
+/// The list is read once, before any test asks for it.
+class ListOfTheRunBefore : public testing::Environment {
+    void SetUp() override
+    {
+        const auto left = KRHTTPRequest::request();
+        left->setUrl(QUrl(u"https://example.org/left"_s));
+        KRKeyedArchiver archiver;
+        archiver.encodeObjects("requests"_L1, QList { left });
+        KRUserDefaults::standardUserDefaults().setData(defaultsKey, archiver.archivedData());
+        const auto listed = KRHTTPRequest::persistentRequests();
+        ASSERT_EQ(listed.size(), 1);
+        EXPECT_EQ(listed.first()->url(), left->url());
+        KRHTTPRequest::addPersistentRequest(listed.first());
+        EXPECT_EQ(KRHTTPRequest::persistentRequests().size(), 1) << "nothing is in it twice";
+        KRHTTPRequest::removePersistentRequest(listed.first());
+        EXPECT_EQ(archivedCount(), 0);
+    }
+};
+
+const auto* listOfTheRunBefore = testing::AddGlobalTestEnvironment(new ListOfTheRunBefore);
+
+} // namespace
+
 TEST(KRPersistentRequests, AreTriedAgainAfterEachSuccessUntilTheirLimit)
 {
+    ASSERT_TRUE(listOfTheRunBefore);
     KRTestServer server([](const KRTestServer::Request& request, auto& connection) {
         connection.respond(request.target == "/fails" ? 503 : 200, "answer");
     });
@@ -21,7 +56,7 @@ TEST(KRPersistentRequests, AreTriedAgainAfterEachSuccessUntilTheirLimit)
     request->setMaxRetries(2);
     ASSERT_TRUE(request.run());
     EXPECT_EQ(KRHTTPRequest::persistentRequests().size(), 1);
-    EXPECT_FALSE(KRUserDefaults::standardUserDefaults().dataForKey("persistentHTTPRequests").isEmpty());
+    EXPECT_EQ(archivedCount(), 1);
 
     const auto attempts = [&server] {
         const auto requests = server.requests();
@@ -44,18 +79,4 @@ TEST(KRPersistentRequests, AreTriedAgainAfterEachSuccessUntilTheirLimit)
              u"was attempted too many times, not trying again."_s,
              u"remove persistent request "_s })
         EXPECT_TRUE(log.contains(line)) << line.toStdString();
-}
-
-TEST(KRPersistentRequests, LeaveTheListWhenTheySucceed)
-{
-    std::atomic<bool> works = false;
-    KRTestServer server([&](const auto&, auto& connection) { connection.respond(works ? 200 : 503, {}); });
-    KRTestRequest request(server.url());
-    request->setMaxRetries(5);
-    ASSERT_TRUE(request.run());
-    EXPECT_EQ(KRHTTPRequest::persistentRequests().size(), 1);
-    works = true;
-    KRHTTPRequest::servicePersistentRequests();
-    ASSERT_TRUE(KRWaitUntil([&] { return KRHTTPRequest::persistentRequests().isEmpty(); }));
-    EXPECT_EQ(server.requestCount(), 2);
 }

@@ -10,7 +10,11 @@
 /// Starts a request and waits for its end; counts the callbacks.
 class KRTestRequest {
 public:
-    explicit KRTestRequest(const QUrl& url) { m_request->setUrl(url); }
+    explicit KRTestRequest(const QUrl& url, const QString& method = QStringLiteral("GET"))
+    {
+        m_request->setUrl(url);
+        m_request->setMethod(method);
+    }
 
     KRHTTPRequest* operator->() { return m_request.get(); }
     const std::shared_ptr<KRHTTPRequest>& request() const { return m_request; }

@@ -2,10 +2,10 @@
 #include "support/KRTestServer.h"
 #include "transport/KRBackgroundThread.h"
 
-#include <condition_variable>
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <netdb.h>
+#include <semaphore>
 
 using namespace Qt::StringLiterals;
 
@@ -16,38 +16,21 @@ class Gate {
 public:
     void wait()
     {
-        std::unique_lock lock(m_lock);
         ++m_waiting;
-        m_changed.wait(lock, [this] { return m_isOpen || m_tickets > 0; });
-        --m_tickets;
+        m_tickets.acquire();
     }
-    void letOnePass()
-    {
-        std::scoped_lock guard(m_lock);
-        ++m_tickets;
-        m_changed.notify_one();
-    }
-    void open()
-    {
-        std::scoped_lock guard(m_lock);
-        m_isOpen = true;
-        m_changed.notify_all();
-    }
-    int waiting()
-    {
-        std::scoped_lock guard(m_lock);
-        return m_waiting;
-    }
+    void letOnePass() { m_tickets.release(); }
+    void open() { m_tickets.release(1000); }
+    /// How many have come to it.
+    int waiting() const { return m_waiting; }
 
 private:
-    std::mutex m_lock;
-    std::condition_variable m_changed;
-    int m_waiting = 0;
-    int m_tickets = 0;
-    bool m_isOpen = false;
+    std::atomic<int> m_waiting = 0;
+    std::counting_semaphore<> m_tickets { 0 };
 };
 
 constexpr char deadName[] = "dead.example";
+constexpr char unknownName[] = "unknown.example";
 
 // Never destroyed: a look-up may still wait for it when the process ends.
 Gate& deadResolver()
@@ -74,7 +57,7 @@ void beImpatient(KRHTTPTransportSettings& settings)
 
 } // namespace
 
-// What libcurl's resolver threads call: for one name the answer never comes.
+// What libcurl's resolver threads call: one name is unknown, for another the answer never comes.
 extern "C" __attribute__((visibility("default"))) int
 getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result)
 {
@@ -82,6 +65,8 @@ getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrin
         deadResolver().wait();
         return EAI_AGAIN;
     }
+    if (node && std::strcmp(node, unknownName) == 0)
+        return EAI_NONAME;
     static const auto real = reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"));
     return real(node, service, hints, result);
 }
@@ -89,7 +74,7 @@ getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrin
 TEST(KRTransferQueue, ADeadResolverHoldsUpNobodyElse)
 {
     const KRTestTransportSettings impatient(beImpatient);
-    KRTestServer server([](const auto&, auto& connection) { connection.respond(200, "fine"); });
+    KRTestServer server(KRTestServer::always(200, "fine"));
     KRTestRequest dead(QUrl(u"http://%1/"_s.arg(QLatin1String(deadName))));
     dead.start();
     ASSERT_TRUE(KRWaitUntil([] { return deadResolver().waiting() > 0; }));
@@ -100,6 +85,9 @@ TEST(KRTransferQueue, ADeadResolverHoldsUpNobodyElse)
     ASSERT_TRUE(alive.run());
     EXPECT_EQ(alive->data(), QByteArray("fine"));
     deadResolver().open();
+    KRTestRequest unknown(QUrl(u"http://%1/"_s.arg(QLatin1String(unknownName))));
+    ASSERT_TRUE(unknown.run());
+    EXPECT_EQ(unknown.errorText(), u"The server unknown.example was not found"_s);
 }
 
 TEST(KRTransferQueue, PicturesLeavePlacesAndCommandsGoFirst)
@@ -112,8 +100,7 @@ TEST(KRTransferQueue, PicturesLeavePlacesAndCommandsGoFirst)
     });
     const auto pictures = startRequests(server.url(u"/held"_s), 6, true);
     ASSERT_TRUE(KRWaitUntil([&] { return gate.waiting() == 4; }));
-    KRTestRequest post(server.url(u"/post"_s));
-    post->setMethod(u"POST"_s);
+    KRTestRequest post(server.url(u"/post"_s), u"POST"_s);
     ASSERT_TRUE(post.run()) << "avatars do not keep a post waiting";
     EXPECT_EQ(gate.waiting(), 4);
 
@@ -121,8 +108,7 @@ TEST(KRTransferQueue, PicturesLeavePlacesAndCommandsGoFirst)
     const auto data = startRequests(server.url(u"/held"_s), 4, false);
     ASSERT_TRUE(KRWaitUntil([&] { return gate.waiting() == 8; }));
     KRTestRequest later(server.url(u"/data"_s));
-    KRTestRequest first(server.url(u"/command"_s));
-    first->setMethod(u"POST"_s);
+    KRTestRequest first(server.url(u"/command"_s), u"POST"_s);
     later.start();
     first.start();
     bool areQueued = false;
