@@ -2,7 +2,8 @@
 
 #include "api/TwitterOperations.h"
 
-/// Questions that are answered with yes or no.
+/// Questions that are answered with yes or no. Any thread; the callback is invoked on the shared background
+/// thread.
 class TwitterCheckOperations final : public TwitterOperationsDelivering<bool> {
 public:
     using TwitterOperationsDelivering::TwitterOperationsDelivering;
@@ -19,7 +20,7 @@ private:
     void _verifyCredentialsResponse(KRHTTPRequest& request);
 };
 
-/// Questions whose answer is delivered as the text it is.
+/// Questions whose answer is delivered as the text it is. Threads as above.
 class TwitterTextOperations final : public TwitterOperationsDelivering<QString> {
 public:
     using TwitterOperationsDelivering::TwitterOperationsDelivering;

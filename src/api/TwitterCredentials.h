@@ -2,7 +2,8 @@
 
 #include <QString>
 
-/// Who requests are made for. An account implements it.
+/// Who requests are made for. An account implements it. Asked on the thread that makes a request: the main one,
+/// where it is an account.
 class TwitterCredentials {
 public:
     TwitterCredentials() = default;

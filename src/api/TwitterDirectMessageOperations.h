@@ -3,7 +3,8 @@
 #include "api/TwitterOperations.h"
 #include "model/records/TwitterDirectMessage.h"
 
-/// Lists of messages. Pages end before `sinceID` and begin at `maxID`.
+/// Lists of messages. Pages end before `sinceID` and begin at `maxID`. Any thread; the callback is
+/// invoked on the shared background thread.
 class TwitterDirectMessagesOperations final : public TwitterOperationsDelivering<TwitterDirectMessageList> {
 public:
     using TwitterOperationsDelivering::TwitterOperationsDelivering;

@@ -3,7 +3,8 @@
 #include "api/TwitterOperations.h"
 #include "model/records/TwitterStatus.h"
 
-/// Timelines. Pages end before `sinceID` and begin at `maxID`.
+/// Timelines. Pages end before `sinceID` and begin at `maxID`. Any thread; the callback is
+/// invoked on the shared background thread.
 class TwitterStatusesOperations final : public TwitterOperationsDelivering<TwitterStatusList> {
 public:
     using TwitterOperationsDelivering::TwitterOperationsDelivering;

@@ -3,7 +3,7 @@
 #include "api/TwitterOperations.h"
 #include "model/records/TwitterUser.h"
 
-/// Lists of people.
+/// Lists of people. Any thread; the callback is invoked on the shared background thread.
 class TwitterUsersOperations final : public TwitterOperationsDelivering<TwitterUserList> {
 public:
     using TwitterOperationsDelivering::TwitterOperationsDelivering;

@@ -14,8 +14,8 @@
 /// Domain of unarchiving errors; the code is always -1.
 inline constexpr char16_t KRArchiveErrorDomain[] = u"com.kestrin.archive";
 
-/// Writes typed values under keys. An object archives itself through `void encodeWithCoder(KRKeyedArchiver&)
-/// const`. Null strings, invalid dates, empty URLs and null data are not written.
+/// Writes typed values under keys, for one thread at a time. An object archives itself through
+/// `void encodeWithCoder(KRKeyedArchiver&) const`. Null strings, invalid dates, empty URLs and null data are not written.
 ///
 /// The archive is four bytes "KRKA", a version byte, the SHA-1 of the rest, and one CBOR map (RFC 8949);
 /// whatever is not exactly that is refused when it is read.

@@ -6,6 +6,7 @@
 class TwitterServiceHosts;
 
 /// What a click on an active span, or a link to be opened, comes to. A value; finding it has no effects.
+/// Any thread.
 struct KRLinkAction {
     enum class Kind {
         Nothing,

@@ -6,7 +6,7 @@
 
 class KRUserDefaults;
 
-/// What a call to the user's choice of an outside service is made with.
+/// What a call to the user's choice of an outside service is made with. A value; any thread.
 struct TwitterServiceContext {
     TwitterServiceHosts hosts;
     /// Where the choice is read, at every call. Not owned: the defaults live as long as the program. Without

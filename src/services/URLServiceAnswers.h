@@ -5,8 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
-/// The forms in which shorteners and expanders answer. An answer without a link is an error of the given
-/// domain, without a description: there is nothing in it to tell.
+/// The forms in which shorteners and expanders answer. Any thread. An answer without a link is an error of
+/// the given domain, without a description: there is nothing in it to tell.
 namespace URLServiceAnswers {
 
 enum class Trimming { No, Yes };

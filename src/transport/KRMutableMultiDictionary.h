@@ -8,7 +8,8 @@
 class KRKeyedArchiver;
 class KRKeyedUnarchiver;
 
-/// Keys with any number of values each, in the order they came: a request's headers.
+/// Keys with any number of values each, in the order they came: a request's headers. A value, for one
+/// thread at a time.
 class KRMutableMultiDictionary {
 public:
     KRMutableMultiDictionary() = default;

@@ -84,6 +84,7 @@ TEST(Keyring, ChangesStoredItems)
     EXPECT_TRUE(item->setPassword(u"two"_s));
     EXPECT_TRUE(item->setUsername(u"caroline"_s));
     EXPECT_TRUE(item->setLabel(u"Caroline's password"_s));
+    EXPECT_EQ(item->label(), u"Caroline's password"_s);
     EXPECT_EQ(proxy.genericKeychainItemForService(service, u"carol"_s), nullptr);
     ASSERT_TRUE(proxy.genericKeychainItemForService(service, u"caroline"_s));
     EXPECT_EQ(proxy.genericKeychainItemForService(service, u"caroline"_s)->password(), u"two"_s);
@@ -149,7 +150,10 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_TRUE(
         log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
                      "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
-    EXPECT_TRUE(KRKeychain::removePasswordForUsername(u"frank"_s, keychainService).isError());
+    const KRResult<void> removed = KRKeychain::removePasswordForUsername(u"frank"_s, keychainService);
+    ASSERT_TRUE(removed.isError());
+    EXPECT_EQ(removed.error(),
+        errorWithDomain(u"com.kestrin.keychain"_s, -1, u"could not remove item from keychain"_s));
     const TwitterAccountPtr refused = add(*twitter, u"heidi"_s, u"refused"_s);
     const TwitterAccountPtr withdrawn = add(*twitter, u"ivan"_s, u"withdrawn"_s);
     EXPECT_FALSE(withdrawn->removePasswordFromKeychain().isError()) << "nothing of it is stored";
