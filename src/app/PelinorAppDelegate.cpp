@@ -4,6 +4,7 @@
 #include "app/PelinorShortcutsWindow.h"
 #include "app/lists/PelinorStatusDetailsViewController.h"
 #include "app/look/PelinorAlert.h"
+#include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
@@ -34,6 +35,7 @@ PelinorAppDelegate::PelinorAppDelegate(Twitter& twitter, KRUserDefaults& default
         m_heights,
         m_workspace,
         *this }
+    , m_hotKeys(defaults, [this](PelinorHotKeys::Type type) { _hotKeyWasPressed(type); })
 {
     TwitterUser::setProfileImageMaker(&CreateRoundedProfileImage);
 }
@@ -44,7 +46,16 @@ PelinorAppDelegate::~PelinorAppDelegate() = default;
 
 void PelinorAppDelegate::applicationDidFinishLaunching()
 {
+    QApplication::setWindowIcon(PelinorImages::icon(u"Pelinor"_s, Qt::black));
     m_motionSetting = std::make_unique<KRDesktopMotionSetting>(&KRMotion::setReducedByDesktop);
+    m_hotKeys.registerSavedHotKeys();
+    m_menuStatusItem = std::make_unique<PelinorMenuStatusItem>(*this, m_defaults);
+    m_accountObservation = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
+        [this](const auto&) { _updateMenuStatusItem(); });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            _updateMenuStatusItem();
+    });
     if (!m_twitter.accounts().isEmpty()) {
         _openMainWindow();
         return;
@@ -108,11 +119,64 @@ void PelinorAppDelegate::terminate()
 
 void PelinorAppDelegate::applicationWillTerminate()
 {
+    m_accountObservation = {};
+    m_menuStatusItem.reset();
     m_composeControllers.clear();
     m_preferencesWindowController.reset();
     m_mainMenu.reset();
     m_mainWindowController.reset();
     m_twitter.shutdown();
+}
+
+// Desktop
+
+void PelinorAppDelegate::_updateMenuStatusItem()
+{
+    m_menuStatusItem->setStatusLight(m_twitter.hasFreshAnythingApplicableToStatusItem()
+            ? PelinorMenuStatusItem::LightOn
+            : PelinorMenuStatusItem::LightOff);
+}
+
+void PelinorAppDelegate::statusItemAction()
+{
+    showHidePelinor();
+    _updateMenuStatusItem();
+}
+
+void PelinorAppDelegate::showHidePelinor()
+{
+    m_hiddenWindows.removeAll(nullptr);
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->windowType() != Qt::Popup) {
+                m_hiddenWindows.append(window);
+                window->hide();
+            }
+        }
+        return;
+    }
+    for (const QPointer<QWidget>& window : std::exchange(m_hiddenWindows, {}))
+        window->show();
+    if (m_mainWindowController)
+        m_mainWindowController->showWindow();
+}
+
+void PelinorAppDelegate::_hotKeyWasPressed(PelinorHotKeys::Type type)
+{
+    if (type == PelinorHotKeys::ShowHidePelinor)
+        showHidePelinor();
+    else if (type == PelinorHotKeys::NewTweet)
+        newDocumentFromDock();
+}
+
+void PelinorAppDelegate::newDocumentFromDock()
+{
+    if (!m_mainWindowController)
+        return;
+    newDocument();
+    QWidget& window = m_composeControllers.back()->window();
+    window.raise();
+    window.activateWindow();
 }
 
 // Windows
@@ -127,6 +191,7 @@ PelinorPreferencesWindowController& PelinorAppDelegate::preferencesWindowControl
     if (!m_preferencesWindowController)
         m_preferencesWindowController = std::make_unique<PelinorPreferencesWindowController>(m_twitter,
             m_defaults,
+            m_hotKeys,
             m_displayPreferences);
     return *m_preferencesWindowController;
 }

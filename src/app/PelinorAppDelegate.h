@@ -1,7 +1,9 @@
 #pragma once
 
+#include "app/PelinorMenuStatusItem.h"
 #include "app/links/PelinorScreens.h"
 #include "app/look/PelinorDisplayPreferences.h"
+#include "app/settings/PelinorHotKeys.h"
 #include "app/writing/PelinorComposeWindowController.h"
 #include "core/Twitter.h"
 #include "platform/appearance/KRDesktopMotionSetting.h"
@@ -9,6 +11,7 @@
 #include "text/render/KRTextHeightCache.h"
 
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 #include <vector>
@@ -48,6 +51,8 @@ public:
         return m_composeControllers;
     }
     Twitter& twitter() { return m_twitter; }
+    /// Null before the start.
+    const PelinorMenuStatusItem* menuStatusItem() const { return m_menuStatusItem.get(); }
 
     // What menus ask for.
     void newDocument() { newTweetFromAccount(nullptr, nullptr, {}, std::nullopt); }
@@ -58,6 +63,13 @@ public:
     void showMainPelinorWindow();
     void showShortcuts();
     void showAbout();
+    /// A new tweet from outside the windows: brings the program to the front first.
+    void newDocumentFromDock();
+    /// Hides every window when the program is the one in use, else brings it to the front.
+    void showHidePelinor();
+    void statusItemAction();
+    /// Does nothing: whether there is a status item is decided at the start.
+    void toggleMenuStatusItemVisibility() { }
     /// Ends the program, unless the user wants to see to something first.
     void terminate();
 
@@ -77,6 +89,8 @@ public:
 private:
     void _firstLoginResponse(const TwitterAccountPtr& account);
     void _openMainWindow();
+    void _updateMenuStatusItem();
+    void _hotKeyWasPressed(PelinorHotKeys::Type type);
     PelinorComposeWindowController& _makeComposeController(const TwitterAccountPtr& account);
     void composeWindowDismiss(PelinorComposeWindowController& controller) override;
     QWidget* _frontWindow() const;
@@ -92,6 +106,10 @@ private:
     std::unique_ptr<PelinorLoginWindowController> m_loginWindowController;
     std::unique_ptr<PelinorPreferencesWindowController> m_preferencesWindowController;
     std::vector<std::unique_ptr<PelinorComposeWindowController>> m_composeControllers;
+    PelinorHotKeys m_hotKeys;
+    std::unique_ptr<PelinorMenuStatusItem> m_menuStatusItem;
+    QList<QPointer<QWidget>> m_hiddenWindows;
+    KRObservation m_accountObservation;
     KRObservation m_keychainObservation;
     std::unique_ptr<KRDesktopMotionSetting> m_motionSetting;
     bool m_mayTerminate = false;

@@ -7,6 +7,8 @@ PelinorApplication::PelinorApplication(int& argc, char** argv)
     setApplicationDisplayName(QStringLiteral("Pelinor"));
     setApplicationVersion(QStringLiteral("1.2.6"));
     setDesktopFileName(QStringLiteral("com.kestrin.Pelinor"));
+    // The main window's closing ends the program; while it is hidden the last visible window may be another.
+    setQuitOnLastWindowClosed(false);
 }
 
 PelinorApplication::~PelinorApplication() = default;

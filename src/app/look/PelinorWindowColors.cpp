@@ -18,6 +18,7 @@ PelinorWindowColors lightColors()
         .stripText = QColor(0x4A, 0x52, 0x5B),
         .stripError = QColor(0xA6, 0x2B, 0x1F),
         .screen = QColor(0xFF, 0xFF, 0xFF),
+        .statusItem = QColor(0x8C, 0x94, 0x9D),
     };
 }
 

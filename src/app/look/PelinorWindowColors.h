@@ -24,5 +24,8 @@ struct PelinorWindowColors {
     /// Where screens are; what points at them from the column has their colour.
     QColor screen;
 
+    /// The quiet light in the status area, where the ground is the desktop's and not known.
+    QColor statusItem;
+
     static const PelinorWindowColors& forPalette(const QPalette& palette);
 };

@@ -1,6 +1,7 @@
 #include "app/settings/PelinorAdvancedPreferencesController.h"
 
 #include "api/TwitterServiceHosts.h"
+#include "app/settings/PelinorHotKeyField.h"
 #include "foundation/KRUserDefaults.h"
 #include "services/KRImageService.h"
 #include "services/URLShorteningService.h"
@@ -50,11 +51,25 @@ QLineEdit* makeTextField(KRUserDefaults& defaults, const QString& key, QWidget* 
 } // namespace
 
 PelinorAdvancedPreferencesController::PelinorAdvancedPreferencesController(KRUserDefaults& defaults,
+    PelinorHotKeys& hotKeys,
     QWidget* parent)
     : QWidget(parent)
     , m_defaults(defaults)
 {
     auto* const layout = new QFormLayout(this);
+    if (KRHotKeys::areAvailable()) {
+        layout->addRow(tr("Key to show or &hide Pelinor:"),
+            new PelinorHotKeyField(hotKeys, PelinorHotKeys::ShowHidePelinor, this));
+        layout->addRow(tr("Key for a &new tweet:"),
+            new PelinorHotKeyField(hotKeys, PelinorHotKeys::NewTweet, this));
+    }
+    auto* const item = new QCheckBox(tr("Show an &icon in the status area"), this);
+    item->setObjectName(u"DisableMenuItem"_s);
+    item->setChecked(!defaults.boolForKey("DisableMenuItem"));
+    connect(item, &QCheckBox::toggled, this, [this](bool isShown) {
+        m_defaults.setInteger("DisableMenuItem", isShown ? 0 : 1);
+    });
+    layout->addRow(QString(), item);
     layout->addRow(tr("&Shorten links with:"),
         makeServiceBox(defaults,
             URLShorteningServicePreferredServiceDefaultsKey,
@@ -96,7 +111,8 @@ PelinorAdvancedPreferencesController::PelinorAdvancedPreferencesController(KRUse
     row->addWidget(authority, 1);
     row->addWidget(choose);
     layout->addRow(tr("Also &trust:"), row);
-    auto* const note = new QLabel(tr("Addresses and certificates count from the next start."), this);
+    auto* const note
+        = new QLabel(tr("The icon, addresses and certificates count from the next start."), this);
     layout->addRow(note);
 }
 

@@ -3,14 +3,16 @@
 #include <QWidget>
 
 class KRUserDefaults;
+class PelinorHotKeys;
 
-/// The outside services to use, and whom to trust. What is read once at the start says so. Main thread.
+/// The hot keys, the status area, the outside services to use, and whom to trust. What is read once at the
+/// start says so. Main thread.
 class PelinorAdvancedPreferencesController : public QWidget {
     Q_OBJECT
 
 public:
-    /// The defaults outlive the pane.
-    PelinorAdvancedPreferencesController(KRUserDefaults& defaults, QWidget* parent);
+    /// Both outlive the pane.
+    PelinorAdvancedPreferencesController(KRUserDefaults& defaults, PelinorHotKeys& hotKeys, QWidget* parent);
     ~PelinorAdvancedPreferencesController() override;
 
 private:

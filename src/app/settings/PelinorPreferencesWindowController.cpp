@@ -16,9 +16,11 @@ using namespace Qt::StringLiterals;
 
 PelinorPreferencesWindowController::PelinorPreferencesWindowController(Twitter& twitter,
     KRUserDefaults& defaults,
+    PelinorHotKeys& hotKeys,
     PelinorDisplayPreferences& displayPreferences)
     : m_twitter(twitter)
     , m_defaults(defaults)
+    , m_hotKeys(hotKeys)
     , m_displayPreferences(displayPreferences)
     , m_window(std::make_unique<QMainWindow>())
 {
@@ -60,7 +62,7 @@ void PelinorPreferencesWindowController::_loadWindow()
         { u"Advanced"_s,
             tr("Advanced"),
             u"preferences-other"_s,
-            new PelinorAdvancedPreferencesController(m_defaults, m_panes) },
+            new PelinorAdvancedPreferencesController(m_defaults, m_hotKeys, m_panes) },
     };
     for (const Pane& pane : panes) {
         const int index = m_panes->addWidget(pane.view);

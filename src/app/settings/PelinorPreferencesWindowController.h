@@ -7,6 +7,7 @@
 #include <memory>
 
 class KRUserDefaults;
+class PelinorHotKeys;
 class QActionGroup;
 class QStackedWidget;
 struct PelinorDisplayPreferences;
@@ -19,6 +20,7 @@ public:
     /// All of it outlives the controller. The display preferences are kept as the defaults have them.
     PelinorPreferencesWindowController(Twitter& twitter,
         KRUserDefaults& defaults,
+        PelinorHotKeys& hotKeys,
         PelinorDisplayPreferences& displayPreferences);
     ~PelinorPreferencesWindowController() override;
 
@@ -39,6 +41,7 @@ private:
 
     Twitter& m_twitter;
     KRUserDefaults& m_defaults;
+    PelinorHotKeys& m_hotKeys;
     PelinorDisplayPreferences& m_displayPreferences;
     std::unique_ptr<QMainWindow> m_window;
     QStackedWidget* m_panes = nullptr;

@@ -1,0 +1,58 @@
+#include "app/settings/PelinorHotKeyField.h"
+
+#include <QHBoxLayout>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QToolButton>
+
+using namespace Qt::StringLiterals;
+
+PelinorHotKeyField::PelinorHotKeyField(PelinorHotKeys& hotKeys, PelinorHotKeys::Type type, QWidget* parent)
+    : QWidget(parent)
+    , m_hotKeys(hotKeys)
+    , m_type(type)
+    , m_recorder(new QKeySequenceEdit(this))
+    , m_trouble(new QLabel(this))
+{
+    m_recorder->setObjectName(u"recorder"_s);
+    if (const QKeyCombination key = hotKeys.hotKey(type); key.key())
+        m_recorder->setKeySequence(key);
+    connect(m_recorder, &QKeySequenceEdit::keySequenceChanged, this, &PelinorHotKeyField::_takeKey);
+    auto* const clear = new QToolButton(this);
+    clear->setText(tr("Clear"));
+    connect(clear, &QToolButton::clicked, m_recorder, &QKeySequenceEdit::clear);
+    m_trouble->setTextFormat(Qt::PlainText);
+    m_trouble->setWordWrap(true);
+    m_trouble->setObjectName(u"hotKeyTrouble"_s);
+    m_trouble->hide();
+    auto* const row = new QHBoxLayout;
+    row->addWidget(m_recorder, 1);
+    row->addWidget(clear);
+    auto* const layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addLayout(row);
+    layout->addWidget(m_trouble);
+    setFocusProxy(m_recorder);
+}
+
+PelinorHotKeyField::~PelinorHotKeyField() = default;
+
+void PelinorHotKeyField::_takeKey()
+{
+    const QKeySequence keys = m_recorder->keySequence();
+    // One hot key is one combination; the recorder would wait for more.
+    if (keys.count() > 1) {
+        m_recorder->setKeySequence(keys[uint(keys.count() - 1)]);
+        return;
+    }
+    const QKeyCombination key = keys.isEmpty() ? QKeyCombination(Qt::Key(0)) : keys[0];
+    const bool isBare = key.key() && !(key.keyboardModifiers() & ~Qt::KeyboardModifiers(Qt::ShiftModifier));
+    const KRResult<void> result = m_hotKeys.registerKeyCode(isBare ? 0 : int(key.key()),
+        isBare ? 0 : int(key.keyboardModifiers()),
+        m_type);
+    const QString trouble = isBare ? tr("A hot key needs Ctrl, Alt or the Super key.")
+        : result.isError()         ? result.error().description
+                                   : QString();
+    m_trouble->setText(trouble);
+    m_trouble->setVisible(!trouble.isEmpty());
+}
