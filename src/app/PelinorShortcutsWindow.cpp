@@ -31,6 +31,8 @@ void PelinorShortcutsWindow::show(const PelinorMainMenu& menu, QWidget* parent)
     auto* const table = new QTableWidget(int(keys.size()), 2, window);
     table->setHorizontalHeaderLabels({ PelinorMainMenu::tr("Key"), PelinorMainMenu::tr("What it does") });
     table->verticalHeader()->hide();
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeading | Qt::AlignVCenter);
     table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     table->horizontalHeader()->setStretchLastSection(true);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);

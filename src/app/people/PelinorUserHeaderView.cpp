@@ -33,6 +33,8 @@ QLabel* makeLabel(const QString& name, int size, QWidget* parent)
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setFont(KRMessageFont(size));
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // Beside the picture in whatever direction the words run.
+    label->setAlignment((parent->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
     return label;
 }
 
@@ -114,7 +116,7 @@ PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
     layout->setContentsMargins(14, 12, 14, 12);
     layout->addLayout(top);
     layout->addWidget(m_bio);
-    layout->addWidget(m_homePage, 0, Qt::AlignLeft);
+    layout->addWidget(m_homePage, 0, Qt::AlignLeading);
     layout->addLayout(buttons);
     _updateColors();
 }
@@ -162,7 +164,8 @@ void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int f
         ranges);
     m_bio->setVisible(!bio.isEmpty());
     const QString address = user ? user->url().toDisplayString() : QString();
-    m_homePage->setText(fontMetrics().elidedText(address, Qt::ElideMiddle, 320));
+    // An address runs from left to right everywhere (LEFT-TO-RIGHT ISOLATE and its end).
+    m_homePage->setText(u'\u2066' + fontMetrics().elidedText(address, Qt::ElideMiddle, 320) + u'\u2069');
     m_homePage->setVisible(!address.isEmpty());
     _showFollowing(details);
 }

@@ -35,7 +35,7 @@ PelinorAccountDetailsSheet::PelinorAccountDetailsSheet(TwitterAccountPtr account
                 TwitterAccountMessagesDockBadge,
                 TwitterAccountMessagesGrowl } },
     } };
-    const std::array<QString, 3> indicators { tr("Menu bar light"), tr("Badge"), tr("Notification") };
+    const std::array<QString, 3> indicators { tr("Status area"), tr("Badge"), tr("Notification") };
 
     auto* const layout = new QGridLayout(this);
     auto* const heading

@@ -1,14 +1,37 @@
 #include "app/settings/PelinorAccountPreferencesController.h"
 
 #include "app/look/PelinorAlert.h"
+#include "app/look/PelinorCellColors.h"
+#include "app/look/PelinorProfileImage.h"
 #include "app/settings/PelinorAccountDetailsSheet.h"
 #include "app/settings/PelinorAddAccountSheet.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int IconSide = 28;
+
+QIcon iconOf(TwitterAccount& account)
+{
+    const TwitterProfileImagePtr image = account.user() ? account.user()->profileImage() : nullptr;
+    QPixmap pixmap(2 * IconSide, 2 * IconSide);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    PelinorProfileImage::draw(painter,
+        pixmap.rect(),
+        image,
+        PelinorCellColors::forPalette(QGuiApplication::palette()));
+    return pixmap;
+}
+
+} // namespace
 
 PelinorAccountPreferencesController::PelinorAccountPreferencesController(Twitter& twitter, QWidget* parent)
     : QWidget(parent)
@@ -18,6 +41,8 @@ PelinorAccountPreferencesController::PelinorAccountPreferencesController(Twitter
     m_list->setObjectName(u"accountsTable"_s);
     m_list->setAccessibleName(tr("Accounts"));
     m_list->setDragDropMode(QAbstractItemView::InternalMove);
+    m_list->setIconSize({ IconSide, IconSide });
+    m_list->setSpacing(2);
     const auto makeButton = [this](const QString& name, const QString& text) {
         auto* const button = new QPushButton(text, this);
         button->setObjectName(name);
@@ -73,7 +98,7 @@ void PelinorAccountPreferencesController::_reloadData()
     const int row = m_list->currentRow();
     m_list->clear();
     for (const TwitterAccountPtr& account : m_twitter.accounts())
-        m_list->addItem(account->qualifiedName());
+        m_list->addItem(new QListWidgetItem(iconOf(*account), account->qualifiedName()));
     m_list->setCurrentRow(std::min(row, m_list->count() - 1));
     _updateButtons();
 }

@@ -110,7 +110,9 @@ PelinorAdvancedPreferencesController::PelinorAdvancedPreferencesController(KRUse
     auto* const row = new QHBoxLayout;
     row->addWidget(authority, 1);
     row->addWidget(choose);
-    layout->addRow(tr("Also &trust:"), row);
+    auto* const trust = new QLabel(tr("Also &trust:"), this);
+    trust->setBuddy(authority);
+    layout->addRow(trust, row);
     auto* const note
         = new QLabel(tr("The icon, addresses and certificates count from the next start."), this);
     layout->addRow(note);

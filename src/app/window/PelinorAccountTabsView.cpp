@@ -415,7 +415,17 @@ void PelinorAccountTabsView::_drawBackground(QPainter& painter) const
 void PelinorAccountTabsView::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
+    // The edge that shades and pointer are at is the one towards the screens.
+    const auto faceScreens = [&] {
+        if (isRightToLeft()) {
+            painter.translate(width(), 0);
+            painter.scale(-1, 1);
+        }
+    };
+    painter.save();
+    faceScreens();
     _drawBackground(painter);
+    painter.restore();
     const PelinorWindowColors& colors = PelinorWindowColors::forPalette(palette());
     const qreal progress = _progress();
     const auto drawLayer = [&](const auto& layer) {
@@ -430,7 +440,10 @@ void PelinorAccountTabsView::paintEvent(QPaintEvent* /*event*/)
         drawLayer(*layer);
     for (const auto& layer : m_accountLayers)
         drawLayer(*layer);
+    painter.save();
+    faceScreens();
     drawLayer(m_selectionNipple);
+    painter.restore();
     if (!m_showsFocus)
         return;
     painter.setRenderHint(QPainter::Antialiasing);

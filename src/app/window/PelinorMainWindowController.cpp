@@ -17,6 +17,7 @@
 
 #include <QCloseEvent>
 #include <QPainter>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -139,13 +140,18 @@ void PelinorMainWindowController::showWindow()
 
 QRect PelinorMainWindowController::mainViewRect() const
 {
-    return m_contentView->rect().adjusted(PelinorAccountTabsView::Width, 0, 0, -PelinorStatusStrip::Height);
+    const QRect content = m_contentView->rect();
+    return QStyle::visualRect(m_contentView->layoutDirection(),
+        content,
+        content.adjusted(PelinorAccountTabsView::Width, 0, 0, -PelinorStatusStrip::Height));
 }
 
 void PelinorMainWindowController::_layOut()
 {
     const QRect screens = mainViewRect();
-    m_sideTabs->setGeometry(0, 0, PelinorAccountTabsView::Width, m_contentView->height());
+    m_sideTabs->setGeometry(QStyle::visualRect(m_contentView->layoutDirection(),
+        m_contentView->rect(),
+        QRect(0, 0, PelinorAccountTabsView::Width, m_contentView->height())));
     m_statusStrip->setGeometry(screens.x(),
         screens.bottom() + 1,
         screens.width(),

@@ -51,6 +51,7 @@ PelinorStatusStrip::PelinorStatusStrip(QWidget* parent)
     m_errorField->setTextFormat(Qt::PlainText);
     m_errorField->setFont(KRMessageFont(PointSize));
     m_errorField->setMinimumWidth(0);
+    m_errorField->installEventFilter(this);
     m_noticeButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     connect(m_noticeButton, &QToolButton::clicked, this, [this] {
         const QString text = m_notice;
@@ -79,8 +80,6 @@ void PelinorStatusStrip::setError(const QString& text)
     m_errorButton->setVisible(!m_error.isEmpty());
     m_errorField->setAccessibleName(m_error);
     m_errorField->setToolTip(m_error.toHtmlEscaped());
-    // The layout has made room for the button by the time the text is cut to what is left.
-    layout()->activate();
     _elide();
 }
 
@@ -90,8 +89,6 @@ void PelinorStatusStrip::setNotice(const QString& title, const QString& text)
     m_noticeButton->setText(title);
     m_noticeButton->setToolTip(text.toHtmlEscaped());
     m_noticeButton->setVisible(!text.isEmpty());
-    layout()->activate();
-    _elide();
 }
 
 void PelinorStatusStrip::_elide()
@@ -100,11 +97,11 @@ void PelinorStatusStrip::_elide()
         m_errorField->fontMetrics().elidedText(m_error, Qt::ElideRight, m_errorField->width()));
 }
 
-void PelinorStatusStrip::resizeEvent(QResizeEvent* event)
+bool PelinorStatusStrip::eventFilter(QObject* watched, QEvent* event)
 {
-    QWidget::resizeEvent(event);
-    layout()->activate();
-    _elide();
+    if (event->type() == QEvent::Resize)
+        _elide();
+    return QWidget::eventFilter(watched, event);
 }
 
 void PelinorStatusStrip::_updateColors()
