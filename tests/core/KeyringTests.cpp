@@ -223,6 +223,29 @@ TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
         [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
 }
 
+TEST(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
+{
+    const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"olivia"_s } };
+    ASSERT_EQ(KRSecretService::store(attributes, u"test"_s, u"old"_s).status, KRSecretService::Status::Done);
+    // A second keyring of the same content, which nobody opens.
+    const QString folder = qEnvironmentVariable("PELINOR_TEST_HOME") + u"/data/keyrings/"_s;
+    ASSERT_TRUE(QFile::copy(folder + u"login.keyring"_s, folder + u"old.keyring"_s));
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
+    EXPECT_EQ(KRSecretService::lookUp(attributes).password, u"old"_s) << "an open keyring comes first";
+    ASSERT_EQ(KRSecretService::remove(attributes).status, KRSecretService::Status::Done);
+    const KRSecretService::Answer locked = KRSecretService::lookUp(attributes);
+    ASSERT_EQ(locked.status, KRSecretService::Status::Locked);
+    const auto isOpened = [](const QString& item) {
+        std::optional<bool> answer;
+        KRSecretService::unlockInBackground(item, [&](bool isUnlocked) { answer = isUnlocked; });
+        EXPECT_TRUE(KRWaitUntil([&] { return answer.has_value(); }));
+        return answer.value_or(false);
+    };
+    EXPECT_TRUE(isOpened({}));
+    EXPECT_FALSE(isOpened(locked.item)) << "else whoever waits would look in vain, and ask again for ever";
+    EXPECT_TRUE(QFile::remove(folder + u"old.keyring"_s));
+}
+
 TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)
 {
     KRManualClock clock;
