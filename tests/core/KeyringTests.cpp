@@ -185,6 +185,39 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_EQ(inKeychain(u"frank"_s), u"locked in"_s) << "removing an account leaves its password";
 }
 
+TEST(Keyring, WhatIsTakenOutOfALockedKeyringGoesOnceItIsOpen)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    for (const QString& name : { u"nick"_s, u"nora"_s }) {
+        const auto twitter = makeTwitter(defaults);
+        twitter->addAccount(
+            TwitterAccount::accountWithUsername(name, u"stored"_s, twitter->accountContext()));
+    }
+    ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
+    const auto twitter = makeTwitter(defaults);
+    const TwitterAccountPtr kept = twitter->accounts().first();
+    for (const TwitterAccountPtr& account : QList<TwitterAccountPtr>(twitter->accounts())) {
+        twitter->removeAccount(account);
+        EXPECT_TRUE(account->removePasswordFromKeychain().isError());
+    }
+    // One of them is there again.
+    twitter->addAccount(TwitterAccount::accountWithUsername(u"nora"_s, u"new"_s, twitter->accountContext()));
+    unlockLikeTheUser();
+    int told = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
+            [&](const auto&) { ++told; });
+    EXPECT_TRUE(KRWaitUntil([&] {
+        if (told == 0)
+            EMKeychainProxy::sharedProxy().unlockKeychain();
+        return told > 0;
+    }));
+    EXPECT_TRUE(kept->password().isNull()) << "nobody asks for anything with it any more";
+    EXPECT_TRUE(KRKeychain::passwordForUsername(u"nick"_s, keychainService, nullptr).isNull());
+    EXPECT_EQ(KRKeychain::passwordForUsername(u"nora"_s, keychainService, nullptr), u"new"_s);
+}
+
 TEST(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
 {
     const QTemporaryDir directory;
