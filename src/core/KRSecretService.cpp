@@ -311,6 +311,8 @@ public:
     {
         _append({});
         m_thread.join();
+        // Who asks all the same need not wait for nobody.
+        m_isStuck = true;
     }
 
 private:

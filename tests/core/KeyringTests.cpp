@@ -22,7 +22,15 @@ namespace {
 /// Ends the service's threads as the program does.
 class Ending final : public testing::Environment {
 public:
-    void TearDown() override { KRSecretService::stop(); }
+    void TearDown() override
+    {
+        KRSecretService::stop();
+        // What is still to run on the main thread when the program ends may ask all the same.
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(KRSecretService::lookUp({}).status, KRSecretService::Status::Unavailable);
+        EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
+    }
 };
 [[maybe_unused]] const testing::Environment* const ending = testing::AddGlobalTestEnvironment(new Ending);
 
