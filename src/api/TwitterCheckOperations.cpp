@@ -20,6 +20,14 @@ KRResult<bool> friendshipWithXML(const QByteArray& data)
     return follows;
 }
 
+/// Some servers send the document of an error as a success, which answers nothing.
+KRResult<bool> unlessErrorDocument(bool value, const KRHTTPRequest& request)
+{
+    if (TwitterAnswers::errorText(request.data()).isEmpty())
+        return value;
+    return TwitterAnswers::errorForMissingRecord(request);
+}
+
 } // namespace
 
 void TwitterCheckOperations::usernameFollowsUsername(const QString& username, const QString& otherUsername)
@@ -43,7 +51,10 @@ void TwitterCheckOperations::_friendshipExists(const QString& nameOrID, const QS
 
 void TwitterCheckOperations::_friendshipExistsResponse(KRHTTPRequest& request)
 {
-    _invokeCallback(TwitterAnswers::parsed(request, &friendshipWithXML));
+    KRResult<bool> follows = TwitterAnswers::parsed(request, &friendshipWithXML);
+    if (!follows.isError() && !follows.value())
+        follows = unlessErrorDocument(false, request);
+    _invokeCallback(std::move(follows));
 }
 
 void TwitterCheckOperations::verifyCredentials()
@@ -56,7 +67,7 @@ void TwitterCheckOperations::_verifyCredentialsResponse(KRHTTPRequest& request)
     if (request.error())
         _invokeCallback(*request.error());
     else
-        _invokeCallback(true);
+        _invokeCallback(unlessErrorDocument(true, request));
 }
 
 void TwitterTextOperations::rateLimitStatus()

@@ -124,8 +124,12 @@ QString TwitterServiceHosts::linkPrefixForKey(const char* key) const
         host.chop(1);
     if (host.isEmpty())
         return {};
-    const bool hasScheme = host.startsWith(httpPrefix) || host.startsWith(httpsPrefix);
-    return (hasScheme ? host : httpPrefix + host) + u'/';
+    // Links are compared letter by letter, and their schemes are small.
+    for (const QLatin1String scheme : { httpPrefix, httpsPrefix }) {
+        if (host.startsWith(scheme, Qt::CaseInsensitive))
+            return scheme + host.sliced(scheme.size()) + u'/';
+    }
+    return httpPrefix + host + u'/';
 }
 
 QString TwitterServiceHosts::webRoot() const

@@ -23,6 +23,16 @@ QUrl below(const QUrl& folder, const QString& path)
     return url;
 }
 
+/// The address without its last part; empty when it ends in another one.
+QUrl above(const QUrl& url, const QString& path)
+{
+    if (!url.path().endsWith(u'/' + path))
+        return {};
+    QUrl folder = url;
+    folder.setPath(url.path().chopped(path.size()));
+    return folder;
+}
+
 /// The folder itself, and those above it.
 QList<QUrl> foldersOf(const QUrl& root)
 {
@@ -215,15 +225,15 @@ void TwitterSiteFinder::_answered(KRHTTPRequest& request)
         }
         break;
     case Kind::Page:
-        if (const QUrl rsd = isGood ? descriptionInPage(request.data(), m_step.url) : QUrl(); !rsd.isEmpty())
+        if (const QUrl rsd = isGood ? descriptionInPage(request.data(), request.responseURL()) : QUrl();
+            !rsd.isEmpty())
             m_steps.push_front({ Kind::Description, rsd });
         break;
     case Kind::Configuration: {
-        constexpr qsizetype TailLength = sizeof("statusnet/config.xml") - 1;
-        m_base = m_step.url;
-        m_base.setPath(m_base.path().chopped(TailLength));
+        m_base = above(m_step.url, u"statusnet/config.xml"_s);
         TwitterSite site;
         if (isGood && readConfiguration(request.data(), site)) {
+            _movedTo(above(request.responseURL(), u"statusnet/config.xml"_s));
             _found(site);
             return;
         }
@@ -233,12 +243,20 @@ void TwitterSiteFinder::_answered(KRHTTPRequest& request)
     }
     case Kind::Credentials:
         if (request.statusCode() == Unauthorized) {
+            _movedTo(above(request.responseURL(), u"account/verify_credentials.xml"_s));
             _found({});
             return;
         }
         break;
     }
     _next();
+}
+
+void TwitterSiteFinder::_movedTo(const QUrl& base)
+{
+    // A password is never sent on to where a redirect leads, so it has to go there straight away.
+    if (!base.isEmpty())
+        m_base = base;
 }
 
 void TwitterSiteFinder::_found(TwitterSite site)

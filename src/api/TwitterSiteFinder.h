@@ -49,6 +49,7 @@ private:
     void _next();
     void _answered(KRHTTPRequest& request);
     void _tryInterface(const QUrl& base);
+    void _movedTo(const QUrl& base);
     void _found(TwitterSite site);
 
     KRCallback<TwitterSite> m_callback;

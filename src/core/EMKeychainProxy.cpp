@@ -55,7 +55,7 @@ void EMKeychainProxy::_note(const char* operation, const Answer& answer, bool is
     else if (isLogged && answer.status != Status::Done)
         KRLog(u"Error (%1) - %2"_s.arg(QLatin1String(operation), answer.error));
     if (answer.status == Status::Locked)
-        unlockKeychain();
+        _unlock(answer.item);
 }
 
 std::unique_ptr<EMGenericKeychainItem> EMKeychainProxy::genericKeychainItemForService(const QString& service,
@@ -128,7 +128,12 @@ bool EMKeychainProxy::lockKeychain()
 
 void EMKeychainProxy::unlockKeychain()
 {
-    KRSecretService::unlockInBackground([](bool isUnlocked) {
+    _unlock({});
+}
+
+void EMKeychainProxy::_unlock(const QString& item)
+{
+    KRSecretService::unlockInBackground(item, [](bool isUnlocked) {
         if (isUnlocked)
             KRNotificationCenter::defaultCenter().post(KRKeychainDidUnlockNotification());
     });

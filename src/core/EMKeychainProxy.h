@@ -41,6 +41,8 @@ public:
 private:
     EMKeychainProxy() = default;
 
+    /// The keyring that the item lies in, or the default one.
+    void _unlock(const QString& item);
     void _note(const char* operation, const KRSecretService::Answer& answer, bool isLogged);
 
     bool m_logsErrors = false;

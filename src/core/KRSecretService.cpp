@@ -110,6 +110,11 @@ GRef<SecretItem> firstItem(SecretService* secrets, const Attributes& attributes,
     return first;
 }
 
+QString pathOf(SecretItem* item)
+{
+    return QString::fromUtf8(g_dbus_proxy_get_object_path(G_DBUS_PROXY(item)));
+}
+
 Answer lookUpNow(const Attributes& attributes)
 {
     GErrorHolder error;
@@ -121,7 +126,7 @@ Answer lookUpNow(const Attributes& attributes)
         return failure(error);
     if (!item)
         return { Status::NotFound, {}, {}, QStringLiteral("there is no such item") };
-    const QString path = QString::fromUtf8(g_dbus_proxy_get_object_path(G_DBUS_PROXY(item.get())));
+    const QString path = pathOf(item.get());
     if (secret_item_get_locked(item.get()))
         return { Status::Locked, {}, path, QStringLiteral("the keyring is locked") };
     if (!secret_item_load_secret_sync(item.get(), cancellable(), &error.error))
@@ -201,7 +206,7 @@ Answer removeNow(const Attributes& attributes)
     // Clearing passes over what is locked as if it were not there.
     const GRef<SecretItem> item = firstItem(secrets.get(), attributes, error);
     if (item && secret_item_get_locked(item.get()))
-        return { Status::Locked, {}, {}, QStringLiteral("the keyring is locked") };
+        return { Status::Locked, {}, pathOf(item.get()), QStringLiteral("the keyring is locked") };
     if (error.error)
         return failure(error);
     const bool isRemoved = secret_service_clear_sync(secrets.get(),
@@ -214,29 +219,45 @@ Answer removeNow(const Attributes& attributes)
     return { isRemoved ? Status::Done : Status::NotFound, {}, {}, {} };
 }
 
-Answer askWhetherOpen()
+/// What a lock is of: the item, which stands for the keyring that it lies in, or the default keyring when there
+/// is none.
+GRef<GDBusProxy> lockable(SecretService* secrets, const QString& item, GErrorHolder& error)
 {
-    GErrorHolder error;
-    const GRef<SecretService> secrets = service(error);
-    if (!secrets)
-        return failure(error);
-    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
-    if (!keyring)
-        return failure(error);
-    return { secret_collection_get_locked(keyring.get()) ? Status::Locked : Status::Done, {}, {}, {} };
+    if (item.isEmpty())
+        return GRef<GDBusProxy>(G_DBUS_PROXY(defaultKeyring(secrets, error).release()));
+    return GRef<GDBusProxy>(G_DBUS_PROXY(secret_item_new_for_dbus_path_sync(secrets,
+        item.toUtf8().constData(),
+        SECRET_ITEM_NONE,
+        cancellable(),
+        &error.error)));
 }
 
-/// Locks or unlocks the default keyring; unlocking waits for the user.
-Answer setLocked(bool isLocked, GCancellable* cancellable)
+Answer askWhetherOpen(const QString& item)
 {
     GErrorHolder error;
     const GRef<SecretService> secrets = service(error);
     if (!secrets)
         return failure(error);
-    const GRef<SecretCollection> keyring = defaultKeyring(secrets.get(), error);
-    if (!keyring)
+    const GRef<GDBusProxy> target = lockable(secrets.get(), item, error);
+    if (!target)
         return failure(error);
-    GList* objects = g_list_append(nullptr, keyring.get());
+    const bool isLocked = SECRET_IS_ITEM(target.get())
+        ? secret_item_get_locked(SECRET_ITEM(target.get()))
+        : secret_collection_get_locked(SECRET_COLLECTION(target.get()));
+    return { isLocked ? Status::Locked : Status::Done, {}, {}, {} };
+}
+
+/// Locks the default keyring, or unlocks the item's, which waits for the user.
+Answer setLocked(bool isLocked, const QString& item, GCancellable* cancellable)
+{
+    GErrorHolder error;
+    const GRef<SecretService> secrets = service(error);
+    if (!secrets)
+        return failure(error);
+    const GRef<GDBusProxy> target = lockable(secrets.get(), item, error);
+    if (!target)
+        return failure(error);
+    GList* objects = g_list_append(nullptr, target.get());
     const gint count = isLocked
         ? secret_service_lock_sync(secrets.get(), objects, cancellable, nullptr, &error.error)
         : secret_service_unlock_sync(secrets.get(), objects, cancellable, nullptr, &error.error);
@@ -290,6 +311,8 @@ public:
     {
         _append({});
         m_thread.join();
+        // Who asks all the same need not wait for nobody.
+        m_isStuck = true;
     }
 
 private:
@@ -336,12 +359,14 @@ public:
         return *unlocking;
     }
 
-    void join(std::function<void(bool isUnlocked)> finished)
+    void join(const QString& item, std::function<void(bool isUnlocked)> finished)
     {
         if (!m_finished) {
             m_finished = std::move(finished);
+            m_item = item;
             _ask();
-        } else if (Worker::shared().ask(askWhetherOpen).status == Status::Done) {
+        } else if (Worker::shared().ask([asked = m_item] { return askWhetherOpen(asked); }).status
+            == Status::Done) {
             // Opened in another way, while a prompt that nobody answers is still up. Told later, since
             // whoever joins may be in the middle of a look-up.
             KRRunLoop::main().post([this, prompt = m_prompt] { _end(prompt, true); });
@@ -363,8 +388,8 @@ private:
     {
         stop();
         m_prompt = Prompt(g_cancellable_new(), GObjectDeleter());
-        m_thread = std::thread([this, prompt = m_prompt] {
-            const bool isUnlocked = setLocked(false, prompt.get()).status == Status::Done;
+        m_thread = std::thread([this, item = m_item, prompt = m_prompt] {
+            const bool isUnlocked = setLocked(false, item, prompt.get()).status == Status::Done;
             KRRunLoop::main().post([this, prompt, isUnlocked] { _end(prompt, isUnlocked); });
         });
     }
@@ -380,6 +405,7 @@ private:
     }
 
     std::function<void(bool)> m_finished;
+    QString m_item;
     Prompt m_prompt;
     std::thread m_thread;
 };
@@ -433,12 +459,12 @@ Answer remove(const Attributes& attributes)
 
 Answer lock()
 {
-    return Worker::shared().ask([] { return setLocked(true, cancellable()); });
+    return Worker::shared().ask([] { return setLocked(true, {}, cancellable()); });
 }
 
-void unlockInBackground(std::function<void(bool isUnlocked)> finished)
+void unlockInBackground(const QString& item, std::function<void(bool isUnlocked)> finished)
 {
-    Unlocking::shared().join(std::move(finished));
+    Unlocking::shared().join(item, std::move(finished));
 }
 
 void stop()

@@ -49,10 +49,11 @@ Answer setLabel(const QString& item, const QString& label);
 Answer remove(const Attributes& attributes);
 /// Locks the default keyring.
 Answer lock();
-/// Asks the desktop to unlock the default keyring, which may show the user a prompt; `finished` is called on
-/// the main thread when that has ended, with whether it is unlocked now. A request while one is under way
-/// joins it, and what it gives is dropped: one unlocking is told once.
-void unlockInBackground(std::function<void(bool isUnlocked)> finished);
+/// Asks the desktop to unlock the keyring that the item lies in, or the default one for an empty path, which may
+/// show the user a prompt; `finished` is called on the main thread when that has ended, with whether it is
+/// unlocked now. A request while one is under way joins it, and what it gives is dropped: one unlocking is told
+/// once.
+void unlockInBackground(const QString& item, std::function<void(bool isUnlocked)> finished);
 /// Ends what is under way, prompts included, before the process ends. Nothing may be asked afterwards.
 void stop();
 

@@ -47,6 +47,38 @@ bool isSameName(const TwitterUserPtr& user, const QString& username)
         == TwitterAdditions::canonicalTwitterUsername(username);
 }
 
+/// Takes passwords out of a locked keyring once it is open.
+class LateRemovals {
+public:
+    static LateRemovals& shared()
+    {
+        static auto* removals = new LateRemovals;
+        return *removals;
+    }
+
+    void add(const QString& name) { m_names.insert(name); }
+    void forget(const QString& name) { m_names.remove(name); }
+
+private:
+    LateRemovals()
+        : m_observation(KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
+            [this](const auto&) { _remove(); }))
+    {
+    }
+
+    void _remove()
+    {
+        // Another keyring may hold one of them, and is asked for in turn.
+        for (const QString& name : std::exchange(m_names, {})) {
+            if (KRKeychain::removePasswordForUsername(name, serviceName()).isError())
+                m_names.insert(name);
+        }
+    }
+
+    QSet<QString> m_names;
+    KRObservation m_observation;
+};
+
 } // namespace
 
 TwitterAccount::TwitterAccount(QString username, TwitterAccountContext context)
@@ -96,7 +128,7 @@ void TwitterAccount::encodeWithCoder(KRKeyedArchiver& coder) const
 {
     if (m_password.isNull())
         KRLog(u"Error: no password set for account"_s);
-    else if (m_passwordState != Password::Stored)
+    else if (m_passwordState != Password::Stored && m_passwordState != Password::Withdrawn)
         _savePassword();
     _encodeWithoutPassword(coder);
 }
@@ -169,8 +201,11 @@ void TwitterAccount::setPassword(const QString& password)
 
 KRResult<void> TwitterAccount::removePasswordFromKeychain()
 {
-    m_passwordState = Password::Stored;
-    return KRKeychain::removePasswordForUsername(qualifiedName(), serviceName());
+    m_passwordState = Password::Withdrawn;
+    KRResult<void> removed = KRKeychain::removePasswordForUsername(qualifiedName(), serviceName());
+    if (removed.isError())
+        LateRemovals::shared().add(qualifiedName());
+    return removed;
 }
 
 void TwitterAccount::_loadPassword()
@@ -185,6 +220,7 @@ void TwitterAccount::_loadPassword()
 
 void TwitterAccount::_savePassword() const
 {
+    LateRemovals::shared().forget(qualifiedName());
     const bool isRefused = KRKeychain::setPassword(m_password, qualifiedName(), serviceName()).isError();
     m_passwordState = isRefused ? Password::Refused : Password::HandedOver;
     if (isRefused && EMKeychainProxy::sharedProxy().isAvailable())

@@ -78,8 +78,9 @@ public:
     /// Null when it is not known.
     QString password() const override { return m_password; }
     void setPassword(const QString& password);
-    /// Takes the stored password out of the keychain; the one in memory stays, and is not stored any more.
-    /// Removing an account from the list leaves its password stored: whoever removes it decides.
+    /// Takes the stored password out of the keychain; the one in memory stays, and is not stored or read any
+    /// more. Where that fails in a locked keyring it is done once that is open, whether the account is still
+    /// there or not. Removing an account from the list leaves its password stored: whoever removes it decides.
     KRResult<void> removePasswordFromKeychain();
 
     /// The name, and on another site than the program's own its server behind an "@": tells the account from
@@ -197,6 +198,8 @@ private:
         HandedOver,
         /// The keychain did not take it.
         Refused,
+        /// Taken out again, for an account that is none any more.
+        Withdrawn,
     };
 
     TwitterAccount(QString username, TwitterAccountContext context);

@@ -171,6 +171,7 @@ KRURLRequest KRHTTPRequest::urlRequest() const
 void KRHTTPRequest::connectionDidReceiveResponse(const KRURLResponse& response)
 {
     m_statusCode = response.statusCode;
+    m_responseURL = response.url;
     m_responseHeaders = response.headers;
     if (m_statusCode > 299) {
         m_error = errorWithDomain(QString::fromUtf16(KRHTTPRequestErrorDomain),

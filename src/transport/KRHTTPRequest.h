@@ -111,6 +111,8 @@ public:
     void setData(const QByteArray& data) { m_data = data; }
     const std::optional<KRError>& error() const { return m_error; }
     void setError(std::optional<KRError> error) { m_error = std::move(error); }
+    /// Where the last answer came from, which is elsewhere than url() after a redirect; empty without one.
+    const QUrl& responseURL() const { return m_responseURL; }
     /// The response's first header of that name (in lower case); empty when there is none.
     QByteArray responseHeader(QByteArrayView name) const;
 
@@ -173,6 +175,7 @@ private:
     int m_statusCode = 0;
     QByteArray m_data;
     std::optional<KRError> m_error;
+    QUrl m_responseURL;
     QList<std::pair<QByteArray, QByteArray>> m_responseHeaders;
     std::atomic<qint64> m_downloadContentLength = 0;
     std::atomic<qint64> m_downloadedBytes = 0;

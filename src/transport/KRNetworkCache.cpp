@@ -28,6 +28,13 @@ QString pathForURL(const QUrl& url)
     return KRFileManager::pelinorProfileImageCacheDirectory() + u'/' + name;
 }
 
+// What the networks of hotels send in place of everything. Some servers call pictures HTML too.
+bool isWebPage(const KRHTTPRequest& request)
+{
+    return request.responseHeader("content-type").toLower().startsWith("text/html")
+        && request.data().trimmed().startsWith('<');
+}
+
 /// One download, and all who wait for it.
 class Download : public std::enable_shared_from_this<Download> {
 public:
@@ -61,7 +68,7 @@ public:
 private:
     void response(KRHTTPRequest& request)
     {
-        if (!request.error() && !request.data().isEmpty()) {
+        if (!request.error() && !request.data().isEmpty() && !isWebPage(request)) {
             const KRResult<void> written = KRWriteCacheFile(m_file, request.data());
             if (written.isError())
                 KRLog(QStringLiteral("Warning: a picture is not kept: %1").arg(written.error().description));

@@ -228,7 +228,14 @@ TEST_F(TwitterAPITest, SuccessesThatAreNoneAreErrors)
     }
 
     answer(200, "<?xml version='1.0'?>\n<html xmlns='http://www.w3.org/1999/xhtml'/>");
-    EXPECT_TRUE(resultOf<bool>([](auto& api) { api.verifyCredentials(); }).isError());
+    const auto verify = [](auto& api) { api.verifyCredentials(); };
+    EXPECT_TRUE(resultOf<bool>(verify).isError());
+    answer(200, "<hash><error>Could not authenticate you.</error></hash>");
+    const auto follows = [](auto& api) { api.userIDFollowsUserID(u"1"_s, u"2"_s); };
+    for (const KRResult<bool>& refused : { resultOf<bool>(verify), resultOf<bool>(follows) }) {
+        ASSERT_TRUE(refused.isError());
+        EXPECT_EQ(refused.error().description, u"Could not authenticate you."_s);
+    }
     const auto status
         = resultFrom<TwitterStatusPtr>(u"show.deleted"_s, [](auto& api) { api.statusWithID(u"1"_s); });
     ASSERT_TRUE(status.isError());

@@ -164,7 +164,7 @@ TEST_F(ServiceHosts, LinkPrefixesEndInOneSlash)
     for (const auto& [value, prefix] : { std::pair(u"s.example"_s, u"http://s.example/"_s),
              std::pair(u"127.0.0.1:8/f//"_s, u"http://127.0.0.1:8/f/"_s),
              std::pair(u"http://s.example"_s, u"http://s.example/"_s),
-             std::pair(u"https://s.example/"_s, u"https://s.example/"_s) }) {
+             std::pair(u"HTTPS://s.example/"_s, u"https://s.example/"_s) }) {
         hosts.setValueForKey(value, u"BitlyLinkHost"_s);
         EXPECT_EQ(hosts.linkPrefixForKey("BitlyLinkHost"), prefix);
     }

@@ -150,6 +150,25 @@ TEST_F(TwitterSiteFinderTest, AsksTheDescriptionThenThePageThenGuesses)
     EXPECT_EQ(hostsOf(find(u"https://%1/"_s.arg(m_site.host()))), usual);
 }
 
+TEST_F(TwitterSiteFinderTest, ASiteThatHasMovedIsFoundWhereItIsNow)
+{
+    const KRTestServer moved(
+        [to = site()](const KRTestServer::Request& request, KRTestServer::Connection& connection) {
+            connection.respond(301, {}, "Location: https://" + to + request.target + "\r\n");
+        },
+        KRTestCertificate::Good);
+    const QString usual = u"SITE/api https://SITE/api https://SITE SITE"_s;
+    m_site.answer("/api/account/verify_credentials.xml", "no", 401);
+    EXPECT_EQ(hostsOf(find(moved.host())), usual) << "a redirect takes no password along";
+    m_site.answer("/api/statusnet/config.xml", configuration);
+    EXPECT_EQ(hostsOf(find(moved.host())), usual);
+    m_site.answer("/", "<link rel=\"EditURI\" href=\"/main/rsd\">");
+    m_site.answer("/main/rsd",
+        "<rsd><api name=\"Twitter\" apiLink=\"https://" + site() + "/x/api/\"/></rsd>");
+    m_site.answer("/x/api/statusnet/config.xml", configuration);
+    EXPECT_EQ(hostsOf(find(moved.host())), u"SITE/x/api https://SITE/x/api https://SITE/x SITE/x"_s);
+}
+
 TEST_F(TwitterSiteFinderTest, SaysWhereNothingWasFound)
 {
     const QString nothing = hostsOf(find(m_site.host()));

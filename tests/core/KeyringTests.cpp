@@ -22,7 +22,15 @@ namespace {
 /// Ends the service's threads as the program does.
 class Ending final : public testing::Environment {
 public:
-    void TearDown() override { KRSecretService::stop(); }
+    void TearDown() override
+    {
+        KRSecretService::stop();
+        // What is still to run on the main thread when the program ends may ask all the same.
+        QElapsedTimer timer;
+        timer.start();
+        EXPECT_EQ(KRSecretService::lookUp({}).status, KRSecretService::Status::Unavailable);
+        EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
+    }
 };
 [[maybe_unused]] const testing::Environment* const ending = testing::AddGlobalTestEnvironment(new Ending);
 
@@ -189,6 +197,39 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_EQ(inKeychain(u"frank"_s), u"locked in"_s) << "removing an account leaves its password";
 }
 
+TEST(Keyring, WhatIsTakenOutOfALockedKeyringGoesOnceItIsOpen)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    for (const QString& name : { u"nick"_s, u"nora"_s }) {
+        const auto twitter = makeTwitter(defaults);
+        twitter->addAccount(
+            TwitterAccount::accountWithUsername(name, u"stored"_s, twitter->accountContext()));
+    }
+    ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
+    const auto twitter = makeTwitter(defaults);
+    const TwitterAccountPtr kept = twitter->accounts().first();
+    for (const TwitterAccountPtr& account : QList<TwitterAccountPtr>(twitter->accounts())) {
+        twitter->removeAccount(account);
+        EXPECT_TRUE(account->removePasswordFromKeychain().isError());
+    }
+    // One of them is there again.
+    twitter->addAccount(TwitterAccount::accountWithUsername(u"nora"_s, u"new"_s, twitter->accountContext()));
+    unlockLikeTheUser();
+    int told = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
+            [&](const auto&) { ++told; });
+    EXPECT_TRUE(KRWaitUntil([&] {
+        if (told == 0)
+            EMKeychainProxy::sharedProxy().unlockKeychain();
+        return told > 0;
+    }));
+    EXPECT_TRUE(kept->password().isNull()) << "nobody asks for anything with it any more";
+    EXPECT_TRUE(KRKeychain::passwordForUsername(u"nick"_s, keychainService, nullptr).isNull());
+    EXPECT_EQ(KRKeychain::passwordForUsername(u"nora"_s, keychainService, nullptr), u"new"_s);
+}
+
 TEST(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
 {
     const QTemporaryDir directory;
@@ -225,6 +266,29 @@ TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " CONT"), 0);
     EXPECT_TRUE(KRWaitUntil(
         [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
+}
+
+TEST(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
+{
+    const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"olivia"_s } };
+    ASSERT_EQ(KRSecretService::store(attributes, u"test"_s, u"old"_s).status, KRSecretService::Status::Done);
+    // A second keyring of the same content, which nobody opens.
+    const QString folder = qEnvironmentVariable("PELINOR_TEST_HOME") + u"/data/keyrings/"_s;
+    ASSERT_TRUE(QFile::copy(folder + u"login.keyring"_s, folder + u"old.keyring"_s));
+    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
+    EXPECT_EQ(KRSecretService::lookUp(attributes).password, u"old"_s) << "an open keyring comes first";
+    ASSERT_EQ(KRSecretService::remove(attributes).status, KRSecretService::Status::Done);
+    const KRSecretService::Answer locked = KRSecretService::lookUp(attributes);
+    ASSERT_EQ(locked.status, KRSecretService::Status::Locked);
+    const auto isOpened = [](const QString& item) {
+        std::optional<bool> answer;
+        KRSecretService::unlockInBackground(item, [&](bool isUnlocked) { answer = isUnlocked; });
+        EXPECT_TRUE(KRWaitUntil([&] { return answer.has_value(); }));
+        return answer.value_or(false);
+    };
+    EXPECT_TRUE(isOpened({}));
+    EXPECT_FALSE(isOpened(locked.item)) << "else whoever waits would look in vain, and ask again for ever";
+    EXPECT_TRUE(QFile::remove(folder + u"old.keyring"_s));
 }
 
 TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)

@@ -276,7 +276,12 @@ TEST(KRHTTPRequest, PrefersTheBodyToTheStreamAndFailsOnAnUnreadableOne)
 TEST(KRNetworkCache, DownloadsOnceAndAnswersFromTheFileAtOnce)
 {
     KRTestServer server([](const KRTestServer::Request& request, auto& connection) {
-        connection.respond(request.target == "/missing.png" ? 404 : 200, "picture");
+        if (request.target == "/portal.png")
+            connection.respond(200, " <html>Log in", "Content-Type: text/html\r\n");
+        else
+            connection.respond(request.target == "/missing.png" ? 404 : 200,
+                "picture",
+                "Content-Type: text/html\r\n");
     });
     struct Receiver {
         std::atomic<int> count = 0;
@@ -310,6 +315,11 @@ TEST(KRNetworkCache, DownloadsOnceAndAnswersFromTheFileAtOnce)
     EXPECT_EQ(receiver->code, 404);
     EXPECT_TRUE(KRNetworkCache::cachedDataForURL(server.url(u"/missing.png"_s)).isNull());
 
+    KRNetworkCache::request(server.url(u"/portal.png"_s), Callback(receiver, &Receiver::took));
+    ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 4; }));
+    EXPECT_TRUE(KRNetworkCache::cachedDataForURL(server.url(u"/portal.png"_s)).isNull());
+    receiver->count = 3;
+
     // Five who ask at once wait for one download; so does who finds what a power cut left.
     const QUrl wanted = server.url(u"/wanted.png"_s);
     (void)KRNetworkCache::cachedDataForURL(wanted, &file);
@@ -317,7 +327,7 @@ TEST(KRNetworkCache, DownloadsOnceAndAnswersFromTheFileAtOnce)
     for (int asker = 0; asker < 5; ++asker)
         KRNetworkCache::request(wanted, Callback(receiver, &Receiver::took));
     ASSERT_TRUE(KRWaitUntil([&] { return receiver->count == 8; }));
-    EXPECT_EQ(server.requestCount(), 3);
+    EXPECT_EQ(server.requestCount(), 4);
     EXPECT_EQ(KRNetworkCache::cachedDataForURL(wanted), QByteArray("picture"));
     EXPECT_EQ(QFile::permissions(file),
         QFile::permissions(file) & ~(QFileDevice::ReadGroup | QFileDevice::ReadOther));

@@ -67,7 +67,7 @@ void TwitterAccountStream::_requestNewer(TwitterStatusesOperations&)
 
 void TwitterAccountStream::_requestOlder(TwitterStatusesOperations& request)
 {
-    _requestBelow(request, oldestStatusID());
+    _requestBelow(request, oldestReceivedID());
 }
 
 void TwitterAccountStream::_requestBelow(TwitterStatusesOperations&, const QString&)

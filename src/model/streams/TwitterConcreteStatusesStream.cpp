@@ -3,6 +3,7 @@
 #include "foundation/KRClock.h"
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
+#include "model/records/TwitterRecordOrder.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterStatusStreamFilter.h"
@@ -148,6 +149,14 @@ QString TwitterConcreteStatusesStream::oldestStatusID() const
     return status ? status->statusID() : QString();
 }
 
+QString TwitterConcreteStatusesStream::oldestReceivedID() const
+{
+    const QString oldest = oldestStatusID();
+    const bool isDroppedLower = !m_lowestDroppedID.isNull()
+        && (oldest.isNull() || std::is_lt(compareTwitterIDs(m_lowestDroppedID, oldest)));
+    return isDroppedLower ? m_lowestDroppedID : oldest;
+}
+
 void TwitterConcreteStatusesStream::markAtEnd()
 {
     m_isAtEnd = true;
@@ -240,13 +249,22 @@ bool TwitterConcreteStatusesStream::_isKnownWithoutID(const TwitterStatus& statu
            });
 }
 
+void TwitterConcreteStatusesStream::_noteDropped(const QString& statusID)
+{
+    if (!statusID.isNull()
+        && (m_lowestDroppedID.isNull() || std::is_lt(compareTwitterIDs(statusID, m_lowestDroppedID))))
+        m_lowestDroppedID = statusID;
+}
+
 void TwitterConcreteStatusesStream::addStatuses(const TwitterStatusList& statuses)
 {
     const TwitterStatusList definitive = m_tables->definitiveStatuses(statuses);
     TwitterStatusList merged = m_statuses;
-    for (const TwitterStatusPtr& status : KRAdditions::mapFunction(definitive, FilterWithUserDefaults)) {
+    for (const TwitterStatusPtr& status : definitive) {
+        if (!FilterWithUserDefaults(status))
+            _noteDropped(status->statusID());
         // What has no ID is equal to nothing else, and would come again with every load.
-        if (!_isKnownWithoutID(*status))
+        else if (!_isKnownWithoutID(*status))
             merged.append(status);
     }
     merged = KRAdditions::sortedArray(KRAdditions::arrayWithoutDuplicates(merged));

@@ -1,8 +1,12 @@
 #include "KRTestStreamAccount.h"
 #include "foundation/KRMainThreadObject.h"
 #include "foundation/KRNotificationCenter.h"
+#include "foundation/KRUserDefaults.h"
 #include "model/streams/TwitterDummyStatus.h"
+#include "model/streams/TwitterStatusStreamFilter.h"
 #include "model/streams/TwitterUserStream.h"
+
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -10,11 +14,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray page(int first, int last)
+QByteArray page(int first, int last, const QByteArray& text = "text")
 {
     QList<QByteArray> elements;
     for (int id = last; id >= first; --id)
-        elements.append(KRTestSite::status(id, "you", "text"));
+        elements.append(KRTestSite::status(id, "you", text));
     return KRTestSite::statuses(elements);
 }
 
@@ -116,6 +120,31 @@ TEST_F(StreamLoading, EndsWithAShortOrFailedOlderPage)
         ASSERT_TRUE(waitForOlder(*stream));
         EXPECT_EQ(m_site.requests().size() - requests, test.ends ? 0 : 1);
     }
+}
+
+TEST_F(StreamLoading, GetsPastAnOlderPageThatTheUserFilters)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    defaults.setStringList("filterTerms", { u"unwanted"_s });
+    ReadFilterTerms(defaults);
+    m_site.answer("/statuses/home_timeline.xml", [](const KRTestServer::Request& request) {
+        const bool isSecond = request.target.contains("max_id=50");
+        return KRTestSite::Answer { 200,
+            isSecond                             ? page(30, 49, "unwanted")
+                : request.target.contains("max") ? page(11, 30)
+                                                 : page(50, 69) };
+    });
+    const auto stream = makeStream<TwitterTimelineStream>();
+    ASSERT_TRUE(waitForNewer(*stream) && waitForOlder(*stream));
+    EXPECT_EQ(stream->oldestStatusID(), u"50"_s);
+    ASSERT_TRUE(waitForOlder(*stream));
+    EXPECT_EQ(m_site.targets().last(), "/statuses/home_timeline.xml?max_id=30&count=200");
+    EXPECT_EQ(stream->oldestStatusID(), u"11"_s);
+    ASSERT_TRUE(waitForOlder(*stream));
+    EXPECT_EQ(m_site.targets().last(), "/statuses/home_timeline.xml?max_id=11&count=200");
+    defaults.removeObjectForKey("filterTerms");
+    ReadFilterTerms(defaults);
 }
 
 TEST_F(StreamLoading, SendsOneRequestAtATimeInEachDirection)
