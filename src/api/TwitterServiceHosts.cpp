@@ -139,6 +139,28 @@ QString TwitterServiceHosts::webRoot() const
     return url.isError() ? QString() : url.value().toString(QUrl::FullyEncoded);
 }
 
+QStringList TwitterServiceHosts::protectedServers() const
+{
+    QStringList servers;
+    for (const KRResult<QUrl>& url :
+        { RESTURLForPath({}), searchURLForPath({}), KRResult<QUrl>(QUrl(webRoot())) })
+        servers.append(url.isError() ? QString() : KRServerCertificate::serverOfURL(url.value()));
+    servers.removeAll(QString());
+    servers.removeDuplicates();
+    return servers;
+}
+
+QList<KRServerCertificate> TwitterServiceHosts::trustedCertificates() const
+{
+    QList<KRServerCertificate> certificates;
+    for (const QString& server : protectedServers()) {
+        const QString fingerprint = KRTrustedCertificates::fingerprintForServer(server);
+        if (!fingerprint.isEmpty())
+            certificates.append({ server, fingerprint });
+    }
+    return certificates;
+}
+
 QUrl TwitterServiceHosts::webURLForUser(const QString& username) const
 {
     const QString root = webRoot();

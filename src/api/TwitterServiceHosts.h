@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/KRResult.h"
+#include "transport/KRServerCertificate.h"
 
 #include <QHash>
 #include <QString>
@@ -70,6 +71,10 @@ public:
     /// What the addresses of the service's pages begin with, up to and with a slash: https unless the host is
     /// written with http. Null without a host, or when what is set is none.
     [[nodiscard]] QString webRoot() const;
+    /// The servers of the service itself that are asked over https, each once, as certificates name them.
+    [[nodiscard]] QStringList protectedServers() const;
+    /// The certificates that are trusted for these now.
+    [[nodiscard]] QList<KRServerCertificate> trustedCertificates() const;
     /// A person's page; empty without a host. Names are encoded.
     [[nodiscard]] QUrl webURLForUser(const QString& username) const;
 

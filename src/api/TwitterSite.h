@@ -13,4 +13,6 @@ struct TwitterSite {
     std::optional<qint32> textLimit = {};
     /// Whether it takes pictures itself.
     bool takesUploads = false;
+    /// The certificates of its servers that the user trusts although nobody vouches for them.
+    QList<KRServerCertificate> certificates = {};
 };

@@ -178,6 +178,7 @@ void TwitterSiteFinder::findSite(const QString& typed, const KRCallback<TwitterS
 TwitterSiteFinder::TwitterSiteFinder(const QUrl& root, KRCallback<TwitterSite> callback)
     : m_callback(std::move(callback))
     , m_server(root.authority())
+    , m_protectedServer(KRServerCertificate::serverOfURL(root))
 {
     const QList<QUrl> folders = foldersOf(root);
     for (const QUrl& folder : folders)
@@ -192,6 +193,10 @@ TwitterSiteFinder::TwitterSiteFinder(const QUrl& root, KRCallback<TwitterSite> c
 
 void TwitterSiteFinder::_next()
 {
+    if (m_steps.empty() && m_certificateError) {
+        m_callback.invoke(*m_certificateError);
+        return;
+    }
     if (m_steps.empty()) {
         const QString reason
             = m_error.description.isEmpty() ? QString() : u" (%1)"_s.arg(m_error.description);
@@ -217,6 +222,15 @@ void TwitterSiteFinder::_answered(KRHTTPRequest& request)
     if (request.error())
         m_error = *request.error();
     const bool isGood = !request.error();
+    if (const auto refused = KRServerCertificate::refusedByError(m_error); refused && !isGood) {
+        if (!m_certificateError)
+            m_certificateError = m_error;
+        // Everything else there would be refused as well.
+        if (refused->server == m_protectedServer)
+            m_steps.clear();
+        _next();
+        return;
+    }
     switch (m_step.kind) {
     case Kind::Description:
         if (const QUrl base = isGood ? interfaceInDescription(request.data()) : QUrl(); !base.isEmpty()) {
@@ -272,5 +286,6 @@ void TwitterSiteFinder::_found(TwitterSite site)
     site.hosts.setValueForKey(interface, QLatin1String(TwitterServiceHosts::RESTHostKey));
     site.hosts.setValueForKey(u"https://"_s + interface, QLatin1String(TwitterServiceHosts::searchHostKey));
     site.hosts.setValueForKey(u"https://"_s + web, QLatin1String(TwitterServiceHosts::webHostKey));
+    site.certificates = site.hosts.trustedCertificates();
     m_callback.invoke(site);
 }

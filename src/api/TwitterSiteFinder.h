@@ -19,7 +19,7 @@ class KRHTTPRequest;
 class TwitterSiteFinder : public std::enable_shared_from_this<TwitterSiteFinder> {
 public:
     /// The callback is invoked on the background thread, with an error for people to read when no interface
-    /// was found.
+    /// was found. Where that is because of a certificate the error tells of it.
     static void findSite(const QString& typed, const KRCallback<TwitterSite>& callback);
 
     /// The address that a typed text stands for: a host, with or without scheme and folder, a whole address
@@ -54,10 +54,14 @@ private:
 
     KRCallback<TwitterSite> m_callback;
     QString m_server;
+    // The same as certificates name it.
+    QString m_protectedServer;
     std::deque<Step> m_steps;
     Step m_step {};
     // Of the interface that is being tried.
     QUrl m_base;
     // The last failure, for when there is nothing else to tell.
     KRError m_error;
+    // The first refusal of a certificate: it may be all that is between here and the service.
+    std::optional<KRError> m_certificateError;
 };

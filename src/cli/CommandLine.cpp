@@ -62,7 +62,7 @@ private:
             value = m_arguments.at(m_next++);
         }
         if (!form->apply(m_line, value))
-            _fail(u"%1 needs a number"_s.arg(name));
+            _fail(u"%1 needs %2"_s.arg(name, QLatin1String(form->needs)));
         m_usedOptions.append(form);
     }
 

@@ -45,6 +45,8 @@ struct CommandLine {
 
     QString servicesFile;
     QString caFile;
+    /// Of the certificate to trust for the servers of the service.
+    QString trustedFingerprint;
     QString account;
     bool passwordFromStandardInput = false;
     bool asJSON = false;

@@ -34,6 +34,11 @@ TwitterAccountPtr CommandRunner::_findAccount(const QString& password) const
 void CommandRunner::start(const QString& password)
 {
     m_account = _findAccount(password);
+    // For this run; what an account keeps is for the program with windows to say.
+    if (!m_line.trustedFingerprint.isEmpty()) {
+        for (const QString& server : m_account->context().hosts.protectedServers())
+            KRTrustedCertificates::trust({ server, m_line.trustedFingerprint });
+    }
     if (!_startReading() && !_startWriting() && !_startMessagesOrSearch())
         _startOutsideService();
 }

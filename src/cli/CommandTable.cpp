@@ -1,5 +1,7 @@
 #include "cli/CommandTable.h"
 
+#include "transport/KRServerCertificate.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -79,6 +81,12 @@ bool setNumber(CommandLine& line, const QString& value)
     return isNumber && number >= 0;
 }
 
+bool setFingerprint(CommandLine& line, const QString& value)
+{
+    line.trustedFingerprint = KRServerCertificate::fingerprintFromText(value);
+    return !line.trustedFingerprint.isEmpty();
+}
+
 constexpr OptionForm optionForms[] = {
     { "--services",
         "FILE",
@@ -90,6 +98,13 @@ constexpr OptionForm optionForms[] = {
         0,
         "certificate authorities to trust beside the system's, as PEM",
         setText<&CommandLine::caFile> },
+    { "--trust-certificate",
+        "FINGERPRINT",
+        0,
+        "trust the certificate with this SHA-256 fingerprint for the servers of the service, whoever made it",
+        setFingerprint,
+        false,
+        "a SHA-256 fingerprint" },
     { "--account",
         "NAME",
         0,

@@ -34,6 +34,8 @@ struct OptionForm {
     bool (*apply)(CommandLine& line, const QString& value);
     /// Whether a synopsis shows it. Those of lists are told together.
     bool isInSynopsis = false;
+    /// What values that make sense are.
+    const char* needs = "a number";
 
     /// The name and the value, as "--page N".
     [[nodiscard]] QString synopsis() const;

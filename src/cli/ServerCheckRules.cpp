@@ -89,7 +89,8 @@ ServerCheckResult tls(const KRResult<TwitterStatusList>& answer)
         return failure(check,
             answer.error(),
             u"Pelinor sends nothing to a server that cannot prove its name. If the site has an authority of "
-            "its own, give its certificate with --ca-file."_s);
+            "its own, give its certificate with --ca-file. If it made its certificate itself, compare the "
+            "fingerprint with what the site's operator says, and give it with --trust-certificate."_s);
     }
     return notTried(check, u"No server was reached"_s);
 }

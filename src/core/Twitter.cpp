@@ -91,6 +91,43 @@ TwitterAccountContext Twitter::accountContextForSite(const TwitterSite& site)
     return _contextForSite(site);
 }
 
+void Twitter::trustCertificate(const KRServerCertificate& certificate)
+{
+    _setFingerprintOfServer(certificate.server, certificate.fingerprint);
+}
+
+void Twitter::stopTrustingCertificateOfServer(const QString& server)
+{
+    _setFingerprintOfServer(server, {});
+}
+
+void Twitter::_setFingerprintOfServer(const QString& server, const QString& fingerprint)
+{
+    // A copy: whoever hears of it may change the list.
+    const QList<TwitterAccountPtr> accounts = m_accounts;
+    for (const TwitterAccountPtr& account : accounts) {
+        QList<KRServerCertificate> certificates = account->certificates();
+        certificates.removeIf([&server](const KRServerCertificate& one) { return one.server == server; });
+        if (!fingerprint.isEmpty() && account->context().hosts.protectedServers().contains(server))
+            certificates.append({ server, fingerprint });
+        account->setCertificates(certificates);
+    }
+    restoreTrustInServer(server);
+}
+
+void Twitter::restoreTrustInServer(const QString& server)
+{
+    for (const TwitterAccountPtr& account : std::as_const(m_accounts)) {
+        for (const KRServerCertificate& certificate : account->certificates()) {
+            if (certificate.server == server) {
+                KRTrustedCertificates::trust(certificate);
+                return;
+            }
+        }
+    }
+    KRTrustedCertificates::stopTrusting(server);
+}
+
 QStringList Twitter::servers() const
 {
     QStringList servers { m_environment.hosts->server() };
@@ -113,10 +150,16 @@ void Twitter::_loadAccounts()
         return;
     }
     for (const KRKeyedUnarchiver& account : coder.value().decodeObjects("accounts"_L1)) {
-        const std::optional<TwitterSite> site
-            = m_environment.hostsAreForAll ? std::nullopt : TwitterAccount::siteWithCoder(account);
-        m_accounts.append(
-            TwitterAccount::accountWithCoder(account, site ? _contextForSite(*site) : accountContext()));
+        const std::optional<TwitterSite> site = TwitterAccount::siteWithCoder(account);
+        // Before the first request.
+        for (const KRServerCertificate& certificate :
+            site ? site->certificates : QList<KRServerCertificate>())
+            KRTrustedCertificates::trust(certificate);
+        TwitterAccountContext context
+            = site && !m_environment.hostsAreForAll ? _contextForSite(*site) : accountContext();
+        // Kept for a run in which its own hosts count again.
+        context.site = site;
+        m_accounts.append(TwitterAccount::accountWithCoder(account, std::move(context)));
     }
 }
 
@@ -167,6 +210,9 @@ void Twitter::addAccount(const TwitterAccountPtr& account)
 {
     const TwitterAccountPtr added = account;
     m_accounts.append(added);
+    // Those who are signed in there already trust it, too.
+    for (const KRServerCertificate& certificate : added->certificates())
+        trustCertificate(certificate);
     _saveAccounts();
     if (m_accounts.contains(added))
         added->refresh();
@@ -177,6 +223,8 @@ void Twitter::removeAccount(const TwitterAccountPtr& account)
     // Kept: the argument may be an element of the list.
     const TwitterAccountPtr removed = account;
     m_accounts.removeIf([&removed](const TwitterAccountPtr& one) { return one->isEqual(*removed); });
+    for (const KRServerCertificate& certificate : removed->certificates())
+        restoreTrustInServer(certificate.server);
     _saveAccounts();
 }
 

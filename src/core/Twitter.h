@@ -106,11 +106,19 @@ public:
     /// What accounts of a site are made with. The first site of a program without hosts becomes its own one,
     /// and is kept in the defaults.
     [[nodiscard]] TwitterAccountContext accountContextForSite(const TwitterSite& site);
+    /// Trusts a certificate that nobody vouches for, in place of the one before, for every account that signs
+    /// in to the server.
+    void trustCertificate(const KRServerCertificate& certificate);
+    void stopTrustingCertificateOfServer(const QString& server);
+    /// The server is trusted as its accounts say, and not without one: takes back a trust that came to
+    /// nothing.
+    void restoreTrustInServer(const QString& server);
     /// The servers of the accounts, and of the program's own table, each once.
     [[nodiscard]] QStringList servers() const;
 
 private:
     void _loadAccounts();
+    void _setFingerprintOfServer(const QString& server, const QString& fingerprint);
     void _saveAccounts();
     void _saveChanges();
     void _write(const KRKeyedArchiver& archiver);

@@ -152,13 +152,17 @@ void TwitterAccount::_encodeWithoutPassword(KRKeyedArchiver& coder) const
     if (!m_context.site)
         return;
     QStringList hosts;
-    for (const QString& key : m_context.hosts.keys())
-        hosts << key << m_context.hosts.valueForKey(key);
+    for (const QString& key : m_context.site->hosts.keys())
+        hosts << key << m_context.site->hosts.valueForKey(key);
     coder.encodeStrings("siteHosts"_L1, hosts);
     coder.encodeString("siteName"_L1, m_context.site->name);
     coder.encodeInteger("siteTakesUploads"_L1, m_context.site->takesUploads ? 1 : 0);
     if (m_context.site->textLimit)
         coder.encodeInteger("siteTextLimit"_L1, *m_context.site->textLimit);
+    QStringList certificates;
+    for (const KRServerCertificate& certificate : std::as_const(m_context.site->certificates))
+        certificates << certificate.server << certificate.fingerprint;
+    coder.encodeStrings("siteCertificates"_L1, certificates);
 }
 
 std::optional<TwitterSite> TwitterAccount::siteWithCoder(const KRKeyedUnarchiver& coder)
@@ -173,7 +177,25 @@ std::optional<TwitterSite> TwitterAccount::siteWithCoder(const KRKeyedUnarchiver
     site.takesUploads = coder.decodeInteger("siteTakesUploads"_L1).value_or(0) != 0;
     if (const std::optional<qint64> limit = coder.decodeInteger("siteTextLimit"_L1))
         site.textLimit = qint32(*limit);
+    const QStringList certificates = coder.decodeStrings("siteCertificates"_L1);
+    for (qsizetype server = 0; server + 1 < certificates.size(); server += 2)
+        site.certificates.append({ certificates.at(server), certificates.at(server + 1) });
     return site;
+}
+
+QList<KRServerCertificate> TwitterAccount::certificates() const
+{
+    return m_context.site ? m_context.site->certificates : QList<KRServerCertificate>();
+}
+
+void TwitterAccount::setCertificates(const QList<KRServerCertificate>& certificates)
+{
+    if (this->certificates() == certificates)
+        return;
+    if (!m_context.site)
+        m_context.site = TwitterSite { m_context.hosts };
+    m_context.site->certificates = certificates;
+    _postArchiveDidChange();
 }
 
 QString TwitterAccount::qualifiedName() const
@@ -189,7 +211,8 @@ bool TwitterAccount::isNamed(const QString& name) const
 
 qint32 TwitterAccount::longestPost() const
 {
-    return m_context.site ? m_context.site->textLimit.value_or(usualLongestPost) : usualLongestPost;
+    const bool isAtItsSite = m_context.site && m_context.site->hosts.server() == m_context.hosts.server();
+    return isAtItsSite ? m_context.site->textLimit.value_or(usualLongestPost) : usualLongestPost;
 }
 
 void TwitterAccount::setPassword(const QString& password)

@@ -92,6 +92,10 @@ public:
     [[nodiscard]] qint32 longestPost() const;
     /// What sites take that do not say.
     static constexpr qint32 usualLongestPost = 140;
+    /// The certificates of the account's servers that are trusted although nobody vouches for them.
+    [[nodiscard]] QList<KRServerCertificate> certificates() const;
+    /// Changes what is archived; Twitter tells the transport.
+    void setCertificates(const QList<KRServerCertificate>& certificates);
     /// The site an account was archived with, if it was with one.
     [[nodiscard]] static std::optional<TwitterSite> siteWithCoder(const KRKeyedUnarchiver& coder);
 

@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <cstring>
 #include <dlfcn.h>
 
 namespace {
@@ -26,6 +27,7 @@ public:
             qFatal("%s", ::dlerror());
         function = reinterpret_cast<Function>(address);
     }
+    [[nodiscard]] void* library() const { return m_library; }
 
 private:
     void* m_library;
@@ -62,4 +64,14 @@ KRCurlLibrary::KRCurlLibrary()
     decltype(&curl_global_init) globalInit = nullptr;
     library.find(globalInit, "curl_global_init");
     globalInit(CURL_GLOBAL_DEFAULT);
+    decltype(&curl_version) version = nullptr;
+    library.find(version, "curl_version");
+    m_library = library.library();
+    m_usesOpenSSL = std::strstr(version(), " OpenSSL/") != nullptr;
+}
+
+void* KRCurlLibrary::OpenSSLFunction(const char* name) const
+{
+    // Looked for in the libraries that libcurl brought along, too.
+    return m_usesOpenSSL ? ::dlsym(m_library, name) : nullptr;
 }

@@ -30,6 +30,13 @@ struct KRCurlLibrary {
     decltype(&curl_slist_append) listAppend = nullptr;
     decltype(&curl_slist_free_all) listFree = nullptr;
 
+    /// A function of the OpenSSL that libcurl does its TLS with; null when it has none of the name, or does
+    /// its TLS with something else.
+    [[nodiscard]] void* OpenSSLFunction(const char* name) const;
+
 private:
     KRCurlLibrary();
+
+    void* m_library = nullptr;
+    bool m_usesOpenSSL = false;
 };

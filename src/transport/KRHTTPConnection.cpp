@@ -1,8 +1,10 @@
 #include "transport/KRHTTPConnection.h"
 
 #include "foundation/KRLog.h"
+#include "transport/KRCertificateCheck.h"
 #include "transport/KRCurlLibrary.h"
 #include "transport/KRInputStream.h"
+#include "transport/KRServerCertificate.h"
 
 #include <QByteArrayList>
 #include <QFile>
@@ -88,6 +90,7 @@ bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error)
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_ISSUER_ERROR:
     case CURLE_SSL_INVALIDCERTSTATUS:
+    case KRHTTPConnectionErrorCertificateChanged:
         return true;
     default:
         return false;
@@ -140,6 +143,7 @@ void KRHTTPConnection::_beginHop()
     m_errorText[0] = '\0';
     m_handle = m_engine->takeHandle();
     _setUpCommonOptions();
+    _setUpCertificateCheck();
     _setUpMethodAndBody();
     _setUpHeaders();
     const QByteArray host
@@ -183,6 +187,19 @@ void KRHTTPConnection::_setUpCommonOptions()
         curl().easySetOption(m_handle, CURLOPT_XFERINFOFUNCTION, &KRHTTPConnection::_progressCallback);
         curl().easySetOption(m_handle, CURLOPT_XFERINFODATA, this);
     }
+}
+
+void KRHTTPConnection::_setUpCertificateCheck()
+{
+    m_certificateCheck.reset();
+    if (m_needsNewConnection)
+        curl().easySetOption(m_handle, CURLOPT_FRESH_CONNECT, 1L);
+    m_needsNewConnection = false;
+    const QString server = KRServerCertificate::serverOfURL(m_url);
+    if (!server.isEmpty())
+        m_certificateCheck = std::make_unique<KRCertificateCheck>(m_handle,
+            m_url,
+            KRTrustedCertificates::fingerprintForServer(server));
 }
 
 bool KRHTTPConnection::_hasBody() const
@@ -391,6 +408,12 @@ void KRHTTPConnection::_noteSent(qint64 sent, qint64 total)
 
 void KRHTTPConnection::transferDidEnd(CURL*, int code)
 {
+    if (m_certificateCheck && m_certificateCheck->hasRefusedOldConnection()) {
+        // Nothing has been sent.
+        m_needsNewConnection = true;
+        _beginHop();
+        return;
+    }
     if (m_location && !m_ownError && (code == CURLE_OK || code == CURLE_WRITE_ERROR)) {
         if (const std::optional<KRError> error = _redirectTo(*m_location))
             _fail(*error);
@@ -409,11 +432,35 @@ void KRHTTPConnection::_fail(const KRError& error)
     m_delegate->connectionDidFailWithError(error);
 }
 
+std::optional<KRError> KRHTTPConnection::_certificateError(int code, const QString& detail) const
+{
+    if (code != CURLE_PEER_FAILED_VERIFICATION || !m_certificateCheck)
+        return std::nullopt;
+    const KRServerCertificate certificate { KRServerCertificate::serverOfURL(m_url),
+        m_certificateCheck->fingerprint() };
+    if (certificate.fingerprint.isEmpty())
+        return std::nullopt;
+    KRError error = m_certificateCheck->isAnotherTrusted()
+        ? connectionError(KRHTTPConnectionErrorCertificateChanged,
+            QStringLiteral("The certificate of the server %1 has changed and is not the one that is trusted, "
+                           "so nothing was sent. Its SHA-256 fingerprint is now %2")
+                .arg(m_url.host(), certificate.fingerprint))
+        : connectionError(code,
+            QStringLiteral(
+                "The identity of the server %1 could not be verified (%2). The SHA-256 fingerprint "
+                "of its certificate is %3")
+                .arg(m_url.host(), detail, certificate.fingerprint));
+    error.details = certificate.errorDetails();
+    return error;
+}
+
 KRError KRHTTPConnection::_errorForCode(int code) const
 {
     const QString host = m_url.host();
     const QString detail
         = QString::fromUtf8(m_errorText[0] ? m_errorText : curl().easyErrorText(static_cast<CURLcode>(code)));
+    if (const std::optional<KRError> error = _certificateError(code, detail))
+        return *error;
     QString text;
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:

@@ -12,6 +12,7 @@
 #include <optional>
 #include <utility>
 
+class KRCertificateCheck;
 class KRInputStream;
 struct curl_slist;
 
@@ -25,9 +26,11 @@ enum KRHTTPConnectionErrorCode {
     KRHTTPConnectionErrorTooLarge = -4,
     KRHTTPConnectionErrorBadURL = -5,
     KRHTTPConnectionErrorUnreadableBody = -6,
+    KRHTTPConnectionErrorCertificateChanged = -7,
 };
 
-/// Whether a connection failed because the server could not prove its name or speaks no usable TLS.
+/// Whether a connection failed because the server could not prove its name or speaks no usable TLS. Which
+/// certificate it showed is told by KRServerCertificate::refusedByError().
 [[nodiscard]] bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error);
 
 /// A request that makes no progress for so long fails.
@@ -93,7 +96,8 @@ public:
 };
 
 /// One exchange with a server, redirects included, on libcurl.
-///  - TLS is verified against the system's authorities and the extra file; cookies are neither sent nor kept.
+///  - TLS is verified against the system's authorities and the extra file, and where a certificate is trusted
+///    for the server (KRTrustedCertificates) against that one; cookies are neither sent nor kept.
 ///  - A GET may reuse a connection, and is sent again should that one turn out closed. Everything else
 ///    travels on a fresh connection, once.
 ///  - Redirects (RFC 9110, 15.4) are followed here, not by libcurl: at most `maxRedirects` deep, never from
@@ -114,6 +118,7 @@ public:
 private:
     void _beginHop();
     void _setUpCommonOptions();
+    void _setUpCertificateCheck();
     void _setUpMethodAndBody();
     void _setUpHeaders();
     void _receiveHeaderLine(QByteArrayView line);
@@ -125,6 +130,7 @@ private:
     void _noteSent(qint64 sent, qint64 total);
     [[nodiscard]] bool _hasBody() const;
     [[nodiscard]] KRError _errorForCode(int code) const;
+    [[nodiscard]] std::optional<KRError> _certificateError(int code, const QString& detail) const;
     void _fail(const KRError& error);
     void _releaseHeaders();
 
@@ -142,6 +148,8 @@ private:
     // This hop's; the engine's again once the hop has ended.
     CURL* m_handle = nullptr;
     QUrl m_url;
+    std::unique_ptr<KRCertificateCheck> m_certificateCheck;
+    bool m_needsNewConnection = false;
     int m_redirects = 0;
     bool m_leftOrigin = false;
     KRURLResponse m_response;

@@ -178,3 +178,36 @@ TEST_F(TwitterSiteFinderTest, SaysWhereNothingWasFound)
     for (const QByteArray& target : m_site.targets())
         EXPECT_FALSE(target.startsWith("POST"));
 }
+
+TEST_F(TwitterSiteFinderTest, ARefusedCertificateIsToldAndATrustedOneIsTheSites)
+{
+    KRTestSite elsewhere;
+    for (KRTestSite* const site : { &m_site, &elsewhere })
+        site->changeCertificate();
+    const KRServerCertificate own { m_site.host(), m_site.fingerprint() };
+    const KRServerCertificate other { elsewhere.host(), elsewhere.fingerprint() };
+    const auto refused = [this] {
+        const KRResult<TwitterSite> found = find(m_site.host());
+        return found.isError() ? KRServerCertificate::refusedByError(found.error()) : std::nullopt;
+    };
+    EXPECT_EQ(refused(), own);
+    EXPECT_TRUE(m_site.targets().isEmpty());
+
+    // Another server may stand for the interface: its certificate is another decision, if it comes to that.
+    KRTrustedCertificates::trust(own);
+    const QByteArray interface = elsewhere.host().toUtf8();
+    m_site.answer("/rsd.xml",
+        "<rsd><api name=\"Twitter\" apiLink=\"https://" + interface + "/api/\"/></rsd>");
+    EXPECT_EQ(refused(), other);
+    m_site.answer("/api/statusnet/config.xml", configuration);
+    const KRResult<TwitterSite> here = find(m_site.host());
+    ASSERT_FALSE(here.isError()) << here.error().description.toStdString();
+    EXPECT_EQ(here.value().certificates, QList { own });
+    KRTrustedCertificates::trust(other);
+    elsewhere.answer("/api/statusnet/config.xml", configuration);
+    const KRResult<TwitterSite> there = find(m_site.host());
+    ASSERT_FALSE(there.isError()) << there.error().description.toStdString();
+    EXPECT_EQ(there.value().certificates, QList { other });
+    for (const KRServerCertificate& certificate : { own, other })
+        KRTrustedCertificates::stopTrusting(certificate.server);
+}

@@ -74,6 +74,102 @@ TEST_F(Journey, ASiteOneOnlyHasToName)
     EXPECT_TRUE(timelineIsFilled());
 }
 
+TEST_F(Journey, ACertificateThatOnlyThisPersonTrusts)
+{
+    end();
+    KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+    settings.extraCAFile.clear();
+    KRHTTPTransportSettings::setCurrent(settings);
+    start(Services::ToBeFound);
+    const QString server = m_service.httpsHost();
+    const auto trusted = [&server] { return KRTrustedCertificates::fingerprintForServer(server); };
+    PelinorLoginWindowController* login = m_delegate->loginWindowController();
+    const auto answer = [&] { return find<QLabel>(login->window(), u"serverAnswer"_s)->text(); };
+    const auto button = [](QWidget& parent) {
+        auto* const one = find<QAbstractButton>(parent, u"certificateButton"_s);
+        EXPECT_TRUE(waitFor([one] { return one->isVisible(); }));
+        return one;
+    };
+    find<QLineEdit>(login->window(), u"usernameField"_s)->setText(u"alice"_s);
+    find<QLineEdit>(login->window(), u"passwordField"_s)->setText(u"wonderland"_s);
+    auto* const field = find<QComboBox>(login->window(), u"serverField"_s);
+    field->setEditText(server);
+    login->login();
+    QAbstractButton* const trust = button(login->window());
+    const QString fingerprint = find<QLabel>(login->window(), u"certificateFingerprint"_s)->text();
+    EXPECT_EQ(fingerprint.count(u'\n'), 3) << fingerprint.toStdString();
+    // Nothing but the button trusts it, and going elsewhere takes that back.
+    login->login();
+    EXPECT_TRUE(waitFor([&] { return trust->isVisible(); }));
+    EXPECT_EQ(trusted(), QString());
+    const auto* const explanation = find<QLabel>(login->window(), u"certificateExplanation"_s);
+    EXPECT_TRUE(waitFor([&] {
+        return explanation->height() >= explanation->heightForWidth(explanation->width());
+    })) << "all of it is there to read";
+    // The button stays where it is while the field is left for it.
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&login->window()));
+    field->setFocus();
+    QTest::mouseClick(trust, Qt::LeftButton);
+    EXPECT_EQ(trusted(), KRServerCertificate::fingerprintFromText(fingerprint));
+    field->setEditText(u"localhost"_s);
+    EXPECT_EQ(trusted(), QString());
+    field->setEditText(server);
+    login->login();
+    button(login->window())->click();
+    EXPECT_TRUE(waitFor([&] { return answer().startsWith(u"Found: "); })) << answer().toStdString();
+    EXPECT_FALSE(trust->isVisible());
+    EXPECT_EQ(m_delegate->mainWindowController(), nullptr) << "no password was sent before that was seen";
+    login->login();
+    ASSERT_TRUE(waitFor([this] { return m_delegate->mainWindowController() != nullptr; }));
+    EXPECT_TRUE(timelineIsFilled());
+
+    // The next start knows it, and the account tells of it and can do without.
+    end();
+    KRTrustedCertificates::stopTrusting(server);
+    start(Services::ToBeFound);
+    ASSERT_NE(m_delegate->mainWindowController(), nullptr);
+    EXPECT_TRUE(timelineIsFilled());
+    QMainWindow& preferences = m_delegate->preferencesWindowController().window();
+    m_delegate->preferencesWindowController().accounts();
+    find<QListWidget>(preferences, u"accountsTable"_s)->setCurrentRow(0);
+    find<QAbstractButton>(preferences, u"accountDetailsButton"_s)->click();
+    auto* const sheet = find<QDialog>(preferences, u"accountDetailsSheet"_s);
+    EXPECT_EQ(find<QLabel>(*sheet, u"certificateFingerprint"_s)->text(), fingerprint);
+    button(*sheet)->click();
+    EXPECT_EQ(trusted(), QString());
+    window().topList()->refresh();
+    EXPECT_TRUE(
+        waitFor([this] { return window().statusStrip().error().contains(u"could not be verified"); }));
+    const auto checkAndTrust = [&](const QString& told) {
+        EXPECT_TRUE(
+            waitFor([&] { return sheet->findChildren<QLabel*>(u"certificateFingerprint"_s).isEmpty(); }));
+        find<QAbstractButton>(*sheet, u"checkCertificateButton"_s)->click();
+        const auto isOffered = [&] {
+            for (QAbstractButton* const one : sheet->findChildren<QAbstractButton*>(u"certificateButton"_s)) {
+                if (one->isVisible() && one->text() == u"Trust This Certificate") {
+                    const auto* const text
+                        = one->parentWidget()->findChild<QLabel*>(u"certificateExplanation"_s);
+                    EXPECT_TRUE(text->text().contains(told)) << text->text().toStdString();
+                    one->click();
+                    return true;
+                }
+            }
+            return false;
+        };
+        EXPECT_TRUE(waitFor(isOffered));
+    };
+    checkAndTrust(u"Nobody known vouches"_s);
+    EXPECT_EQ(trusted(), KRServerCertificate::fingerprintFromText(fingerprint));
+    // Somebody else in the server's place.
+    m_twitter->trustCertificate({ server, u"00"_s });
+    window().topList()->refresh();
+    EXPECT_TRUE(waitFor([this] { return window().statusStrip().error().contains(u"has changed"); }));
+    find<QAbstractButton>(*sheet, u"checkCertificateButton"_s)->click();
+    EXPECT_TRUE(
+        waitFor([&] { return sheet->findChildren<QLabel*>(u"certificateFingerprint"_s).size() == 2; }));
+    KRTrustedCertificates::stopTrusting(server);
+}
+
 TEST_F(Journey, ReadsAnswersAndLooksAround)
 {
     signIn(u"alice"_s, u"wonderland"_s);

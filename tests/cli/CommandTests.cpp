@@ -157,8 +157,32 @@ TEST_F(Commands, SignInAndSayWhatIsWrong)
     EXPECT_TRUE(noHost.errors.startsWith("com.kestrin.pelinor "));
     EXPECT_EQ(s_cli->run({ "--services", "/no/such/file", "public" }).exitCode, 2);
     EXPECT_EQ(s_cli->alice({ "--ca-file", "/no/such/file", "public" }).exitCode, 2);
+    EXPECT_EQ(s_cli->alice({ "--trust-certificate", "12:34", "public" }).exitCode, 2);
     EXPECT_EQ(s_cli->run({ "--help" }).exitCode, 0);
     EXPECT_EQ(s_cli->run({ "dance" }).exitCode, 2);
+}
+
+TEST_F(Commands, TrustTheCertificateThatIsNamed)
+{
+    const auto verify = [](const QByteArray& fingerprint) {
+        QList<QByteArray> options { "--services",
+            s_cli->servicesFile(),
+            "--account",
+            "alice",
+            "--password-stdin" };
+        if (!fingerprint.isEmpty())
+            options += { "--trust-certificate", fingerprint };
+        return s_cli->run(options + QList<QByteArray> { "verify" }, "wonderland\n");
+    };
+    const KRTestCLI::Outcome refused = verify({});
+    EXPECT_EQ(refused.exitCode, 1);
+    const QByteArray fingerprint = refused.errors.trimmed().right(95);
+    EXPECT_EQ(verify(fingerprint.toLower()).exitCode, 0) << refused.errors.toStdString();
+    const KRTestCLI::Outcome changed
+        = verify(QByteArray(fingerprint).replace(0, 2, fingerprint.first(2) == "00" ? "11" : "00"));
+    EXPECT_EQ(changed.exitCode, 1);
+    EXPECT_TRUE(changed.errors.contains("has changed") && changed.errors.contains(fingerprint))
+        << changed.errors.toStdString();
 }
 
 TEST(CommandLine, RefusesWhatMakesNoSense)

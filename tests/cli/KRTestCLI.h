@@ -44,6 +44,8 @@ public:
         return run(
             QList<QByteArray> { "--services", m_servicesFile, "--ca-file", m_authorityFile } + arguments);
     }
+    /// The addresses of the service.
+    [[nodiscard]] const QByteArray& servicesFile() const { return m_servicesFile; }
     /// Runs the program with nothing but these arguments.
     [[nodiscard]] Outcome run(const QList<QByteArray>& arguments, const QByteArray& input = {}) const;
 

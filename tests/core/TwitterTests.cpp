@@ -384,6 +384,55 @@ TEST_F(TwitterTest, AccountsOfSeveralSitesKeepApart)
     EXPECT_EQ(forAll.accounts()[1]->context().hosts.server(), m_site.host());
 }
 
+TEST_F(TwitterTest, ATrustedCertificateIsKeptWithTheAccountsOfItsServer)
+{
+    answerWithNothing();
+    const QString server = u"other.example:443"_s;
+    const KRServerCertificate first { server, u"AA"_s };
+    const KRServerCertificate second { server, u"BB"_s };
+    const auto trusted = [&server] { return KRTrustedCertificates::fingerprintForServer(server); };
+    TwitterSite site;
+    site.hosts.setValueForKey(u"Other.example/api"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    const auto signIn = [&](const QString& name, const KRServerCertificate& certificate) {
+        site.certificates = { certificate };
+        m_twitter->addAccount(
+            TwitterAccount::accountWithUsername(name, u"x"_s, m_twitter->accountContextForSite(site)));
+    };
+    m_twitter->addAccount(makeAccount(u"alice"_s));
+    KRTrustedCertificates::trust(first);
+    m_twitter->restoreTrustInServer(server);
+    EXPECT_EQ(trusted(), QString()) << "no account came of it";
+    signIn(u"bob"_s, first);
+    EXPECT_EQ(trusted(), u"AA"_s);
+
+    // Known again before anything is asked, also where other hosts count and in the runs after that.
+    for (const bool hostsAreForAll : { false, true, false }) {
+        KRTrustedCertificates::stopTrusting(server);
+        const auto again
+            = std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, m_hosts, false, hostsAreForAll });
+        EXPECT_EQ(trusted(), u"AA"_s);
+        EXPECT_EQ(again->accounts()[1]->certificates(), QList { first });
+        EXPECT_EQ(again->accounts()[1]->context().hosts.server(),
+            hostsAreForAll ? m_site.host() : u"other.example"_s);
+        again->shutdown();
+    }
+
+    signIn(u"carol"_s, second);
+    EXPECT_EQ(trusted(), u"BB"_s);
+    const QList<TwitterAccountPtr> accounts = m_twitter->accounts();
+    EXPECT_EQ(accounts[1]->certificates(), QList { second }) << "a server has one";
+    EXPECT_TRUE(accounts[0]->certificates().isEmpty());
+    m_twitter->removeAccount(accounts[1]);
+    EXPECT_EQ(trusted(), u"BB"_s) << "carol is still there";
+    m_twitter->stopTrustingCertificateOfServer(server);
+    EXPECT_EQ(trusted(), QString());
+    EXPECT_TRUE(accounts[2]->certificates().isEmpty());
+    m_twitter->trustCertificate(first);
+    EXPECT_EQ(accounts[2]->certificates(), QList { first });
+    m_twitter->removeAccount(accounts[2]);
+    EXPECT_EQ(trusted(), QString());
+}
+
 TEST(TwitterSites, TheFirstSiteBecomesTheProgramsOwn)
 {
     // Whoever names no defaults has the program's own.

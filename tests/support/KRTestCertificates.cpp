@@ -1,5 +1,6 @@
 #include "support/KRTestCertificates.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QTemporaryDir>
 
@@ -102,6 +103,16 @@ KRTestTLSContext KRMakeTestTLSContext(KRTestCertificate kind)
     SSL_CTX_use_certificate(context.get(), certificate.get());
     SSL_CTX_use_PrivateKey(context.get(), key.get());
     return context;
+}
+
+QString KRTestFingerprint(const KRTestTLSContext& context)
+{
+    unsigned char* der = nullptr;
+    const int length = i2d_X509(SSL_CTX_get0_certificate(context.get()), &der);
+    const QByteArray bytes(reinterpret_cast<const char*>(der), length);
+    OPENSSL_free(der);
+    const QByteArray digest = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+    return QString::fromLatin1(digest.toHex(':').toUpper());
 }
 
 QString KRTestAuthorityFile()

@@ -189,7 +189,7 @@ KRTestServer::KRTestServer(Handler handler)
 
 KRTestServer::KRTestServer(Handler handler, KRTestCertificate certificate)
     : m_handler(std::move(handler))
-    , m_context(KRMakeTestTLSContext(certificate))
+    , m_contexts { KRMakeTestTLSContext(certificate) }
 {
     _start();
 }
@@ -216,9 +216,22 @@ QString KRTestServer::host() const
     return QStringLiteral("127.0.0.1:%1").arg(m_port);
 }
 
+QString KRTestServer::fingerprint() const
+{
+    std::scoped_lock guard(m_lock);
+    return KRTestFingerprint(m_contexts.back());
+}
+
+void KRTestServer::changeCertificate(KRTestCertificate certificate)
+{
+    std::scoped_lock guard(m_lock);
+    m_contexts.push_back(KRMakeTestTLSContext(certificate));
+}
+
 QUrl KRTestServer::url(const QString& target) const
 {
-    return QUrl((m_context ? QStringLiteral("https://") : QStringLiteral("http://")) + host() + target);
+    return QUrl(
+        (!m_contexts.empty() ? QStringLiteral("https://") : QStringLiteral("http://")) + host() + target);
 }
 
 QList<KRTestServer::Request> KRTestServer::requests() const
@@ -254,7 +267,12 @@ void KRTestServer::_acceptConnections()
         if (accepted < 0)
             continue;
         ++m_connectionCount;
-        const auto connection = std::make_shared<Connection>(accepted, m_context.get(), m_stopping);
+        SSL_CTX* context = nullptr;
+        {
+            std::scoped_lock guard(m_lock);
+            context = m_contexts.empty() ? nullptr : m_contexts.back().get();
+        }
+        const auto connection = std::make_shared<Connection>(accepted, context, m_stopping);
         std::scoped_lock guard(m_lock);
         m_connections.push_back(connection);
         m_threads.emplace_back([this, connection] { _serve(*connection); });

@@ -99,6 +99,10 @@ public:
     [[nodiscard]] int connectionCount() const { return m_connectionCount; }
     /// Bytes of bodies received so far.
     [[nodiscard]] qint64 bodyBytes() const { return m_bodyBytes; }
+    /// Of the certificate that is shown now.
+    [[nodiscard]] QString fingerprint() const;
+    /// Shows a new one to all who connect from now on.
+    void changeCertificate(KRTestCertificate certificate);
     /// Counted bodies are read and dropped.
     void setBodies(Bodies bodies) { m_bodies = bodies; }
 
@@ -108,7 +112,8 @@ private:
     void _serve(Connection& connection);
 
     Handler m_handler;
-    KRTestTLSContext m_context;
+    // The last one is shown; connections may still be using those before. None for a plain server.
+    std::vector<KRTestTLSContext> m_contexts;
     int m_listener = -1;
     int m_port = 0;
     std::atomic<bool> m_stopping = false;

@@ -24,6 +24,11 @@ public:
     void answer(const QByteArray& path, AnswerFunction function);
     void answer(const QByteArray& path, const QByteArray& body, int status = 200);
 
+    /// Of its certificate.
+    [[nodiscard]] QString fingerprint() const { return m_server.fingerprint(); }
+    /// Shows another one, that nobody vouches for, to all who connect from now on.
+    void changeCertificate() { m_server.changeCertificate(KRTestCertificate::UnknownAuthority); }
+
     /// The targets (path and query) of what was asked for, in order, "POST " in front of a post.
     [[nodiscard]] QList<QByteArray> targets() const;
     [[nodiscard]] QList<KRTestServer::Request> requests() const { return m_server.requests(); }

@@ -1,5 +1,7 @@
 #include "app/settings/PelinorAccountDetailsSheet.h"
 
+#include "app/settings/PelinorAccountCertificatesView.h"
+
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -9,7 +11,9 @@
 
 using namespace Qt::StringLiterals;
 
-PelinorAccountDetailsSheet::PelinorAccountDetailsSheet(TwitterAccountPtr account, QWidget* parent)
+PelinorAccountDetailsSheet::PelinorAccountDetailsSheet(Twitter& twitter,
+    TwitterAccountPtr account,
+    QWidget* parent)
     : QDialog(parent)
     , m_account(std::move(account))
 {
@@ -60,7 +64,8 @@ PelinorAccountDetailsSheet::PelinorAccountDetailsSheet(TwitterAccountPtr account
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, &PelinorAccountDetailsSheet::saveAccountDetails);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addWidget(buttons, 5, 0, 1, 4);
+    layout->addWidget(new PelinorAccountCertificatesView(twitter, m_account, this), 5, 0, 1, 4);
+    layout->addWidget(buttons, 6, 0, 1, 4);
 }
 
 PelinorAccountDetailsSheet::~PelinorAccountDetailsSheet() = default;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/TwitterAccount.h"
+#include "core/Twitter.h"
 
 #include <QDialog>
 
@@ -8,12 +8,14 @@
 
 class QCheckBox;
 
-/// The nine switches that say which of an account's news drive which indicator. Main thread.
+/// The nine switches that say which of an account's news drive which indicator, and the certificates that are
+/// trusted for its server. Main thread.
 class PelinorAccountDetailsSheet : public QDialog {
     Q_OBJECT
 
 public:
-    PelinorAccountDetailsSheet(TwitterAccountPtr account, QWidget* parent);
+    /// The root object outlives the sheet.
+    PelinorAccountDetailsSheet(Twitter& twitter, TwitterAccountPtr account, QWidget* parent);
     ~PelinorAccountDetailsSheet() override;
 
     void saveAccountDetails();

@@ -142,7 +142,7 @@ void PelinorAccountPreferencesController::configureAccount()
     const TwitterAccountPtr account = selectedAccount();
     if (!account)
         return;
-    auto* const sheet = new PelinorAccountDetailsSheet(account, window());
+    auto* const sheet = new PelinorAccountDetailsSheet(m_twitter, account, window());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     sheet->open();
 }

@@ -70,7 +70,8 @@ void PelinorAddAccountSheet::_didVerify(const KRResult<TwitterAccountPtr>& respo
 {
     _setChecking(false);
     if (response.isError()) {
-        PelinorShowAlert(QMessageBox::Critical, tr("Error"), response.error().description, this);
+        if (!m_serverField->offerToTrust(response.error()))
+            PelinorShowAlert(QMessageBox::Critical, tr("Error"), response.error().description, this);
         m_passwordField->setFocus();
         return;
     }

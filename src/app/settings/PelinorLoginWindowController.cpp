@@ -108,7 +108,8 @@ void PelinorLoginWindowController::_didVerifyCredentials(const KRResult<TwitterA
 {
     _setProgress(false);
     if (response.isError()) {
-        _showSheet(tr("Error"), response.error().description);
+        if (!m_serverField->offerToTrust(response.error()))
+            _showSheet(tr("Error"), response.error().description);
         return;
     }
     m_window->hide();
