@@ -96,6 +96,7 @@ void KRTableView::reloadData()
     if (m_delegate)
         m_delegate->tableViewWillReload(*this);
     m_flags.isUpdating = true;
+    const Place place = _place();
     m_widthOfHeights = m_width;
     m_currentRange = {};
     for (RowInfo& row : m_rowInfo) {
@@ -107,9 +108,30 @@ void KRTableView::reloadData()
     _rebuildRows();
     m_documentView->setDocumentFrame({ 0, 0, m_width, m_totalHeight });
     setDocumentHeight(m_totalHeight);
+    if (std::exchange(m_keepsPlace, false))
+        _scrollToPlace(place);
     m_flags.isUpdating = false;
     _syncOnScreenCells();
     _finishReload(focusedPart);
+}
+
+void KRTableView::reloadDataKeepingPlace()
+{
+    m_keepsPlace = true;
+    reloadData();
+}
+
+KRTableView::Place KRTableView::_place() const
+{
+    const qint64 row = visibleRange().location;
+    return { row, relativeVisibleOffsetForRow(row), rectForRow(row).height() };
+}
+
+void KRTableView::_scrollToPlace(const Place& place)
+{
+    const int height = rectForRow(_clampRow(place.row)).height();
+    const bool isInView = place.offset + height > 0;
+    scrollToRow(place.row, isInView ? place.offset : place.offset + place.height - height);
 }
 
 void KRTableView::_finishReload(const std::optional<KRTableViewCell::FocusedPart>& focusedPart)
@@ -341,15 +363,6 @@ void KRTableView::_setWidth(int width)
 {
     m_width = width;
     m_documentView->setDocumentFrame({ 0, 0, m_width, m_totalHeight });
-}
-
-void KRTableView::reloadDataKeepingPlace()
-{
-    // Heights change with the width; the row at the top stays where it is.
-    const qint64 row = visibleRange().location;
-    const int offset = relativeVisibleOffsetForRow(row);
-    reloadData();
-    scrollToRow(row, offset);
 }
 
 void KRTableView::viewWillStartLiveResize()

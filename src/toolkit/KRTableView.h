@@ -31,8 +31,9 @@ public:
     /// Asks the delegate for everything anew. While the user holds the scroller it waits until the mouse goes
     /// up; asked for by the delegate itself during a reload, it waits for the next pass of the run loop.
     void reloadData();
-    /// The same at once, for rows that are what they were but have other heights: the topmost visible row
-    /// stays where it is on the screen.
+    /// The same, for rows that are what they were but have other heights: the topmost visible row stays where
+    /// it is on the screen when the reload takes place. One that is too low by then to be seen there keeps its
+    /// bottom where it was.
     void reloadDataKeepingPlace();
 
     /// The idle cell of that identifier that was put aside last, or null.
@@ -107,10 +108,19 @@ private:
         int offset = 0;
     };
 
+    // Where the topmost visible row is on the screen.
+    struct Place {
+        qint64 row = 0;
+        int offset = 0;
+        int height = 0;
+    };
+
     class FocusRing;
 
     void _setupTableView();
     void _rebuildRows();
+    Place _place() const;
+    void _scrollToPlace(const Place& place);
     void _finishReload(const std::optional<KRTableViewCell::FocusedPart>& focusedPart);
     bool _mayTakeFocus() const;
     bool _activateSelectedRow();
@@ -137,6 +147,8 @@ private:
     // What the delegate was last asked for heights at.
     int m_widthOfHeights = 0;
     qint64 m_selectedRow = -1;
+    // What the next reload does.
+    bool m_keepsPlace = false;
     FocusRing* m_focusRing = nullptr;
     struct {
         bool inLiveResize : 1;

@@ -32,7 +32,8 @@ LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
 
 void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
 {
-    tableView().reloadData();
+    // The font, or the window's width, may have changed while another screen was there.
+    tableView().reloadDataKeepingPlace();
     m_preferencesObservation
         = environment().notifications.observe<PelinorDisplayPreferencesDidChangeNotification>(
             [this](const PelinorDisplayPreferencesDidChangeNotification&) { displayPreferencesDidChange(); });

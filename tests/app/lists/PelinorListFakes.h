@@ -105,8 +105,14 @@ private:
 
 /// What lists and windows work with, and an account "me" of a service that is nowhere.
 struct FakeSurroundings {
+    /// With the user defaults of that file, or with none yet.
+    explicit FakeSurroundings(const QString& defaultsFile = {})
+        : defaults(defaultsFile.isEmpty() ? directory.filePath(QStringLiteral("defaults.ini")) : defaultsFile)
+    {
+    }
+
     QTemporaryDir directory;
-    KRUserDefaults defaults { directory.filePath(QStringLiteral("defaults.ini")) };
+    KRUserDefaults defaults;
     KRNotificationCenter center;
     PelinorDisplayPreferences preferences;
     KRTextHeightCache heights;
