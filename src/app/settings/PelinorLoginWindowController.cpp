@@ -1,6 +1,7 @@
 #include "app/settings/PelinorLoginWindowController.h"
 
 #include "app/look/PelinorAlert.h"
+#include "app/look/PelinorImages.h"
 #include "app/settings/PelinorServerField.h"
 #include "platform/workspace/KRWorkspace.h"
 #include "text/render/KRActiveTextStyle.h"
@@ -16,6 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int IconSide = 48;
 constexpr int HeadingSize = 16;
 constexpr int Margin = 24;
 constexpr int FieldWidth = 240;
@@ -62,7 +64,13 @@ void PelinorLoginWindowController::_loadWindow()
 
     auto* const layout = new QFormLayout(m_window.get());
     layout->setContentsMargins(Margin, Margin, Margin, Margin);
-    layout->addRow(heading);
+    auto* const picture = new QLabel(m_window.get());
+    picture->setPixmap(PelinorImages::icon(u"Pelinor"_s, Qt::black).pixmap(IconSide, IconSide));
+    auto* const top = new QHBoxLayout;
+    top->setContentsMargins(0, 0, 0, Margin / 2);
+    top->addWidget(picture);
+    top->addWidget(heading, 1);
+    layout->addRow(top);
     layout->addRow(tr("&Server:"), m_serverField);
     layout->addRow(tr("&User name:"), m_usernameField);
     layout->addRow(tr("&Password:"), m_passwordField);
@@ -94,6 +102,15 @@ void PelinorLoginWindowController::login()
     const std::optional<TwitterAccountContext> site = m_serverField->context();
     if (!site) {
         // What is there is shown before a password goes to it.
+        const auto hint = [this](bool isFound) {
+            m_progress->setText(isFound ? tr("Press Login again to sign in there.") : QString());
+        };
+        connect(m_serverField,
+            &PelinorServerField::finished,
+            m_progress,
+            hint,
+            Qt::ConnectionType(Qt::SingleShotConnection));
+        m_serverField->setFocus();
         m_serverField->find();
         return;
     }

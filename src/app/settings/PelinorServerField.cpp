@@ -31,6 +31,7 @@ PelinorServerField::PelinorServerField(Twitter& twitter, QWidget* parent)
     m_comboBox->setInsertPolicy(QComboBox::NoInsert);
     m_comboBox->setMinimumWidth(FieldWidth);
     m_comboBox->addItems(twitter.servers());
+    m_comboBox->lineEdit()->setAccessibleName(tr("Server"));
     m_comboBox->lineEdit()->setPlaceholderText(tr("social.example.org"));
     m_answer->setObjectName(u"serverAnswer"_s);
     setFocusProxy(m_comboBox);
