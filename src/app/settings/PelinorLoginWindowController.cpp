@@ -5,18 +5,22 @@
 #include "app/settings/PelinorServerField.h"
 #include "platform/workspace/KRWorkspace.h"
 #include "text/render/KRActiveTextStyle.h"
+#include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QCoreApplication>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int AppearanceSteps = 40;
 constexpr int IconSide = 48;
 constexpr int HeadingSize = 16;
 constexpr int Margin = 24;
@@ -81,7 +85,9 @@ void PelinorLoginWindowController::_loadWindow()
 void PelinorLoginWindowController::showWindow()
 {
     m_window->setWindowModality(Qt::ApplicationModal);
-    m_window->show();
+    m_window->adjustSize();
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    KRWindowAppearance::showWindow(*m_window, { screen.center().x(), screen.top() }, AppearanceSteps);
     if (m_twitter.servers().isEmpty())
         m_serverField->setFocus();
     else

@@ -7,21 +7,21 @@
 #include "foundation/KRLog.h"
 #include "foundation/KRRunLoop.h"
 #include "text/render/KRActiveTextStyle.h"
+#include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScreen>
 #include <QShortcut>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int AppearanceSteps = 20;
 constexpr int TextSize = 14;
 constexpr int TextInset = 8;
 constexpr int BottomBorder = 37;
@@ -151,13 +151,7 @@ void PelinorComposeWindowController::showWindow()
     _updateWindowTitle();
     m_initialText = m_textView->toPlainText();
     _updateRemainingField();
-    if (const QScreen* const screen = QGuiApplication::screenAt(m_sourcePoint)) {
-        const QRect room = screen->availableGeometry();
-        m_window->move(room.center() - m_window->rect().center());
-    }
-    m_window->show();
-    m_window->raise();
-    m_window->activateWindow();
+    KRWindowAppearance::showWindow(*m_window, m_sourcePoint, AppearanceSteps);
     m_textView->setFocus();
     if (m_promptToDirectMessageUser)
         _promptForRecipient();
