@@ -113,10 +113,12 @@ void Twitter::_loadAccounts()
         return;
     }
     for (const KRKeyedUnarchiver& account : coder.value().decodeObjects("accounts"_L1)) {
-        const std::optional<TwitterSite> site
-            = m_environment.hostsAreForAll ? std::nullopt : TwitterAccount::siteWithCoder(account);
-        m_accounts.append(
-            TwitterAccount::accountWithCoder(account, site ? _contextForSite(*site) : accountContext()));
+        const std::optional<TwitterSite> site = TwitterAccount::siteWithCoder(account);
+        TwitterAccountContext context
+            = site && !m_environment.hostsAreForAll ? _contextForSite(*site) : accountContext();
+        if (m_environment.hostsAreForAll)
+            context.replacedSite = site;
+        m_accounts.append(TwitterAccount::accountWithCoder(account, std::move(context)));
     }
 }
 

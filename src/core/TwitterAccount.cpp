@@ -149,16 +149,17 @@ void TwitterAccount::_encodeWithoutPassword(KRKeyedArchiver& coder) const
     coder.encodeDate("freshSearches"_L1, m_freshSearches);
     coder.encodeObjects("savedSearches"_L1, m_savedSearches);
     coder.encodeInteger("notificationOptions"_L1, m_notificationOptions);
-    if (!m_context.site)
+    const std::optional<TwitterSite>& site = m_context.site ? m_context.site : m_context.replacedSite;
+    if (!site)
         return;
     QStringList hosts;
-    for (const QString& key : m_context.hosts.keys())
-        hosts << key << m_context.hosts.valueForKey(key);
+    for (const QString& key : site->hosts.keys())
+        hosts << key << site->hosts.valueForKey(key);
     coder.encodeStrings("siteHosts"_L1, hosts);
-    coder.encodeString("siteName"_L1, m_context.site->name);
-    coder.encodeInteger("siteTakesUploads"_L1, m_context.site->takesUploads ? 1 : 0);
-    if (m_context.site->textLimit)
-        coder.encodeInteger("siteTextLimit"_L1, *m_context.site->textLimit);
+    coder.encodeString("siteName"_L1, site->name);
+    coder.encodeInteger("siteTakesUploads"_L1, site->takesUploads ? 1 : 0);
+    if (site->textLimit)
+        coder.encodeInteger("siteTextLimit"_L1, *site->textLimit);
 }
 
 std::optional<TwitterSite> TwitterAccount::siteWithCoder(const KRKeyedUnarchiver& coder)
