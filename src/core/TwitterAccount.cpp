@@ -217,6 +217,7 @@ void TwitterAccount::_loadPassword()
         KRLog(
             u"Error getting password from keychain for user %1: %2"_s.arg(m_username, reported.description));
     m_password = password;
+    m_isPasswordUnanswered = password.isNull() && !EMKeychainProxy::sharedProxy().isAvailable();
 }
 
 void TwitterAccount::_savePassword() const
@@ -301,6 +302,9 @@ const std::shared_ptr<TwitterDirectMessagesConversationManager>& TwitterAccount:
 void TwitterAccount::refresh()
 {
     const TwitterAccountPtr self = shared_from_this();
+    // A keyring that starts after the program is there by now.
+    if (m_isPasswordUnanswered && m_password.isNull() && m_passwordState == Password::Stored)
+        _loadPassword();
     timelineStream()->loadNewer();
     repliesStream()->loadNewer();
     directMessagesManager()->refresh();

@@ -229,6 +229,8 @@ private:
     QString m_password;
     // Archiving, which changes nothing else, hands it over.
     mutable Password m_passwordState = Password::Stored;
+    // Nobody was there to say what it is.
+    bool m_isPasswordUnanswered = false;
     TwitterUserPtr m_user;
     bool m_loadingUser = false;
     std::shared_ptr<TwitterTimelineStream> m_timelineStream;
