@@ -4,17 +4,13 @@
 
 #include <algorithm>
 
-namespace {
-
-QString lowestOf(const QStringList& ids)
+QString TwitterStreamGaps::lowestOf(const QStringList& ids)
 {
     const auto isLower
         = [](const QString& a, const QString& b) { return std::is_lt(compareTwitterIDs(a, b)); };
     const auto lowest = std::min_element(ids.begin(), ids.end(), isLower);
     return lowest == ids.end() ? QString() : *lowest;
 }
-
-} // namespace
 
 bool TwitterStreamGaps::openBelow(const QStringList& pageIDs,
     qsizetype posts,

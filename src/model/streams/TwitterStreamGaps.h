@@ -26,6 +26,8 @@ public:
         int pagesInARow = 0;
     };
 
+    /// The lowest of the IDs; null when there is none.
+    [[nodiscard]] static QString lowestOf(const QStringList& ids);
     /// A page of whatever kind has come with so many posts.
     void notePage(qsizetype posts) { m_longestPage = std::max(m_longestPage, posts); }
     /// What is newer than `belowID` has come. True when it is a full page that does not reach down to it:
