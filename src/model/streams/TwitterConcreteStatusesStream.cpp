@@ -206,8 +206,8 @@ void TwitterConcreteStatusesStream::_postError(const KRError& error)
 
 void TwitterConcreteStatusesStream::_addNewer(const TwitterStatusList& statuses, const QString& newestKnownID)
 {
-    const bool hasGap
-        = _canLoadBelow() && m_gaps.openBelow(idsOf(statuses), statuses.size(), newestKnownID, _pageCount());
+    const bool hasGap = _canLoadBelow()
+        && m_gaps.openBelow(idsOf(statuses), statuses.size(), newestKnownID, _pageCount(), idsOf(m_statuses));
     addStatuses(statuses);
     if (hasGap)
         _loadGap(newestKnownID);

@@ -165,7 +165,8 @@ void TwitterDirectMessagesStream::_postError(const KRError& error)
 void TwitterDirectMessagesStream::_addNewer(const TwitterDirectMessageList& messages,
     const QString& newestKnownID)
 {
-    const bool hasGap = m_gaps.openBelow(idsOf(messages), messages.size(), newestKnownID, 0);
+    const bool hasGap
+        = m_gaps.openBelow(idsOf(messages), messages.size(), newestKnownID, 0, idsOf(m_messages));
     addMessages(messages);
     if (hasGap)
         _loadGap(newestKnownID);

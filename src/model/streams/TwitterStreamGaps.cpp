@@ -2,6 +2,8 @@
 
 #include "model/records/TwitterRecordOrder.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 QString TwitterStreamGaps::lowestOf(const QStringList& ids)
@@ -15,12 +17,16 @@ QString TwitterStreamGaps::lowestOf(const QStringList& ids)
 bool TwitterStreamGaps::openBelow(const QStringList& pageIDs,
     qsizetype posts,
     const QString& belowID,
-    qsizetype asked)
+    qsizetype asked,
+    const QStringList& knownIDs)
 {
     const bool isFull = posts > largestLastPage && (posts >= m_longestPage || (asked > 0 && posts >= asked));
     notePage(posts);
     const QString lowest = lowestOf(pageIDs);
     if (!isFull || belowID.isNull() || std::is_lteq(compareTwitterIDs(lowest, belowID)))
+        return false;
+    const QSet<QString> known(knownIDs.begin(), knownIDs.end());
+    if (std::any_of(pageIDs.begin(), pageIDs.end(), [&](const QString& id) { return known.contains(id); }))
         return false;
     m_gaps.append({ belowID, lowest });
     return true;

@@ -32,8 +32,13 @@ public:
     void notePage(qsizetype posts) { m_longestPage = std::max(m_longestPage, posts); }
     /// What is newer than `belowID` has come. True when it is a full page that does not reach down to it:
     /// there is a gap, to be loaded from the page's lowest post. A page is full when it holds as many posts
-    /// as were asked for (0: the service decides), or as many as the longest one so far.
-    bool openBelow(const QStringList& pageIDs, qsizetype posts, const QString& belowID, qsizetype asked);
+    /// as were asked for (0: the service decides), or as many as the longest one so far. A page that meets
+    /// what the list has already needs nothing below: the newest one by date may lie far down.
+    bool openBelow(const QStringList& pageIDs,
+        qsizetype posts,
+        const QString& belowID,
+        qsizetype asked,
+        const QStringList& knownIDs);
     /// A page from the top of a gap has come. True when the next one is to be loaded; else the gap has
     /// closed, or is shown because the service brings nothing new or there is no end to it.
     bool addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID);
