@@ -224,7 +224,7 @@ void TwitterConcreteStatusesStream::_addOlder(const TwitterStatusList& statuses)
 
 void TwitterConcreteStatusesStream::_addMissing(const TwitterStatusList& statuses, const QString& belowID)
 {
-    const bool goesOn = m_gaps.addPage(idsOf(statuses), statuses.size(), belowID);
+    const bool goesOn = m_gaps.addPage(idsOf(statuses), statuses.size(), belowID, idsOf(m_statuses));
     addStatuses(statuses);
     if (goesOn)
         _loadGap(belowID);

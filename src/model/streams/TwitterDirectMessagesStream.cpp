@@ -181,7 +181,7 @@ void TwitterDirectMessagesStream::_addOlder(const TwitterDirectMessageList& mess
 void TwitterDirectMessagesStream::_addMissing(const TwitterDirectMessageList& messages,
     const QString& belowID)
 {
-    const bool goesOn = m_gaps.addPage(idsOf(messages), messages.size(), belowID);
+    const bool goesOn = m_gaps.addPage(idsOf(messages), messages.size(), belowID, idsOf(m_messages));
     addMessages(messages);
     if (goesOn)
         _loadGap(belowID);

@@ -6,6 +6,18 @@
 
 #include <algorithm>
 
+namespace {
+
+bool meets(const QStringList& pageIDs, const QStringList& knownIDs)
+{
+    const QSet<QString> known(knownIDs.begin(), knownIDs.end());
+    return std::any_of(pageIDs.begin(), pageIDs.end(), [&known](const QString& id) {
+        return known.contains(id);
+    });
+}
+
+} // namespace
+
 QString TwitterStreamGaps::lowestOf(const QStringList& ids)
 {
     const auto isLower
@@ -25,21 +37,27 @@ bool TwitterStreamGaps::openBelow(const QStringList& pageIDs,
     const QString lowest = lowestOf(pageIDs);
     if (!isFull || belowID.isNull() || std::is_lteq(compareTwitterIDs(lowest, belowID)))
         return false;
-    const QSet<QString> known(knownIDs.begin(), knownIDs.end());
-    if (std::any_of(pageIDs.begin(), pageIDs.end(), [&](const QString& id) { return known.contains(id); }))
+    if (meets(pageIDs, knownIDs))
         return false;
     m_gaps.append({ belowID, lowest });
     return true;
 }
 
-bool TwitterStreamGaps::addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID)
+bool TwitterStreamGaps::addPage(const QStringList& pageIDs,
+    qsizetype posts,
+    const QString& belowID,
+    const QStringList& knownIDs)
 {
     notePage(posts);
     Gap* const gap = _gapAbove(belowID);
     if (!gap)
         return false;
     const QString lowest = lowestOf(pageIDs);
-    if (posts <= largestLastPage || std::is_lteq(compareTwitterIDs(lowest, belowID))) {
+    // What is known below the pages of this gap was there before.
+    QStringList oldIDs = knownIDs;
+    oldIDs.removeIf([gap](const QString& id) { return std::is_gteq(compareTwitterIDs(id, gap->aboveID)); });
+    if (posts <= largestLastPage || std::is_lteq(compareTwitterIDs(lowest, belowID))
+        || meets(pageIDs, oldIDs)) {
         m_gaps.removeIf([&belowID](const Gap& one) { return one.belowID == belowID; });
         return false;
     }

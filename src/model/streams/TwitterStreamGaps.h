@@ -39,9 +39,10 @@ public:
         const QString& belowID,
         qsizetype asked,
         const QStringList& knownIDs);
-    /// A page from the top of a gap has come. True when the next one is to be loaded; else the gap has
+    /// A page from the top of a gap has come. It closes the gap when it meets what the list had. True when the next one is to be loaded; else the gap has
     /// closed, or is shown because the service brings nothing new or there is no end to it.
-    bool addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID);
+    bool
+    addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID, const QStringList& knownIDs);
     /// Loading a gap has failed.
     void fail(const QString& belowID);
     /// Begins loading a gap again; false when there is none, or it is being loaded.

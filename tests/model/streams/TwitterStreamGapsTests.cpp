@@ -155,6 +155,8 @@ TEST_F(Gaps, AreNotSoughtAgainDownToAPostThatIsDatedAhead)
         EXPECT_EQ(asked(), u"n n 61"_s);
         ASSERT_TRUE(load(*stream, 5, 55));
         EXPECT_EQ(asked(), u"n"_s) << "the page meets what came with the one before";
+        ASSERT_TRUE(load(*stream, 45, 100));
+        EXPECT_EQ(asked(), u"n 111 92"_s);
     };
     check(makeStream<TwitterTimelineStream>());
     check(KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account));
