@@ -157,8 +157,8 @@ void Twitter::_loadAccounts()
             KRTrustedCertificates::trust(certificate);
         TwitterAccountContext context
             = site && !m_environment.hostsAreForAll ? _contextForSite(*site) : accountContext();
-        // Kept for a run in which its own hosts count again.
-        context.site = site;
+        if (m_environment.hostsAreForAll)
+            context.replacedSite = site;
         m_accounts.append(TwitterAccount::accountWithCoder(account, std::move(context)));
     }
 }

@@ -149,18 +149,19 @@ void TwitterAccount::_encodeWithoutPassword(KRKeyedArchiver& coder) const
     coder.encodeDate("freshSearches"_L1, m_freshSearches);
     coder.encodeObjects("savedSearches"_L1, m_savedSearches);
     coder.encodeInteger("notificationOptions"_L1, m_notificationOptions);
-    if (!m_context.site)
+    const std::optional<TwitterSite>& site = m_context.site ? m_context.site : m_context.replacedSite;
+    if (!site)
         return;
     QStringList hosts;
-    for (const QString& key : m_context.site->hosts.keys())
-        hosts << key << m_context.site->hosts.valueForKey(key);
+    for (const QString& key : site->hosts.keys())
+        hosts << key << site->hosts.valueForKey(key);
     coder.encodeStrings("siteHosts"_L1, hosts);
-    coder.encodeString("siteName"_L1, m_context.site->name);
-    coder.encodeInteger("siteTakesUploads"_L1, m_context.site->takesUploads ? 1 : 0);
-    if (m_context.site->textLimit)
-        coder.encodeInteger("siteTextLimit"_L1, *m_context.site->textLimit);
+    coder.encodeString("siteName"_L1, site->name);
+    coder.encodeInteger("siteTakesUploads"_L1, site->takesUploads ? 1 : 0);
+    if (site->textLimit)
+        coder.encodeInteger("siteTextLimit"_L1, *site->textLimit);
     QStringList certificates;
-    for (const KRServerCertificate& certificate : std::as_const(m_context.site->certificates))
+    for (const KRServerCertificate& certificate : site->certificates)
         certificates << certificate.server << certificate.fingerprint;
     coder.encodeStrings("siteCertificates"_L1, certificates);
 }
@@ -239,6 +240,7 @@ void TwitterAccount::_loadPassword()
         KRLog(
             u"Error getting password from keychain for user %1: %2"_s.arg(m_username, reported.description));
     m_password = password;
+    m_isPasswordUnanswered = password.isNull() && !EMKeychainProxy::sharedProxy().isAvailable();
 }
 
 void TwitterAccount::_savePassword() const
@@ -323,6 +325,9 @@ const std::shared_ptr<TwitterDirectMessagesConversationManager>& TwitterAccount:
 void TwitterAccount::refresh()
 {
     const TwitterAccountPtr self = shared_from_this();
+    // A keyring that starts after the program is there by now.
+    if (m_isPasswordUnanswered && m_password.isNull() && m_passwordState == Password::Stored)
+        _loadPassword();
     timelineStream()->loadNewer();
     repliesStream()->loadNewer();
     directMessagesManager()->refresh();

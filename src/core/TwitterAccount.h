@@ -48,6 +48,8 @@ struct TwitterAccountContext {
     /// Whether this is another site than that of the program's own table, so that names alone do not tell
     /// its accounts from others.
     bool isOtherSite = false;
+    /// The site the account was archived with and will be again, where hosts of the start stand in for it.
+    std::optional<TwitterSite> replacedSite = {};
 };
 
 /// One signed-in user: credentials, streams, unread marks, and the requests made in the user's name. Main
@@ -231,6 +233,8 @@ private:
     QString m_password;
     // Archiving, which changes nothing else, hands it over.
     mutable Password m_passwordState = Password::Stored;
+    // Nobody was there to say what it is.
+    bool m_isPasswordUnanswered = false;
     TwitterUserPtr m_user;
     bool m_loadingUser = false;
     std::shared_ptr<TwitterTimelineStream> m_timelineStream;

@@ -253,8 +253,35 @@ TEST(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
     EXPECT_EQ(inKeychain(), u"second"_s);
 }
 
+// Before anybody meets a keyring that does not answer.
+TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)
+{
+    KRManualClock clock;
+    KRTestLog log;
+    int told = 0;
+    const KRObservation observation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
+            [&](const auto&) { ++told; });
+    KRKeychain::noteUnavailable(u"test"_s);
+    EXPECT_EQ(told, 0) << "whoever shows it may not have been made yet";
+    clock.advance(std::chrono::seconds(1));
+    EXPECT_EQ(told, 1);
+    KRKeychain::noteUnavailable(u"test"_s);
+    clock.advance(std::chrono::seconds(9));
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(log.lines(),
+        QStringList(
+            u"Warning: no Secret Service answers (test); passwords are kept in memory for this run"_s));
+}
+
 TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
 {
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
+    for (const QString& name : { u"peggy"_s, u"paul"_s }) {
+        const auto before = makeTwitter(defaults);
+        before->addAccount(TwitterAccount::accountWithUsername(name, u"stored"_s, before->accountContext()));
+    }
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " STOP"), 0);
     const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"bob"_s } };
     QElapsedTimer timer;
@@ -262,10 +289,17 @@ TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
     EXPECT_EQ(KRSecretService::lookUp(attributes).status, KRSecretService::Status::Unavailable);
     EXPECT_GE(timer.restart(), KRSecretService::answerLimit.count() / 2);
     EXPECT_EQ(KRSecretService::lookUp(attributes).error, u"the Secret Service does not answer"_s);
+    const auto twitter = makeTwitter(defaults);
     EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " CONT"), 0);
     EXPECT_TRUE(KRWaitUntil(
         [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
+    ASSERT_EQ(twitter->accounts().size(), 2);
+    for (const TwitterAccountPtr& account : twitter->accounts()) {
+        EXPECT_TRUE(account->password().isNull());
+        account->refresh();
+        EXPECT_EQ(account->password(), u"stored"_s) << "a program that starts before its keyring";
+    }
 }
 
 TEST(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
@@ -289,24 +323,4 @@ TEST(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
     EXPECT_TRUE(isOpened({}));
     EXPECT_FALSE(isOpened(locked.item)) << "else whoever waits would look in vain, and ask again for ever";
     EXPECT_TRUE(QFile::remove(folder + u"old.keyring"_s));
-}
-
-TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)
-{
-    KRManualClock clock;
-    KRTestLog log;
-    int told = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
-            [&](const auto&) { ++told; });
-    KRKeychain::noteUnavailable(u"test"_s);
-    EXPECT_EQ(told, 0) << "whoever shows it may not have been made yet";
-    clock.advance(std::chrono::seconds(1));
-    EXPECT_EQ(told, 1);
-    KRKeychain::noteUnavailable(u"test"_s);
-    clock.advance(std::chrono::seconds(9));
-    EXPECT_EQ(told, 1);
-    EXPECT_EQ(log.lines(),
-        QStringList(
-            u"Warning: no Secret Service answers (test); passwords are kept in memory for this run"_s));
 }

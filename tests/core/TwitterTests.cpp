@@ -379,9 +379,13 @@ TEST_F(TwitterTest, AccountsOfSeveralSitesKeepApart)
 
     // Hosts named at the start count for everybody.
     m_twitter->shutdown();
-    const Twitter forAll(TwitterEnvironment { &m_defaults, m_hosts, false, true });
+    Twitter forAll(TwitterEnvironment { &m_defaults, m_hosts, false, true });
     ASSERT_EQ(forAll.accounts().size(), 2);
     EXPECT_EQ(forAll.accounts()[1]->context().hosts.server(), m_site.host());
+    forAll.shutdown();
+    const auto next = makeTwitter();
+    EXPECT_EQ(next->servers(), servers) << "only for as long as they are named";
+    EXPECT_EQ(next->accounts()[1]->context().site->name, u"The other one"_s);
 }
 
 TEST_F(TwitterTest, ATrustedCertificateIsKeptWithTheAccountsOfItsServer)

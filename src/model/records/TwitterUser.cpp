@@ -206,7 +206,9 @@ void TwitterUser::assimilateUser(const TwitterUser& other)
             "%1\n%2\n"_s.arg(description(), other.description()));
         return;
     }
-    if (!KRAdditions::isBefore(m_lastUpdated, other.m_lastUpdated))
+    // Data of a later time than now was made before the clock was put right, and is older than all since.
+    if (!KRAdditions::isBefore(m_lastUpdated, other.m_lastUpdated)
+        && !KRAdditions::isAfter(m_lastUpdated, KRNow()))
         return;
     if (!m_isPartialUser && other.m_isPartialUser)
         return;

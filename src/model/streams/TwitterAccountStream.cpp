@@ -67,7 +67,7 @@ void TwitterAccountStream::_requestNewer(TwitterStatusesOperations&)
 
 void TwitterAccountStream::_requestOlder(TwitterStatusesOperations& request)
 {
-    _requestBelow(request, oldestReceivedID());
+    _requestBelow(request, olderPageID());
 }
 
 void TwitterAccountStream::_requestBelow(TwitterStatusesOperations&, const QString&)

@@ -3,7 +3,6 @@
 #include "foundation/KRClock.h"
 #include "foundation/KRLog.h"
 #include "foundation/KRNotificationCenter.h"
-#include "model/records/TwitterRecordOrder.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterStatusStreamFilter.h"
@@ -149,12 +148,9 @@ QString TwitterConcreteStatusesStream::oldestStatusID() const
     return status ? status->statusID() : QString();
 }
 
-QString TwitterConcreteStatusesStream::oldestReceivedID() const
+QString TwitterConcreteStatusesStream::olderPageID() const
 {
-    const QString oldest = oldestStatusID();
-    const bool isDroppedLower = !m_lowestDroppedID.isNull()
-        && (oldest.isNull() || std::is_lt(compareTwitterIDs(m_lowestDroppedID, oldest)));
-    return isDroppedLower ? m_lowestDroppedID : oldest;
+    return m_lowestOfIdlePage.isNull() ? oldestStatusID() : m_lowestOfIdlePage;
 }
 
 void TwitterConcreteStatusesStream::markAtEnd()
@@ -210,8 +206,8 @@ void TwitterConcreteStatusesStream::_postError(const KRError& error)
 
 void TwitterConcreteStatusesStream::_addNewer(const TwitterStatusList& statuses, const QString& newestKnownID)
 {
-    const bool hasGap
-        = _canLoadBelow() && m_gaps.openBelow(idsOf(statuses), statuses.size(), newestKnownID, _pageCount());
+    const bool hasGap = _canLoadBelow()
+        && m_gaps.openBelow(idsOf(statuses), statuses.size(), newestKnownID, _pageCount(), idsOf(m_statuses));
     addStatuses(statuses);
     if (hasGap)
         _loadGap(newestKnownID);
@@ -220,12 +216,15 @@ void TwitterConcreteStatusesStream::_addNewer(const TwitterStatusList& statuses,
 void TwitterConcreteStatusesStream::_addOlder(const TwitterStatusList& statuses)
 {
     m_gaps.notePage(statuses.size());
+    const QString oldestBefore = oldestStatusID();
     addStatuses(statuses);
+    m_lowestOfIdlePage
+        = oldestStatusID() == oldestBefore ? TwitterStreamGaps::lowestOf(idsOf(statuses)) : QString();
 }
 
 void TwitterConcreteStatusesStream::_addMissing(const TwitterStatusList& statuses, const QString& belowID)
 {
-    const bool goesOn = m_gaps.addPage(idsOf(statuses), statuses.size(), belowID);
+    const bool goesOn = m_gaps.addPage(idsOf(statuses), statuses.size(), belowID, idsOf(m_statuses));
     addStatuses(statuses);
     if (goesOn)
         _loadGap(belowID);
@@ -249,22 +248,13 @@ bool TwitterConcreteStatusesStream::_isKnownWithoutID(const TwitterStatus& statu
            });
 }
 
-void TwitterConcreteStatusesStream::_noteDropped(const QString& statusID)
-{
-    if (!statusID.isNull()
-        && (m_lowestDroppedID.isNull() || std::is_lt(compareTwitterIDs(statusID, m_lowestDroppedID))))
-        m_lowestDroppedID = statusID;
-}
-
 void TwitterConcreteStatusesStream::addStatuses(const TwitterStatusList& statuses)
 {
     const TwitterStatusList definitive = m_tables->definitiveStatuses(statuses);
     TwitterStatusList merged = m_statuses;
-    for (const TwitterStatusPtr& status : definitive) {
-        if (!FilterWithUserDefaults(status))
-            _noteDropped(status->statusID());
+    for (const TwitterStatusPtr& status : KRAdditions::mapFunction(definitive, FilterWithUserDefaults)) {
         // What has no ID is equal to nothing else, and would come again with every load.
-        else if (!_isKnownWithoutID(*status))
+        if (!_isKnownWithoutID(*status))
             merged.append(status);
     }
     merged = KRAdditions::sortedArray(KRAdditions::arrayWithoutDuplicates(merged));

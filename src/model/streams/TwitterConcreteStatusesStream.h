@@ -54,9 +54,10 @@ public:
     [[nodiscard]] TwitterStatusPtr oldestStatus() const;
     [[nodiscard]] QString newestStatusID() const;
     [[nodiscard]] QString oldestStatusID() const;
-    /// What the next older page lies below: the oldest stored status, or a lower one that the user's filter has
-    /// dropped. A page of nothing else would be asked for again and again otherwise.
-    [[nodiscard]] QString oldestReceivedID() const;
+    /// Where the next older page begins: at the oldest status, or at the lowest one of a page that has brought
+    /// nothing older, be it that the user's filter has dropped it all or that one of the list came late and is
+    /// dated long before its neighbours. The same page would be asked for again and again otherwise.
+    [[nodiscard]] QString olderPageID() const;
 
     /// The old end was reached: at once for loadOlder(), with the update that shows it on the main thread.
     /// Any thread.
@@ -92,7 +93,6 @@ private:
     void _addMissing(const TwitterStatusList& statuses, const QString& belowID);
     void _failMissing(const QString& belowID);
     void _loadGap(const QString& belowID);
-    void _noteDropped(const QString& statusID);
     [[nodiscard]] bool _isKnownWithoutID(const TwitterStatus& status) const;
     void _postDidUpdate();
     void _markAtEnd();
@@ -100,8 +100,8 @@ private:
     std::shared_ptr<TwitterUniquingTables> m_tables;
     TwitterStatusList m_statuses;
     TwitterStreamGaps m_gaps;
-    // By the user's filter.
-    QString m_lowestDroppedID;
+    // The last older page, if the oldest status is the one from before it.
+    QString m_lowestOfIdlePage;
     std::atomic<bool> m_isLoadingNewer = false;
     std::atomic<bool> m_isLoadingOlder = false;
     std::atomic<bool> m_isAtEnd = false;

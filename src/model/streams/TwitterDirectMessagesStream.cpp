@@ -165,7 +165,8 @@ void TwitterDirectMessagesStream::_postError(const KRError& error)
 void TwitterDirectMessagesStream::_addNewer(const TwitterDirectMessageList& messages,
     const QString& newestKnownID)
 {
-    const bool hasGap = m_gaps.openBelow(idsOf(messages), messages.size(), newestKnownID, 0);
+    const bool hasGap
+        = m_gaps.openBelow(idsOf(messages), messages.size(), newestKnownID, 0, idsOf(m_messages));
     addMessages(messages);
     if (hasGap)
         _loadGap(newestKnownID);
@@ -180,7 +181,7 @@ void TwitterDirectMessagesStream::_addOlder(const TwitterDirectMessageList& mess
 void TwitterDirectMessagesStream::_addMissing(const TwitterDirectMessageList& messages,
     const QString& belowID)
 {
-    const bool goesOn = m_gaps.addPage(idsOf(messages), messages.size(), belowID);
+    const bool goesOn = m_gaps.addPage(idsOf(messages), messages.size(), belowID, idsOf(m_messages));
     addMessages(messages);
     if (goesOn)
         _loadGap(belowID);

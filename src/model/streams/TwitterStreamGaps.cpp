@@ -2,11 +2,23 @@
 
 #include "model/records/TwitterRecordOrder.h"
 
+#include <QSet>
+
 #include <algorithm>
 
 namespace {
 
-QString lowestOf(const QStringList& ids)
+bool meets(const QStringList& pageIDs, const QStringList& knownIDs)
+{
+    const QSet<QString> known(knownIDs.begin(), knownIDs.end());
+    return std::any_of(pageIDs.begin(), pageIDs.end(), [&known](const QString& id) {
+        return known.contains(id);
+    });
+}
+
+} // namespace
+
+QString TwitterStreamGaps::lowestOf(const QStringList& ids)
 {
     const auto isLower
         = [](const QString& a, const QString& b) { return std::is_lt(compareTwitterIDs(a, b)); };
@@ -14,30 +26,38 @@ QString lowestOf(const QStringList& ids)
     return lowest == ids.end() ? QString() : *lowest;
 }
 
-} // namespace
-
 bool TwitterStreamGaps::openBelow(const QStringList& pageIDs,
     qsizetype posts,
     const QString& belowID,
-    qsizetype asked)
+    qsizetype asked,
+    const QStringList& knownIDs)
 {
     const bool isFull = posts > largestLastPage && (posts >= m_longestPage || (asked > 0 && posts >= asked));
     notePage(posts);
     const QString lowest = lowestOf(pageIDs);
     if (!isFull || belowID.isNull() || std::is_lteq(compareTwitterIDs(lowest, belowID)))
         return false;
+    if (meets(pageIDs, knownIDs))
+        return false;
     m_gaps.append({ belowID, lowest });
     return true;
 }
 
-bool TwitterStreamGaps::addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID)
+bool TwitterStreamGaps::addPage(const QStringList& pageIDs,
+    qsizetype posts,
+    const QString& belowID,
+    const QStringList& knownIDs)
 {
     notePage(posts);
     Gap* const gap = _gapAbove(belowID);
     if (!gap)
         return false;
     const QString lowest = lowestOf(pageIDs);
-    if (posts <= largestLastPage || std::is_lteq(compareTwitterIDs(lowest, belowID))) {
+    // What is known below the pages of this gap was there before.
+    QStringList oldIDs = knownIDs;
+    oldIDs.removeIf([gap](const QString& id) { return std::is_gteq(compareTwitterIDs(id, gap->aboveID)); });
+    if (posts <= largestLastPage || std::is_lteq(compareTwitterIDs(lowest, belowID))
+        || meets(pageIDs, oldIDs)) {
         m_gaps.removeIf([&belowID](const Gap& one) { return one.belowID == belowID; });
         return false;
     }

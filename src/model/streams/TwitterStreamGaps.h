@@ -26,15 +26,23 @@ public:
         int pagesInARow = 0;
     };
 
+    /// The lowest of the IDs; null when there is none.
+    [[nodiscard]] static QString lowestOf(const QStringList& ids);
     /// A page of whatever kind has come with so many posts.
     void notePage(qsizetype posts) { m_longestPage = std::max(m_longestPage, posts); }
     /// What is newer than `belowID` has come. True when it is a full page that does not reach down to it:
     /// there is a gap, to be loaded from the page's lowest post. A page is full when it holds as many posts
-    /// as were asked for (0: the service decides), or as many as the longest one so far.
-    bool openBelow(const QStringList& pageIDs, qsizetype posts, const QString& belowID, qsizetype asked);
-    /// A page from the top of a gap has come. True when the next one is to be loaded; else the gap has
+    /// as were asked for (0: the service decides), or as many as the longest one so far. A page that meets
+    /// what the list has already needs nothing below: the newest one by date may lie far down.
+    bool openBelow(const QStringList& pageIDs,
+        qsizetype posts,
+        const QString& belowID,
+        qsizetype asked,
+        const QStringList& knownIDs);
+    /// A page from the top of a gap has come. It closes the gap when it meets what the list had. True when the next one is to be loaded; else the gap has
     /// closed, or is shown because the service brings nothing new or there is no end to it.
-    bool addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID);
+    bool
+    addPage(const QStringList& pageIDs, qsizetype posts, const QString& belowID, const QStringList& knownIDs);
     /// Loading a gap has failed.
     void fail(const QString& belowID);
     /// Begins loading a gap again; false when there is none, or it is being loaded.

@@ -204,6 +204,11 @@ TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
           "never happen\n["_s;
     EXPECT_EQ(log.lines().filter(warning).size(), 2);
 
+    const TwitterUserPtr ahead = user(u"1"_s, u"bob"_s, -3600);
+    ahead->assimilateUser(*user(u"1"_s, u"robert"_s, 10));
+    EXPECT_EQ(ahead->username(), u"robert"_s) << "made under a clock that has been put right since";
+    EXPECT_EQ(std::exchange(notifications, 0), 1);
+
     // Everything is taken over, also that something is no longer there.
     const auto fieldsOf = [](const TwitterUser& one) {
         QStringList fields { one.userID(),

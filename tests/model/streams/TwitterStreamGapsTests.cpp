@@ -50,7 +50,8 @@ protected:
     {
         m_newest += more;
         stream.loadNewer();
-        return settle(stream) && countOf(stream) == count && newestOf(stream) == QString::number(m_newest);
+        return settle(stream) && countOf(stream) == count
+            && newestOf(stream) == QString::number(m_ahead > 0 ? m_ahead : m_newest);
     }
     /// Waits until everything that was to be loaded has been merged.
     template <class Stream>
@@ -88,6 +89,8 @@ protected:
     std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
     std::atomic<int> m_newest = 0;
     std::atomic<int> m_pageSize = 20;
+    /// One that is dated long after all others.
+    std::atomic<int> m_ahead = 0;
     /// Pages below an ID fail, or are the newest one.
     std::atomic<bool> m_failsBelow = false;
     std::atomic<bool> m_ignoresBelow = false;
@@ -102,9 +105,12 @@ private:
         if (query.hasQueryItem(u"max_id"_s) && !m_ignoresBelow)
             id = std::min(id, query.queryItemValue(u"max_id"_s).toInt());
         QList<QByteArray> elements;
-        for (; id > sinceID && elements.size() < m_pageSize; --id)
-            elements.append(target.startsWith("/direct") ? KRTestSite::message(id, "you", "me")
-                                                         : KRTestSite::status(id, "you", "text"));
+        for (; id > sinceID && elements.size() < m_pageSize; --id) {
+            const int dated = id == m_ahead ? 10'000 : id;
+            elements.append(target.startsWith("/direct") ? KRTestSite::message(dated, "you", "me")
+                                                         : KRTestSite::status(dated, "you", "text"));
+            elements.last().replace("<id>10000</id>", "<id>" + QByteArray::number(id) + "</id>");
+        }
         const bool fails = m_failsBelow && query.hasQueryItem(u"max_id"_s);
         return { fails ? 503 : 200, KRTestSite::statuses(elements) };
     }
@@ -138,6 +144,22 @@ TEST_F(Gaps, AreLoadedUntilTheListMeetsWhatItHad)
     check(KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account));
     check(KRMakeMainThreadObject<TwitterSentDirectMessagesStream>(m_account->tables(), m_account));
     EXPECT_EQ(m_site.targets().count("/direct_messages/sent.xml?max_id=119"), 1);
+}
+
+TEST_F(Gaps, AreNotSoughtAgainDownToAPostThatIsDatedAhead)
+{
+    const auto check = [this](const auto& stream) {
+        m_newest = m_ahead = 50;
+        (void)asked();
+        ASSERT_TRUE(load(*stream, 0, 20) && load(*stream, 30, 50));
+        EXPECT_EQ(asked(), u"n n 61"_s);
+        ASSERT_TRUE(load(*stream, 5, 55));
+        EXPECT_EQ(asked(), u"n"_s) << "the page meets what came with the one before";
+        ASSERT_TRUE(load(*stream, 45, 100));
+        EXPECT_EQ(asked(), u"n 111 92"_s);
+    };
+    check(makeStream<TwitterTimelineStream>());
+    check(KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account));
 }
 
 TEST_F(Gaps, APageWithAsManyAsWereAskedForIsFullWhateverCameBefore)

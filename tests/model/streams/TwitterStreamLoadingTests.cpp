@@ -7,6 +7,7 @@
 #include "model/streams/TwitterUserStream.h"
 
 #include <QTemporaryDir>
+#include <QUrlQuery>
 
 #include <gtest/gtest.h>
 
@@ -145,6 +146,26 @@ TEST_F(StreamLoading, GetsPastAnOlderPageThatTheUserFilters)
     EXPECT_EQ(m_site.targets().last(), "/statuses/home_timeline.xml?max_id=11&count=200");
     defaults.removeObjectForKey("filterTerms");
     ReadFilterTerms(defaults);
+}
+
+TEST_F(StreamLoading, GetsPastAPostThatCameLate)
+{
+    // Written elsewhere long ago, it is the oldest one by date among posts of its number.
+    m_site.answer("/statuses/home_timeline.xml", [](const KRTestServer::Request& request) {
+        const int top = QUrlQuery(QString::fromLatin1(request.target.split('?').last()))
+                            .queryItemValue(u"max_id"_s)
+                            .toInt();
+        QByteArray body = page((top ? top : 100) - 19, top ? top : 100);
+        QByteArray late = KRTestSite::status(1, "you", "text");
+        late.replace("<id>1</id>", "<id>95</id>");
+        return KRTestSite::Answer { 200, body.replace(KRTestSite::status(95, "you", "text"), late) };
+    });
+    const auto stream = makeStream<TwitterTimelineStream>();
+    ASSERT_TRUE(waitForNewer(*stream));
+    EXPECT_EQ(stream->oldestStatusID(), u"95"_s);
+    ASSERT_TRUE(waitForOlder(*stream) && waitForOlder(*stream) && waitForOlder(*stream));
+    EXPECT_EQ(m_site.targets().last(), "/statuses/home_timeline.xml?max_id=57&count=200");
+    EXPECT_EQ(stream->storedStatuses().size(), 63);
 }
 
 TEST_F(StreamLoading, SendsOneRequestAtATimeInEachDirection)
