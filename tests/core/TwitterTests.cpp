@@ -397,6 +397,7 @@ TEST_F(TwitterTest, ATrustedCertificateIsKeptWithTheAccountsOfItsServer)
     const auto trusted = [&server] { return KRTrustedCertificates::fingerprintForServer(server); };
     TwitterSite site;
     site.hosts.setValueForKey(u"Other.example/api"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    site.textLimit = 7;
     const auto signIn = [&](const QString& name, const KRServerCertificate& certificate) {
         site.certificates = { certificate };
         m_twitter->addAccount(
@@ -418,6 +419,7 @@ TEST_F(TwitterTest, ATrustedCertificateIsKeptWithTheAccountsOfItsServer)
         EXPECT_EQ(again->accounts()[1]->certificates(), QList { first });
         EXPECT_EQ(again->accounts()[1]->context().hosts.server(),
             hostsAreForAll ? m_site.host() : u"other.example"_s);
+        EXPECT_EQ(again->accounts()[1]->longestPost(), hostsAreForAll ? 140 : 7);
         again->shutdown();
     }
 
