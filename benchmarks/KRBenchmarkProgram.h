@@ -32,9 +32,6 @@ public:
         hosts.setValueForKey(host, QLatin1String(TwitterServiceHosts::RESTHostKey));
         hosts.setValueForKey(QStringLiteral("https://") + host,
             QLatin1String(TwitterServiceHosts::searchHostKey));
-        KRUserDefaults& defaults = KRUserDefaults::standardUserDefaults();
-        // Of a program that was here before.
-        defaults.removeObjectForKey("accounts");
         twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, hosts, false, true });
         for (int number = 1; number <= accountCount; ++number) {
             const QString name = QStringLiteral("reader%1").arg(number);
@@ -106,6 +103,8 @@ public:
         return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
     }
 
+    QTemporaryDir directory;
+    KRUserDefaults defaults { directory.filePath(QStringLiteral("defaults.ini")) };
     KRQtRunLoopDriver driver;
     std::shared_ptr<Twitter> twitter;
     std::unique_ptr<PelinorAppDelegate> delegate;
