@@ -82,7 +82,7 @@ public:
     static bool waitUntil(const std::function<bool()>& condition)
     {
         QTimer pulse;
-        pulse.start(50);
+        pulse.start(200);
         QElapsedTimer timer;
         timer.start();
         while (!condition() && timer.elapsed() < 60'000)

@@ -64,6 +64,13 @@ private:
                 connection.respond(200, _results(page));
             else
                 connection.respond(200, _messages(page));
+        } else if (path == "/users/show.xml") {
+            const Post post { {}, {}, {}, "1", _addressOfPicture("1") };
+            connection.respond(200,
+                "<user>"
+                    + _user(post).replace("author1",
+                        query.queryItemValue(QStringLiteral("screen_name")).toUtf8())
+                    + "</user>");
         } else {
             connection.respond(404, "nothing here");
         }
@@ -91,9 +98,14 @@ private:
                 id + " the tide is out until four, so we walk around the head #coast @author" + author
                     + " http://example.org/tides/" + id + ".html and are back for tea",
                 author,
-                "https://" + m_server.host().toLatin1() + "/pictures/" + author + ".png" });
+                _addressOfPicture(author) });
         }
         return page;
+    }
+
+    [[nodiscard]] QByteArray _addressOfPicture(const QByteArray& author) const
+    {
+        return "https://" + m_server.host().toLatin1() + "/pictures/" + author + ".png";
     }
 
     static QByteArray _user(const Post& post)

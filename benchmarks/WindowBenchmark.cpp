@@ -126,7 +126,7 @@ void heartbeat(benchmark::State& state)
         program.twitter->heartbeat();
         QElapsedTimer quiet;
         QTimer pulse;
-        pulse.start(50);
+        pulse.start(500);
         quiet.start();
         while (quiet.elapsed() < 1000) {
             turns.push_back(Program::turn());
