@@ -1,13 +1,9 @@
-// From the start of the program to its first painted window, and the memory it holds with a long timeline,
-// beside an empty window of the toolkit. Both run as processes of their own.
+// From the start of the program to its first painted window, and the memory it holds with a long timeline and
+// with many, beside an empty window of the toolkit. All run as processes of their own.
 
-#include "support/KRTestServer.h"
+#include "KRBenchmarkSite.h"
 
-#include <QBuffer>
-#include <QDateTime>
 #include <QFile>
-#include <QImage>
-#include <QLocale>
 #include <QTemporaryDir>
 
 #include <benchmark/benchmark.h>
@@ -24,81 +20,22 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int reportDescriptor = 3;
-constexpr int postCount = 500;
-constexpr int authorCount = 60;
-constexpr char timelinePath[] = "/statuses/home_timeline.xml";
+constexpr int FullStream = 500;
 
-QByteArray portrait(int number)
+/// Until a page has been asked for and nothing else has been for a while; whether that happened.
+bool waitUntilQuiet(const KRBenchmarkSite& site)
 {
-    QImage image(96, 96, QImage::Format_RGB32);
-    image.fill(QColor::fromHsv(number * 359 / authorCount, 180, 200));
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    image.save(&buffer, "PNG");
-    return bytes;
+    constexpr int quietNeeded = 20;
+    int quiet = 0;
+    int seen = 0;
+    for (int i = 0; i < 300 && quiet < quietNeeded; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        const int asked = site.pageCount() + site.pictureCount();
+        quiet = site.pageCount() > 0 && asked == seen ? quiet + 1 : 0;
+        seen = asked;
+    }
+    return quiet == quietNeeded;
 }
-
-QByteArray timeline(const QString& host)
-{
-    QByteArray page = "<?xml version=\"1.0\" encoding=\"UTF-8\"?><statuses type=\"array\">";
-    const QDateTime newest = QDateTime::currentDateTimeUtc();
-    for (int number = postCount; number > 0; --number) {
-        const QByteArray id = QByteArray::number(number);
-        const QByteArray author = QByteArray::number(number % authorCount);
-        const QString date = QLocale::c().toString(newest.addSecs((number - postCount) * 60LL),
-            QStringLiteral("ddd MMM dd HH:mm:ss '+0000' yyyy"));
-        page += "<status><created_at>" + date.toLatin1() + "</created_at><id>" + id + "</id><text>" + id
-            + " the tide is out until four, so we walk around the head #coast @author" + author
-            + " http://example.org/tides/" + id + ".html and are back for tea</text><user><id>" + author
-            + "</id><name>Author " + author + "</name><screen_name>author" + author
-            + "</screen_name><profile_image_url>https://" + host.toLatin1() + "/portraits/" + author
-            + ".png</profile_image_url></user></status>";
-    }
-    return page + "</statuses>";
-}
-
-/// A site with one long timeline.
-class Site {
-public:
-    Site()
-        : m_server(
-            [this](const KRTestServer::Request& request, KRTestServer::Connection& connection) {
-                const QByteArray path = request.target.split('?').value(0);
-                if (path == timelinePath)
-                    connection.respond(200, timeline(m_server.host()));
-                else if (path.startsWith("/portraits/"))
-                    connection.respond(200, portrait(path.mid(11, path.size() - 15).toInt()));
-                else
-                    connection.respond(200, "<statuses type=\"array\"/>");
-            },
-            KRTestCertificate::Good)
-    {
-    }
-
-    [[nodiscard]] QString host() const { return m_server.host(); }
-
-    /// Until the timeline has been asked for and nothing else has been for a while; whether that happened.
-    [[nodiscard]] bool waitUntilQuiet() const
-    {
-        constexpr int quietNeeded = 20;
-        int quiet = 0;
-        int seen = 0;
-        for (int i = 0; i < 300 && quiet < quietNeeded; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(100));
-            const QList<KRTestServer::Request> requests = m_server.requests();
-            const bool hasTimeline = std::any_of(requests.begin(), requests.end(), [](const auto& request) {
-                return request.target.startsWith(timelinePath);
-            });
-            quiet = hasTimeline && requests.size() == seen ? quiet + 1 : 0;
-            seen = static_cast<int>(requests.size());
-        }
-        return quiet == quietNeeded;
-    }
-
-private:
-    KRTestServer m_server;
-};
 
 /// A program that has been started and is ended with this value.
 class Process {
@@ -137,13 +74,9 @@ public:
     }
 
     /// Waits for the first painting. Seconds since the start; negative when the program ended before it.
-    [[nodiscard]] double secondsToFirstPainting() const
-    {
-        char byte = 0;
-        if (m_process < 0 || ::read(m_report, &byte, 1) != 1)
-            return -1;
-        return std::chrono::duration<double>(Clock::now() - m_start).count();
-    }
+    [[nodiscard]] double secondsToFirstPainting() const { return _secondsToReport(); }
+    /// Waits, behind the first painting, until the program says that it is full.
+    [[nodiscard]] bool waitUntilFull() const { return _secondsToReport() > 0; }
 
     [[nodiscard]] double residentMegabytes() const
     {
@@ -158,15 +91,23 @@ public:
     }
 
 private:
+    [[nodiscard]] double _secondsToReport() const
+    {
+        char byte = 0;
+        if (m_process < 0 || ::read(m_report, &byte, 1) != 1)
+            return -1;
+        return std::chrono::duration<double>(Clock::now() - m_start).count();
+    }
+
     Clock::time_point m_start;
     pid_t m_process = -1;
     int m_report = -1;
 };
 
-/// What the program runs with: a home of its own, the site, one account.
+/// What the program runs with: a home of its own, the site, and so many accounts.
 class Setting {
 public:
-    Setting()
+    explicit Setting(int accountCount)
     {
         for (const char* name : { "HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME" })
             qputenv(name, m_home.path().toUtf8());
@@ -177,27 +118,28 @@ public:
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
         _write("services.ini", "[ServiceHosts]\nRESTHost=" + m_site.host().toLatin1() + '\n');
-        _write("password", "secret\n");
+        QByteArray passwords;
+        for (int number = 1; number <= accountCount; ++number) {
+            m_signIn += { "--account", "reader" + QByteArray::number(number) };
+            passwords += "secret\n";
+        }
+        _write("passwords", passwords);
     }
 
-    [[nodiscard]] Process program() const
+    /// Signs in; the accounts are stored from then on.
+    [[nodiscard]] Process firstStart() const
     {
-        return { { PELINOR_PROGRAM,
-                     "--services",
-                     _path("services.ini"),
-                     "--ca-file",
-                     QFile::encodeName(KRTestAuthorityFile()),
-                     "--account",
-                     "alice",
-                     "--password-stdin" },
-            _path("password") };
+        return { _program() + m_signIn + QList<QByteArray> { "--password-stdin" }, _path("passwords") };
     }
-    [[nodiscard]] Process emptyWindow() const { return { { PELINOR_EMPTY_WINDOW }, _path("password") }; }
-    [[nodiscard]] Process textWindow() const
+    [[nodiscard]] Process program() const { return { _program(), "/dev/null" }; }
+    [[nodiscard]] Process fullProgram() const
     {
-        return { { PELINOR_EMPTY_WINDOW, "Hello" }, _path("password") };
+        return { { PELINOR_FULL_WINDOW, m_site.host().toLatin1(), QFile::encodeName(KRTestAuthorityFile()) },
+            "/dev/null" };
     }
-    [[nodiscard]] const Site& site() const { return m_site; }
+    [[nodiscard]] Process emptyWindow() const { return { { PELINOR_EMPTY_WINDOW }, "/dev/null" }; }
+    [[nodiscard]] Process textWindow() const { return { { PELINOR_EMPTY_WINDOW, "Hello" }, "/dev/null" }; }
+    [[nodiscard]] const KRBenchmarkSite& site() const { return m_site; }
 
 private:
     [[nodiscard]] QByteArray _path(const char* name) const
@@ -211,16 +153,26 @@ private:
             std::abort();
     }
 
+    [[nodiscard]] QList<QByteArray> _program() const
+    {
+        return { PELINOR_PROGRAM,
+            "--services",
+            _path("services.ini"),
+            "--ca-file",
+            QFile::encodeName(KRTestAuthorityFile()) };
+    }
+
     QTemporaryDir m_home;
-    Site m_site;
+    KRBenchmarkSite m_site { FullStream };
+    QList<QByteArray> m_signIn;
 };
 
 void startToFirstPainting(benchmark::State& state)
 {
-    const Setting setting;
-    // The first start of all reads both programs from disk and makes the account.
+    const Setting setting(3);
+    // The first start of all reads both programs from disk and makes the accounts.
     bool works = setting.emptyWindow().secondsToFirstPainting() > 0
-        && setting.program().secondsToFirstPainting() > 0;
+        && setting.firstStart().secondsToFirstPainting() > 0;
     double emptyTime = 0;
     double textTime = 0;
     double programTime = 0;
@@ -242,26 +194,41 @@ void startToFirstPainting(benchmark::State& state)
 }
 BENCHMARK(startToFirstPainting)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(10);
 
+void reportMemory(benchmark::State& state, const Process& window, const Process& program)
+{
+    const double empty = window.residentMegabytes();
+    state.counters["empty_mb"] = empty;
+    state.counters["growth_mb"] = program.residentMegabytes() - empty;
+}
+
 void memoryWith500Posts(benchmark::State& state)
 {
-    double empty = 0;
-    double full = 0;
     for ([[maybe_unused]] auto iteration : state) {
-        const Setting setting;
+        const Setting setting(1);
         const Process window = setting.emptyWindow();
-        const Process program = setting.program();
+        const Process program = setting.firstStart();
         state.SetIterationTime(program.secondsToFirstPainting());
-        if (window.secondsToFirstPainting() < 0 || !setting.site().waitUntilQuiet()) {
+        if (window.secondsToFirstPainting() < 0 || !waitUntilQuiet(setting.site()))
             state.SkipWithError("the program did not load its timeline");
-            break;
-        }
-        empty = window.residentMegabytes();
-        full = program.residentMegabytes();
+        reportMemory(state, window, program);
     }
-    state.counters["empty_mb"] = empty;
-    state.counters["growth_mb"] = full - empty;
 }
 BENCHMARK(memoryWith500Posts)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1);
+
+// Five accounts, five streams of 500 each, 300 avatars.
+void memoryWith25Streams(benchmark::State& state)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        const Setting setting(0);
+        const Process window = setting.emptyWindow();
+        const Process program = setting.fullProgram();
+        state.SetIterationTime(program.secondsToFirstPainting());
+        if (window.secondsToFirstPainting() < 0 || !program.waitUntilFull())
+            state.SkipWithError("the program did not load its streams");
+        reportMemory(state, window, program);
+    }
+}
+BENCHMARK(memoryWith25Streams)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(1);
 
 } // namespace
 

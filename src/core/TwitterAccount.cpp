@@ -186,16 +186,19 @@ std::optional<TwitterSite> TwitterAccount::siteWithCoder(const KRKeyedUnarchiver
 
 QList<KRServerCertificate> TwitterAccount::certificates() const
 {
-    return m_context.site ? m_context.site->certificates : QList<KRServerCertificate>();
+    const std::optional<TwitterSite>& site = m_context.site ? m_context.site : m_context.replacedSite;
+    return site ? site->certificates : QList<KRServerCertificate>();
 }
 
 void TwitterAccount::setCertificates(const QList<KRServerCertificate>& certificates)
 {
     if (this->certificates() == certificates)
         return;
-    if (!m_context.site)
-        m_context.site = TwitterSite { m_context.hosts };
-    m_context.site->certificates = certificates;
+    std::optional<TwitterSite>& site
+        = m_context.site || !m_context.replacedSite ? m_context.site : m_context.replacedSite;
+    if (!site)
+        site = TwitterSite { m_context.hosts };
+    site->certificates = certificates;
     _postArchiveDidChange();
 }
 

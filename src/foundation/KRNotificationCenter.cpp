@@ -82,11 +82,13 @@ void KRNotificationCenter::_post(std::type_index type, const void* object, const
         const auto found = m_table->entries.find(type);
         if (found == m_table->entries.end())
             return;
-        observers = found->second;
+        // Most observers are of one object, and most posts are of others.
+        for (const auto& observer : found->second) {
+            if (!observer->object || observer->object == object)
+                observers.push_back(observer);
+        }
     }
     for (const auto& observer : observers) {
-        if (observer->object && observer->object != object)
-            continue;
         if (observer->active.load(std::memory_order_acquire))
             observer->handler(notification);
     }

@@ -102,24 +102,35 @@ void KRRunLoop::_insertTimer(const std::shared_ptr<KRTimer::State>& timer)
         m_wakeHook();
 }
 
-bool KRRunLoop::runPending()
+bool KRRunLoop::runPending(std::optional<Duration> turn)
 {
-    const bool ranCalls = _runQueue();
+    const bool ranCalls = _runQueue(turn);
     const bool ranTimers = _runTimers();
     return ranCalls || ranTimers;
 }
 
-bool KRRunLoop::_runQueue()
+bool KRRunLoop::_runQueue(std::optional<Duration> turn)
 {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
     std::vector<Task> tasks;
     {
         std::scoped_lock guard(m_lock);
         tasks.swap(m_queue);
     }
-    for (Task& task : tasks) {
-        task();
+    for (size_t at = 0; at < tasks.size(); ++at) {
+        tasks[at]();
         // What the call holds is released before the next one runs, as the order of calls promises.
-        task = nullptr;
+        tasks[at] = nullptr;
+        if (turn && at + 1 < tasks.size() && Clock::now() - start >= *turn) {
+            std::scoped_lock guard(m_lock);
+            m_queue.insert(m_queue.begin(),
+                std::make_move_iterator(tasks.begin() + qptrdiff(at) + 1),
+                std::make_move_iterator(tasks.end()));
+            if (m_wakeHook)
+                m_wakeHook();
+            break;
+        }
     }
     return !tasks.empty();
 }

@@ -60,7 +60,9 @@ public:
     /// Runs the calls that were waiting when it was called, then the timers that are due. Calls posted
     /// meanwhile wait for the next pass, so that a driver gets to its own events. Returns whether anything
     /// ran.
-    bool runPending();
+    /// A driver with other events to see to says how long a turn may be: when that has passed, the calls that
+    /// are left wait for the next one, in their order.
+    bool runPending(std::optional<Duration> turn = std::nullopt);
     /// How long the driver may wait: zero when a call is waiting, nothing when only a wake-up can bring work.
     [[nodiscard]] std::optional<Duration> timeUntilNextWork() const;
 
@@ -74,7 +76,7 @@ public:
 
 private:
     void _insertTimer(const std::shared_ptr<KRTimer::State>& timer);
-    bool _runQueue();
+    bool _runQueue(std::optional<Duration> turn);
     bool _runTimers();
 
     mutable std::mutex m_lock;

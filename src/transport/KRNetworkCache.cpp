@@ -35,6 +35,12 @@ bool isWebPage(const KRHTTPRequest& request)
         && request.data().trimmed().startsWith('<');
 }
 
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// One download, and all who wait for it.
 class Download : public std::enable_shared_from_this<Download> {
 public:
@@ -42,14 +48,23 @@ public:
     static void join(const QUrl& url, const QString& file, KRCallback<QByteArray> callback)
     {
         std::shared_ptr<Download> download;
+        QByteArray finished;
         {
             std::scoped_lock guard(s_lock);
-            std::shared_ptr<Download>& known = s_running[url];
-            if (known) {
-                known->m_callbacks.push_back(std::move(callback));
+            if (const auto known = s_running.constFind(url); known != s_running.cend()) {
+                (*known)->m_callbacks.push_back(std::move(callback));
                 return;
             }
-            known = download = std::make_shared<Download>(url, file, std::move(callback));
+            // It may have come since the asker looked.
+            finished = contentOf(file);
+            if (finished.isEmpty()) {
+                download = std::make_shared<Download>(url, file, std::move(callback));
+                s_running.insert(url, download);
+            }
+        }
+        if (!download) {
+            callback.invoke(finished);
+            return;
         }
         const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
         request->setUrl(url);
@@ -104,8 +119,7 @@ QByteArray KRNetworkCache::cachedDataForURL(const QUrl& url, QString* file)
     const QString path = pathForURL(url);
     if (file)
         *file = path;
-    QFile cached(path);
-    return cached.open(QIODevice::ReadOnly) ? cached.readAll() : QByteArray();
+    return contentOf(path);
 }
 
 void KRNetworkCache::request(const QUrl& url, KRCallback<QByteArray> callback)

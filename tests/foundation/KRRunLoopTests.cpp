@@ -25,6 +25,28 @@ TEST(KRRunLoop, RunsCallsInOrderAndLeavesLaterOnesToTheNextPass)
     EXPECT_EQ(loop.timeUntilNextWork(), std::nullopt);
 }
 
+TEST(KRRunLoop, CallsThatATurnHasNoTimeForStayInOrder)
+{
+    KRRunLoop loop;
+    int wakes = 0;
+    loop.setWakeHook([&] { ++wakes; });
+    QList<int> ran;
+    for (const int number : { 1, 2, 3 })
+        loop.post([&ran, &loop, number] {
+            ran.append(number);
+            if (number == 1)
+                loop.post([&ran] { ran.append(4); });
+        });
+    for (const QList<int>& expected : { QList<int> { 1 }, { 1, 2 }, { 1, 2, 3 }, { 1, 2, 3, 4 } }) {
+        wakes = 0;
+        EXPECT_TRUE(loop.runPending(0ms));
+        EXPECT_EQ(ran, expected);
+        EXPECT_EQ(wakes > 0, expected.size() < 4) << "whoever drives the loop comes again";
+    }
+    EXPECT_FALSE(loop.runPending(0ms));
+    loop.setWakeHook({});
+}
+
 TEST(KRRunLoop, FiresTimersAtTheirTimesByTheClock)
 {
     KRManualClock clock;

@@ -4,6 +4,7 @@
 #include "app/look/PelinorDisplayPreferences.h"
 #include "foundation/KRUserDefaults.h"
 #include "model/streams/TwitterDummyStatus.h"
+#include "text/render/KRTextHeightCache.h"
 
 #include <QHash>
 #include <QKeyEvent>
@@ -15,6 +16,7 @@ namespace {
 
 constexpr auto DateInterval = std::chrono::minutes(1);
 constexpr int JumpToNewest = 1;
+constexpr int MeasuredAtOnce = 40;
 
 const TwitterDummyMissingStatus& missing(const TwitterStatusPtr& status)
 {
@@ -69,6 +71,7 @@ void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
     m_streamObservation.invalidate();
     m_preferencesObservation.invalidate();
     m_dateTimer.invalidate();
+    m_measuring.invalidate();
     saveScrollPosition();
     if (tableView().isScrolledToTop())
         noteFreshness();
@@ -77,7 +80,29 @@ void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
 void PelinorStatusListViewController::streamDidUpdate()
 {
     m_isLoadingOlder = false;
-    setStatuses(stream()->statuses());
+    m_arrived = stream()->statuses();
+    m_nextToMeasure = 0;
+    _measureArrived();
+}
+
+void PelinorStatusListViewController::_measureArrived()
+{
+    // Measuring is what takes time when many posts come. The user is heard between two lots of them, and the
+    // reload finds all heights known.
+    const int measuredBefore = environment().heights.measuredCount();
+    for (; m_nextToMeasure < m_arrived.size(); ++m_nextToMeasure) {
+        if (environment().heights.measuredCount() - measuredBefore >= MeasuredAtOnce) {
+            m_measuring = KRRunLoop::main().scheduleTimer(KRRunLoop::Duration::zero(),
+                KRRunLoop::Repeats::No,
+                [this] { _measureArrived(); });
+            return;
+        }
+        const TwitterStatus& status = *m_arrived.at(m_nextToMeasure);
+        if (_kindOf(status) == RowKind::Status)
+            _heightOfStatus(status);
+    }
+    m_measuring.invalidate();
+    setStatuses(std::exchange(m_arrived, {}));
 }
 
 void PelinorStatusListViewController::_streamDidFail()
@@ -267,6 +292,15 @@ PelinorStatusCellLayout PelinorStatusListViewController::_layoutOfStatus(const T
         shouldAmplifyStatus(status) ? KRStatusTextSize::Enlarged : KRStatusTextSize::Normal };
 }
 
+int PelinorStatusListViewController::_heightOfStatus(const TwitterStatus& status)
+{
+    return PelinorStatusTableViewCell::heightForStatus(status,
+        tableView().width(),
+        _layoutOfStatus(status),
+        environment().displayPreferences,
+        environment().heights);
+}
+
 int PelinorStatusListViewController::tableViewHeightForRow(KRTableView& tableView, qint64 row)
 {
     const TwitterStatusPtr status = statusForRow(row);
@@ -286,11 +320,7 @@ int PelinorStatusListViewController::tableViewHeightForRow(KRTableView& tableVie
     case RowKind::Status:
         break;
     }
-    return PelinorStatusTableViewCell::heightForStatus(*status,
-        width,
-        _layoutOfStatus(*status),
-        environment().displayPreferences,
-        environment().heights);
+    return _heightOfStatus(*status);
 }
 
 KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableView& tableView, qint64 row)

@@ -92,6 +92,8 @@ private:
     static RowKind _kindOf(const TwitterStatus& status);
 
     void streamDidUpdate();
+    void _measureArrived();
+    int _heightOfStatus(const TwitterStatus& status);
     void _streamDidFail();
     QString _topSavedStatusIDDefaultsKey() const;
     QString _topSavedStatusIDOffsetDefaultsKey() const;
@@ -122,6 +124,10 @@ private:
     bool m_isLoadingOlder = false;
     // The last load of older posts, or of the first ones, went wrong.
     bool m_didFail = false;
+    // What the stream has brought, and how far its heights are known.
+    TwitterStatusList m_arrived;
+    qsizetype m_nextToMeasure = 0;
+    KRTimer m_measuring;
     KRTimer m_dateTimer;
     KRObservation m_preferencesObservation;
     KRObservation m_streamObservation;

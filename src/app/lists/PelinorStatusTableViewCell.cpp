@@ -94,13 +94,14 @@ void PelinorStatusTableViewCell::setStatus(const TwitterStatusPtr& status,
     const PelinorDisplayPreferences& preferences)
 {
     m_status = status;
+    m_drawnAuthor.reset();
     m_layout = layout;
     m_fontSizePreference = preferences.statusCellFontSize;
     m_showsUserName = preferences.displayName == PelinorDisplayPreferences::DisplayUserName;
     m_dimsReadStatuses = preferences.dimPreviouslySelectedTweets;
     if (const TwitterUserPtr& user = status->fromUser()) {
         m_userObservation = m_notifications.observe<TwitterUserDidUpdateNotification>(
-            [this](const TwitterUserDidUpdateNotification&) { update(); },
+            [this](const TwitterUserDidUpdateNotification&) { _authorDidUpdate(); },
             user.get());
     } else {
         m_userObservation.invalidate();
@@ -109,6 +110,19 @@ void PelinorStatusTableViewCell::setStatus(const TwitterStatusPtr& status,
     _layOutText();
     _describeForAccessibility();
     update();
+}
+
+PelinorStatusTableViewCell::Author PelinorStatusTableViewCell::_author() const
+{
+    const TwitterUserPtr& user = m_status->fromUser();
+    return user ? Author { user->username(), user->fullName(), user->profileImage() } : Author();
+}
+
+void PelinorStatusTableViewCell::_authorDidUpdate()
+{
+    // Every post that comes tells all of its author; little of that is new, and less of it is drawn.
+    if (!m_drawnAuthor || *m_drawnAuthor != _author())
+        update();
 }
 
 void PelinorStatusTableViewCell::updateDate()
@@ -417,12 +431,9 @@ void PelinorStatusTableViewCell::paintEvent(QPaintEvent* event)
     // selected is read only then. What changes are colours; the lines stay as they are.
     if (m_textTone != _tone())
         _setTextInTone(_tone());
-    const TwitterUserPtr& user = m_status->fromUser();
+    m_drawnAuthor = _author();
     painter.setOpacity(m_textTone == Tone::Dimmed ? DimmedPictureOpacity : 1);
-    PelinorProfileImage::draw(painter,
-        _geometry().profileImageFrame(),
-        user ? user->profileImage() : nullptr,
-        _colors());
+    PelinorProfileImage::draw(painter, _geometry().profileImageFrame(), m_drawnAuthor->picture, _colors());
     painter.setOpacity(1);
     // Names are read in their own direction.
     painter.setLayoutDirection(Qt::LayoutDirectionAuto);

@@ -9,6 +9,7 @@
 #include "toolkit/KRTableViewCell.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 class KRTextHeightCache;
@@ -115,6 +116,15 @@ private:
     PelinorStatusCellGeometry _geometry() const;
     const PelinorCellColors& _colors() const;
     void _layOutText();
+    struct Author {
+        QString username;
+        QString fullName;
+        TwitterProfileImagePtr picture;
+
+        bool operator==(const Author& other) const = default;
+    };
+    Author _author() const;
+    void _authorDidUpdate();
     void _describeForAccessibility();
     void _drawBackground(QPainter& painter) const;
     void _drawName(QPainter& painter) const;
@@ -128,6 +138,8 @@ private:
 
     KRNotificationCenter& m_notifications;
     KRObservation m_userObservation;
+    // What was drawn of the author; nothing before the first painting, which asks for the picture.
+    std::optional<Author> m_drawnAuthor;
     TwitterStatusPtr m_status;
     PelinorStatusCellLayout m_layout;
     int m_fontSizePreference = 0;

@@ -80,13 +80,32 @@ TwitterAccountPtr PelinorAccountTabsView::selectedAccount() const
 
 void PelinorAccountTabsView::accountDidUpdateNotification()
 {
+    // Most of what an account tells changes nothing here.
+    Looks looks = _looks();
+    if (looks == m_looks)
+        return;
     _updateDisplay(true);
+    m_looks = std::move(looks);
+}
+
+PelinorAccountTabsView::Looks PelinorAccountTabsView::_looks() const
+{
+    Looks looks;
+    for (const TwitterAccountPtr& account : m_accounts) {
+        const TwitterUserPtr user = account->user();
+        quint32 fresh = 0;
+        for (int tag = 0; tag < AccountTabLayer::Count; ++tag)
+            fresh |= quint32(PelinorHasFresh(*account, tag)) << tag;
+        looks.emplace_back(user ? user->profileImage() : nullptr, fresh);
+    }
+    return looks;
 }
 
 // Where things are
 
 void PelinorAccountTabsView::_updateDisplay(bool animated)
 {
+    m_looks.clear();
     const qreal progress = _progress();
     int y = 0;
     bool moves = false;

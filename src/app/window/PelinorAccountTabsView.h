@@ -141,4 +141,8 @@ private:
     std::optional<KRClock::TimePoint> m_movementStart;
     KRTimer m_movementTimer;
     std::vector<KRObservation> m_observations;
+    // What is drawn of the accounts: the picture, and which lists have something new.
+    using Looks = std::vector<std::pair<TwitterProfileImagePtr, quint32>>;
+    [[nodiscard]] Looks _looks() const;
+    Looks m_looks;
 };

@@ -87,7 +87,6 @@ PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvi
     , m_contentView(new ContentView(*this))
     , m_sideTabs(new PelinorAccountTabsView(environment.notifications, m_contentView))
     , m_statusStrip(new PelinorStatusStrip(m_contentView))
-    , m_goToUserPanel(new PelinorGoToUserPanel(m_window.get()))
     , m_status(PelinorWindowStatus::observing(environment.notifications))
 {
     m_window->setObjectName(u"mainWindow"_s);
@@ -98,9 +97,6 @@ PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvi
     m_sideTabs->setObjectName(u"sideTabs"_s);
     m_sideTabs->setDelegate(this);
     m_switcher.setTargetView(m_contentView);
-    connect(m_goToUserPanel, &PelinorGoToUserPanel::userChosen, this, [this](const QString& name) {
-        _goToUser(name);
-    });
     m_status->setChangeHandler([this] { _statusDidChange(); });
     m_accountsObservation = environment.notifications.observe<TwitterAccountsDidChangeNotification>(
         [this](const TwitterAccountsDidChangeNotification&) { accountsDidChange(); });
@@ -133,6 +129,8 @@ QMainWindow& PelinorMainWindowController::window()
 
 void PelinorMainWindowController::showWindow()
 {
+    if (!m_wasPainted)
+        _showTexts(false);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
@@ -187,8 +185,18 @@ void PelinorMainWindowController::_windowWasPainted()
     if (!std::exchange(m_wasPainted, true))
         QMetaObject::invokeMethod(
             this,
-            [this] { _showSelection(); },
+            [this] {
+                _showTexts(true);
+                _showSelection();
+            },
             Qt::QueuedConnection);
+}
+
+void PelinorMainWindowController::_showTexts(bool areShown)
+{
+    m_statusStrip->setVisible(areShown);
+    if (QWidget* const menus = m_window->menuWidget())
+        menus->setVisible(areShown);
 }
 
 void PelinorMainWindowController::_showSelection()
@@ -309,6 +317,12 @@ void PelinorMainWindowController::goToUser()
     for (const TwitterUserPtr& user : m_twitter.cachedUsers())
         names.append(user->username());
     names.sort(Qt::CaseInsensitive);
+    if (!m_goToUserPanel) {
+        m_goToUserPanel = new PelinorGoToUserPanel(m_window.get());
+        connect(m_goToUserPanel, &PelinorGoToUserPanel::userChosen, this, [this](const QString& name) {
+            _goToUser(name);
+        });
+    }
     m_goToUserPanel->goToUser(names);
 }
 

@@ -77,6 +77,7 @@ private:
 
     void _layOut();
     void _windowWasPainted();
+    void _showTexts(bool areShown);
     void _restoreState();
     void _statusDidChange();
     void _goToUser(const QString& username);

@@ -28,7 +28,6 @@ QToolButton* makeButton(const QString& name, QWidget* parent)
     button->setAutoRaise(true);
     button->setIconSize({ IconSide, IconSide });
     button->setFixedHeight(PelinorStatusStrip::Height - 2);
-    button->setFont(KRMessageFont(PointSize));
     button->hide();
     return button;
 }
@@ -49,7 +48,6 @@ PelinorStatusStrip::PelinorStatusStrip(QWidget* parent)
     // What is said comes from the network.
     m_errorField->setObjectName(u"errorField"_s);
     m_errorField->setTextFormat(Qt::PlainText);
-    m_errorField->setFont(KRMessageFont(PointSize));
     m_errorField->setMinimumWidth(0);
     m_errorField->installEventFilter(this);
     m_noticeButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -95,6 +93,17 @@ void PelinorStatusStrip::_elide()
 {
     m_errorField->setText(
         m_errorField->fontMetrics().elidedText(m_error, Qt::ElideRight, m_errorField->width()));
+}
+
+void PelinorStatusStrip::showEvent(QShowEvent* event)
+{
+    // Not before: loading the fonts takes longer than making the window.
+    const QFont font = KRMessageFont(PointSize);
+    for (QWidget* const text : { static_cast<QWidget*>(m_errorField),
+             static_cast<QWidget*>(m_errorButton),
+             static_cast<QWidget*>(m_noticeButton) })
+        text->setFont(font);
+    QWidget::showEvent(event);
 }
 
 bool PelinorStatusStrip::eventFilter(QObject* watched, QEvent* event)

@@ -8,6 +8,8 @@
 namespace {
 
 // Longer waits are made in parts: Qt counts milliseconds in an int.
+// What the user does meanwhile waits no longer than that and one call.
+constexpr std::chrono::milliseconds LongestTurn(3);
 constexpr std::chrono::milliseconds LongestTimer = std::chrono::hours(24);
 
 } // namespace
@@ -67,7 +69,7 @@ void KRQtRunLoopDriver::_wokenUp()
 
 void KRQtRunLoopDriver::_run()
 {
-    m_loop.runPending();
+    m_loop.runPending(LongestTurn);
     // Calls posted meanwhile have woken the descriptor again, so Qt's own events get their turn before them.
     const std::optional<KRRunLoop::Duration> wait = m_loop.timeUntilNextWork();
     if (wait)

@@ -10,8 +10,8 @@
 /// only what is new. Main thread.
 class KRTextHeightCache {
 public:
-    /// Several full lists at one width, and some to spare.
-    static constexpr qsizetype Capacity = 4096;
+    /// Fifteen full lists at one width, and some to spare.
+    static constexpr qsizetype Capacity = 8192;
 
     /// The remembered height, or that of the styled text, which is asked for only when nothing is remembered.
     int height(const QString& text,

@@ -208,6 +208,8 @@ private:
     {
         m_program->stream->isAtEnd = m_world.isAtEnd;
         m_program->stream->setStatuses(m_world.posts);
+        // Many new posts are measured in several turns.
+        _loop();
     }
     void _changePosts()
     {

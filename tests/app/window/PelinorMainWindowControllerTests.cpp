@@ -97,9 +97,10 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
 TEST_F(PelinorMainWindowControllerTest, GoesToPeopleAndBackToTheRoot)
 {
     const auto window = makeWindow();
-    auto* const panel = window->window().findChild<PelinorGoToUserPanel*>();
     for (const QString& typed : { u"nobody"_s, QString(), u"@carol "_s }) {
         window->goToUser();
+        auto* const panel = window->window().findChild<PelinorGoToUserPanel*>();
+        ASSERT_NE(panel, nullptr);
         EXPECT_EQ(panel->comboBox().currentText(), QString());
         panel->comboBox().setEditText(typed);
         if (typed == u"nobody")
