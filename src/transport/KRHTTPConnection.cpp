@@ -140,7 +140,6 @@ void KRHTTPConnection::_beginHop()
     m_received = 0;
     m_sent = 0;
     m_bodyRead = 0;
-    m_errorText[0] = '\0';
     m_handle = m_engine->takeHandle();
     _setUpCommonOptions();
     _setUpCertificateCheck();
