@@ -4,6 +4,7 @@
 #include "app/PelinorShortcutsWindow.h"
 #include "app/lists/PelinorStatusDetailsViewController.h"
 #include "app/look/PelinorAlert.h"
+#include "app/look/PelinorContrast.h"
 #include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
 #include "app/people/PelinorUserDetailsViewController.h"
@@ -47,7 +48,16 @@ PelinorAppDelegate::~PelinorAppDelegate() = default;
 void PelinorAppDelegate::applicationDidFinishLaunching()
 {
     QApplication::setWindowIcon(PelinorImages::icon(u"Pelinor"_s, Qt::black));
-    m_motionSetting = std::make_unique<KRDesktopMotionSetting>(&KRMotion::setReducedByDesktop);
+    m_desktopAppearance = std::make_unique<KRDesktopAppearance>([](const auto& wishes) {
+        KRMotion::setReducedByDesktop(wishes.reducesMotion);
+        PelinorContrast::setRaised(wishes.raisesContrast);
+        // Whatever keeps colours of its own asks for them anew.
+        for (QWidget* const widget : QApplication::allWidgets()) {
+            QEvent change(QEvent::PaletteChange);
+            QApplication::sendEvent(widget, &change);
+            widget->update();
+        }
+    });
     m_hotKeys.registerSavedHotKeys();
     m_menuStatusItem = std::make_unique<PelinorMenuStatusItem>(*this, m_defaults);
     m_accountObservation = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(

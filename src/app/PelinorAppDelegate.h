@@ -6,7 +6,7 @@
 #include "app/settings/PelinorHotKeys.h"
 #include "app/writing/PelinorComposeWindowController.h"
 #include "core/Twitter.h"
-#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/appearance/KRDesktopAppearance.h"
 #include "platform/workspace/KRWorkspace.h"
 #include "text/render/KRTextHeightCache.h"
 
@@ -111,6 +111,6 @@ private:
     QList<QPointer<QWidget>> m_hiddenWindows;
     KRObservation m_accountObservation;
     KRObservation m_keychainObservation;
-    std::unique_ptr<KRDesktopMotionSetting> m_motionSetting;
+    std::unique_ptr<KRDesktopAppearance> m_desktopAppearance;
     bool m_mayTerminate = false;
 };

@@ -1,5 +1,6 @@
 #include "PelinorJourney.h"
 #include "app/PelinorShortcutsWindow.h"
+#include "app/look/PelinorContrast.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
 #include "app/settings/PelinorLoginWindowController.h"
@@ -23,7 +24,7 @@
 
 namespace {
 
-enum class Look { Light, Dark, RightToLeft };
+enum class Look { Light, Dark, RightToLeft, Contrast };
 
 QPalette darkPalette()
 {
@@ -49,12 +50,13 @@ protected:
         QApplication::setPalette(
             GetParam() == Look::Dark ? darkPalette() : QApplication::style()->standardPalette());
         QApplication::setLayoutDirection(GetParam() == Look::RightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
+        PelinorContrast::setRaised(GetParam() == Look::Contrast);
         Journey::SetUp();
     }
 
     void take(QWidget& widget, const QString& name)
     {
-        static const char* const suffixes[] = { "", "-dark", "-rtl" };
+        static const char* const suffixes[] = { "", "-dark", "-rtl", "-contrast" };
         QCoreApplication::sendPostedEvents();
         const QImage image = widget.grab().toImage();
         QSet<QRgb> colors;
@@ -237,11 +239,17 @@ TEST_P(Pictures, OfTheOtherWindows)
     take(*shortcuts, u"shortcuts"_s);
 }
 
+namespace {
+
+std::string nameOf(const testing::TestParamInfo<Look>& look)
+{
+    static constexpr const char* lookNames[] = { "Light", "Dark", "RightToLeft", "Contrast" };
+    return lookNames[int(look.param)];
+}
+
+} // namespace
+
 INSTANTIATE_TEST_SUITE_P(,
     Pictures,
-    testing::Values(Look::Light, Look::Dark, Look::RightToLeft),
-    [](const auto& look) {
-        return std::string(look.param == Look::Dark ? "Dark"
-                : look.param == Look::RightToLeft   ? "RightToLeft"
-                                                    : "Light");
-    });
+    testing::Values(Look::Light, Look::Dark, Look::RightToLeft, Look::Contrast),
+    nameOf);

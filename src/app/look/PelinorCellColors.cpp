@@ -1,5 +1,7 @@
 #include "app/look/PelinorCellColors.h"
 
+#include "app/look/PelinorContrast.h"
+
 #include <QPalette>
 
 namespace {
@@ -63,11 +65,50 @@ PelinorCellColors darkColors()
     };
 }
 
+// The same scheme with the text in one ink, in both directions as far as it goes.
+PelinorCellColors raised(PelinorCellColors colors, const QColor& page, const QColor& ink, const QColor& link)
+{
+    colors.background = page;
+    colors.ownBackground = page;
+    colors.mentionBackground = page;
+    colors.selectionMark = ink;
+    colors.name = ink;
+    colors.text = ink;
+    colors.secondaryText = ink;
+    colors.dimmedText = ink;
+    colors.separator = ink;
+    const KRColor span = KRColor::rgba(float(link.redF()), float(link.greenF()), float(link.blueF()), 1);
+    colors.spans = colors.selectedSpans = colors.dimmedSpans = spansOfColor(span);
+    return colors;
+}
+
+PelinorCellColors raisedLightColors()
+{
+    PelinorCellColors colors
+        = raised(lightColors(), QColor(Qt::white), QColor(Qt::black), QColor(0x00, 0x2F, 0x8A));
+    colors.error = QColor(0x8A, 0x00, 0x00);
+    return colors;
+}
+
+PelinorCellColors raisedDarkColors()
+{
+    PelinorCellColors colors
+        = raised(darkColors(), QColor(Qt::black), QColor(Qt::white), QColor(0xA8, 0xD4, 0xFF));
+    colors.selectedBackground = QColor(0x00, 0x2B, 0x55);
+    colors.error = QColor(0xFF, 0xB0, 0xA5);
+    return colors;
+}
+
 } // namespace
 
 const PelinorCellColors& PelinorCellColors::forPalette(const QPalette& palette)
 {
     static const PelinorCellColors light = lightColors();
     static const PelinorCellColors dark = darkColors();
-    return palette.color(QPalette::WindowText).lightnessF() > 0.5F ? dark : light;
+    static const PelinorCellColors raisedLight = raisedLightColors();
+    static const PelinorCellColors raisedDark = raisedDarkColors();
+    const bool isDark = palette.color(QPalette::WindowText).lightnessF() > 0.5F;
+    if (PelinorContrast::isRaised())
+        return isDark ? raisedDark : raisedLight;
+    return isDark ? dark : light;
 }

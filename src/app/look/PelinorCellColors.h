@@ -6,8 +6,9 @@
 
 class QPalette;
 
-/// The colours of a list's cells, for light and for dark desktops. Text has a contrast of 4.5:1 or more on
-/// every background it can stand on, hashtags on white aside, whose grey is fixed. Main thread.
+/// The colours of a list's cells, for light and for dark desktops, and for users who wish for more contrast.
+/// Text has a contrast of 4.5:1 or more on every background it can stand on, hashtags on white aside, whose
+/// grey is fixed; of 7:1 with more contrast, without an exception. Main thread.
 struct PelinorCellColors {
     QColor background;
     /// Behind the account's own posts.

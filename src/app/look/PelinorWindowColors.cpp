@@ -1,5 +1,7 @@
 #include "app/look/PelinorWindowColors.h"
 
+#include "app/look/PelinorContrast.h"
+
 #include <QPalette>
 
 namespace {
@@ -33,11 +35,28 @@ PelinorWindowColors darkColors()
     return colors;
 }
 
+PelinorWindowColors raised(PelinorWindowColors colors, const QColor& page, const QColor& ink)
+{
+    colors.column = QColor(Qt::black);
+    colors.columnFocus = QColor(Qt::white);
+    colors.columnPlaceholder = QColor(Qt::white);
+    colors.strip = page;
+    colors.stripLine = ink;
+    colors.stripText = ink;
+    colors.screen = page;
+    return colors;
+}
+
 } // namespace
 
 const PelinorWindowColors& PelinorWindowColors::forPalette(const QPalette& palette)
 {
     static const PelinorWindowColors light = lightColors();
     static const PelinorWindowColors dark = darkColors();
-    return palette.color(QPalette::WindowText).lightnessF() > 0.5F ? dark : light;
+    static const PelinorWindowColors raisedLight = raised(light, QColor(Qt::white), QColor(Qt::black));
+    static const PelinorWindowColors raisedDark = raised(dark, QColor(Qt::black), QColor(Qt::white));
+    const bool isDark = palette.color(QPalette::WindowText).lightnessF() > 0.5F;
+    if (PelinorContrast::isRaised())
+        return isDark ? raisedDark : raisedLight;
+    return isDark ? dark : light;
 }

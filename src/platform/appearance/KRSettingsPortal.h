@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/appearance/KRDesktopAppearance.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -10,8 +10,8 @@
 
 class QDBusPendingCallWatcher;
 
-/// The part of a KRDesktopMotionSetting that talks to the portal.
-class KRDesktopMotionSetting::Portal : public QObject {
+/// The part of a KRDesktopAppearance that talks to the portal.
+class KRDesktopAppearance::Portal : public QObject {
     Q_OBJECT
 
 public:
@@ -35,5 +35,7 @@ private:
     // What all desktops have in common, where they have it, and what one of them has had for long.
     std::optional<bool> m_isReduced;
     std::optional<bool> m_animationsAreEnabled;
-    bool m_wasReduced = false;
+    std::optional<bool> m_isRaised;
+    std::optional<bool> m_isHighContrast;
+    Wishes m_told;
 };

@@ -1,4 +1,5 @@
 #include "app/look/PelinorCellColors.h"
+#include "app/look/PelinorContrast.h"
 #include "text/render/KRColorConversion.h"
 
 #include <QPalette>
@@ -34,35 +35,39 @@ QList<QColor> spanColors(const KRActiveTextColors& colors)
 
 TEST(PelinorCellColorsTests, TextCanBeReadOnEveryBackground)
 {
-    for (const QColor& ink : { QColor(Qt::black), QColor(Qt::white) }) {
-        QPalette palette;
-        palette.setColor(QPalette::WindowText, ink);
-        const PelinorCellColors& colors = PelinorCellColors::forPalette(palette);
-        EXPECT_GT(contrast(colors.background, ink), 7) << "the scheme is the desktop's";
-        const QList<QColor> plain { colors.name,
-            colors.text,
-            colors.secondaryText,
-            colors.selectionMark,
-            colors.error };
-        const QList<QColor> dimmed = QList { colors.dimmedText } + spanColors(colors.dimmedSpans);
-        QList<QColor> spans = spanColors(colors.spans);
-        // The grey of hashtags on white is given.
-        if (ink == Qt::black)
-            spans.removeLast();
-        const struct {
-            QColor background;
-            QList<QColor> texts;
-        } cases[] = {
-            { colors.background, plain + dimmed + spans },
-            { colors.ownBackground, plain + dimmed + spans },
-            { colors.selectedBackground, plain + spanColors(colors.selectedSpans) },
-        };
-        for (const auto& test : cases) {
-            for (const QColor& text : test.texts)
-                EXPECT_GE(contrast(text, test.background), 4.5)
-                    << text.name().toStdString() << " on " << test.background.name().toStdString();
+    for (const bool isRaised : { false, true }) {
+        PelinorContrast::setRaised(isRaised);
+        for (const QColor& ink : { QColor(Qt::black), QColor(Qt::white) }) {
+            QPalette palette;
+            palette.setColor(QPalette::WindowText, ink);
+            const PelinorCellColors& colors = PelinorCellColors::forPalette(palette);
+            EXPECT_GT(contrast(colors.background, ink), 7) << "the scheme is the desktop's";
+            const QList<QColor> plain { colors.name,
+                colors.text,
+                colors.secondaryText,
+                colors.selectionMark,
+                colors.error };
+            const QList<QColor> dimmed = QList { colors.dimmedText } + spanColors(colors.dimmedSpans);
+            QList<QColor> spans = spanColors(colors.spans);
+            // The grey of hashtags on white is given.
+            if (ink == Qt::black && !isRaised)
+                spans.removeLast();
+            const struct {
+                QColor background;
+                QList<QColor> texts;
+            } cases[] = {
+                { colors.background, plain + dimmed + spans },
+                { colors.ownBackground, plain + dimmed + spans },
+                { colors.selectedBackground, plain + spanColors(colors.selectedSpans) },
+            };
+            for (const auto& test : cases) {
+                for (const QColor& text : test.texts)
+                    EXPECT_GE(contrast(text, test.background), isRaised ? 7 : 4.5)
+                        << text.name().toStdString() << " on " << test.background.name().toStdString();
+            }
         }
     }
+    PelinorContrast::setRaised(false);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/appearance/KRDesktopAppearance.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
 
 #include <QDBusConnection>
@@ -52,7 +52,7 @@ public Q_SLOTS:
     SettingsGroups ReadAll(const QStringList& groups)
     {
         ++questions;
-        EXPECT_EQ(groups.size(), 2);
+        EXPECT_EQ(groups.size(), 3);
         if (answersNonsense) {
             setDelayedReply(true);
             m_bus.send(message().createReply(QStringLiteral("nonsense")));
@@ -73,12 +73,14 @@ const QString ReducedMotion = QStringLiteral("reduced-motion");
 const QString Interface = QStringLiteral("org.gnome.desktop.interface");
 const QString EnableAnimations = QStringLiteral("enable-animations");
 
-class KRDesktopMotionSettingTests : public testing::Test {
+class KRDesktopAppearanceTests : public testing::Test {
 protected:
     void follow()
     {
-        setting
-            = std::make_unique<KRDesktopMotionSetting>([this](bool isReduced) { told.append(isReduced); });
+        setting = std::make_unique<KRDesktopAppearance>([this](const auto& wishes) {
+            told.append(wishes.reducesMotion);
+            raisesContrast = wishes.raisesContrast;
+        });
     }
     bool waitForTold(const QList<bool>& expected)
     {
@@ -87,10 +89,11 @@ protected:
 
     KRQtRunLoopDriver driver;
     QList<bool> told;
-    std::unique_ptr<KRDesktopMotionSetting> setting;
+    bool raisesContrast = false;
+    std::unique_ptr<KRDesktopAppearance> setting;
 };
 
-TEST_F(KRDesktopMotionSettingTests, TheWishAndItsChangesArrive)
+TEST_F(KRDesktopAppearanceTests, TheWishAndItsChangesArrive)
 {
     FakePortal portal;
     portal.settings[Interface][EnableAnimations] = false;
@@ -107,9 +110,16 @@ TEST_F(KRDesktopMotionSettingTests, TheWishAndItsChangesArrive)
     portal.change(Appearance, ReducedMotion, QStringLiteral("not a number"));
     portal.change(Appearance, ReducedMotion, 0U);
     EXPECT_TRUE(waitForTold({ true, false, true, false }));
+
+    const QString accessibility = QStringLiteral("org.gnome.desktop.a11y.interface");
+    portal.change(accessibility, QStringLiteral("high-contrast"), true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return raisesContrast; }, Limit));
+    portal.change(Appearance, QStringLiteral("contrast"), 0U);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !raisesContrast; }, Limit));
+    EXPECT_FALSE(told.last()) << "the one wish says nothing of the other";
 }
 
-TEST_F(KRDesktopMotionSettingTests, StrangeAnswersAreIgnored)
+TEST_F(KRDesktopAppearanceTests, StrangeAnswersAreIgnored)
 {
     FakePortal portal;
     portal.answersNonsense = true;
@@ -134,7 +144,7 @@ int runWithSilentBus()
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path);
 
     bool hasBeenTold = false;
-    auto setting = std::make_unique<KRDesktopMotionSetting>([&](bool) { hasBeenTold = true; });
+    auto setting = std::make_unique<KRDesktopAppearance>([&](const auto&) { hasBeenTold = true; });
     pollfd waiting { listener, POLLIN, 0 };
     if (poll(&waiting, 1, Limit) != 1)
         return 2;
@@ -147,7 +157,7 @@ int runWithSilentBus()
     return hasBeenTold ? 4 : 0;
 }
 
-TEST_F(KRDesktopMotionSettingTests, ABusThatNeverAnswersHoldsNothingUp)
+TEST_F(KRDesktopAppearanceTests, ABusThatNeverAnswersHoldsNothingUp)
 {
     // In a process of its own: the address of the bus is read once.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -156,4 +166,4 @@ TEST_F(KRDesktopMotionSettingTests, ABusThatNeverAnswersHoldsNothingUp)
 
 } // namespace
 
-#include "KRDesktopMotionSettingTests.moc"
+#include "KRDesktopAppearanceTests.moc"

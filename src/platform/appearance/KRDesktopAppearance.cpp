@@ -1,4 +1,4 @@
-#include "platform/appearance/KRDesktopMotionSetting.h"
+#include "platform/appearance/KRDesktopAppearance.h"
 
 #include "foundation/KRRunLoop.h"
 #include "platform/appearance/KRSettingsPortal.h"
@@ -22,10 +22,13 @@ const QString AppearanceGroup = QStringLiteral("org.freedesktop.appearance");
 const QString ReducedMotionKey = QStringLiteral("reduced-motion");
 const QString InterfaceGroup = QStringLiteral("org.gnome.desktop.interface");
 const QString EnableAnimationsKey = QStringLiteral("enable-animations");
+const QString ContrastKey = QStringLiteral("contrast");
+const QString AccessibilityGroup = QStringLiteral("org.gnome.desktop.a11y.interface");
+const QString HighContrastKey = QStringLiteral("high-contrast");
 
 } // namespace
 
-KRDesktopMotionSetting::KRDesktopMotionSetting(Handler handler)
+KRDesktopAppearance::KRDesktopAppearance(Handler handler)
     : m_portal(std::make_shared<Portal>(std::move(handler)))
 {
     // Connecting waits for the bus to answer, which may take a while, so a thread of its own does it. Nobody
@@ -42,9 +45,9 @@ KRDesktopMotionSetting::KRDesktopMotionSetting(Handler handler)
     }).detach();
 }
 
-KRDesktopMotionSetting::~KRDesktopMotionSetting() = default;
+KRDesktopAppearance::~KRDesktopAppearance() = default;
 
-void KRDesktopMotionSetting::Portal::follow(const QDBusConnection& connection)
+void KRDesktopAppearance::Portal::follow(const QDBusConnection& connection)
 {
     QDBusConnection bus = connection;
     // A slot with a parameter of a type that Qt has not met yet cannot be connected.
@@ -60,7 +63,7 @@ void KRDesktopMotionSetting::Portal::follow(const QDBusConnection& connection)
         PortalPath,
         SettingsInterface,
         QStringLiteral("ReadAll"));
-    question << QStringList { AppearanceGroup, InterfaceGroup };
+    question << QStringList { AppearanceGroup, InterfaceGroup, AccessibilityGroup };
     auto* const call = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(call, &QDBusPendingCallWatcher::finished, this, [this, call] {
         _allSettingsDidArrive(*call);
@@ -68,7 +71,7 @@ void KRDesktopMotionSetting::Portal::follow(const QDBusConnection& connection)
     });
 }
 
-void KRDesktopMotionSetting::Portal::_allSettingsDidArrive(QDBusPendingCallWatcher& call)
+void KRDesktopAppearance::Portal::_allSettingsDidArrive(QDBusPendingCallWatcher& call)
 {
     const QDBusMessage reply = call.reply();
     // Whatever else has that name on the bus may answer anything.
@@ -82,7 +85,7 @@ void KRDesktopMotionSetting::Portal::_allSettingsDidArrive(QDBusPendingCallWatch
     _tell();
 }
 
-void KRDesktopMotionSetting::Portal::settingChanged(const QString& group,
+void KRDesktopAppearance::Portal::settingChanged(const QString& group,
     const QString& key,
     const QDBusVariant& value)
 {
@@ -90,7 +93,7 @@ void KRDesktopMotionSetting::Portal::settingChanged(const QString& group,
     _tell();
 }
 
-void KRDesktopMotionSetting::Portal::_takeSetting(const QString& group,
+void KRDesktopAppearance::Portal::_takeSetting(const QString& group,
     const QString& key,
     const QVariant& value)
 {
@@ -98,13 +101,18 @@ void KRDesktopMotionSetting::Portal::_takeSetting(const QString& group,
         m_isReduced = value.toUInt() == 1;
     else if (group == InterfaceGroup && key == EnableAnimationsKey && value.typeId() == QMetaType::Bool)
         m_animationsAreEnabled = value.toBool();
+    else if (group == AppearanceGroup && key == ContrastKey && value.typeId() == QMetaType::UInt)
+        m_isRaised = value.toUInt() == 1;
+    else if (group == AccessibilityGroup && key == HighContrastKey && value.typeId() == QMetaType::Bool)
+        m_isHighContrast = value.toBool();
 }
 
-void KRDesktopMotionSetting::Portal::_tell()
+void KRDesktopAppearance::Portal::_tell()
 {
-    const bool isReduced = m_isReduced.value_or(!m_animationsAreEnabled.value_or(true));
-    if (isReduced == m_wasReduced)
+    const Wishes wishes { m_isReduced.value_or(!m_animationsAreEnabled.value_or(true)),
+        m_isRaised.value_or(m_isHighContrast.value_or(false)) };
+    if (wishes == m_told)
         return;
-    m_wasReduced = isReduced;
-    m_handler(isReduced);
+    m_told = wishes;
+    m_handler(wishes);
 }
