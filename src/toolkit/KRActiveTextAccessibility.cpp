@@ -1,5 +1,6 @@
 #include "toolkit/KRActiveTextAccessibility.h"
 
+#include "toolkit/KRAccessiblePart.h"
 #include "toolkit/KRActiveTextTracker.h"
 #include "toolkit/KRActiveTextView.h"
 
@@ -9,7 +10,7 @@
 namespace {
 
 // One span. It knows its number alone and looks everything else up, so that a new text leaves nothing stale.
-class SpanInterface final : public QAccessibleInterface, public QAccessibleActionInterface {
+class SpanInterface final : public KRAccessiblePart {
 public:
     SpanInterface(KRActiveTextTracker& tracker, QWidget& widget, int number)
         : m_tracker(&tracker)
@@ -21,19 +22,8 @@ public:
     int number() const { return m_number; }
 
     bool isValid() const override { return m_tracker && m_widget && m_number < m_tracker->spanCount(); }
-    QObject* object() const override { return nullptr; }
     QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(m_widget); }
-    QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-    QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
     QAccessible::Role role() const override { return QAccessible::Link; }
-
-    QString text(QAccessible::Text kind) const override
-    {
-        return kind == QAccessible::Name && isValid() ? m_tracker->spanText(m_number) : QString();
-    }
-    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override { }
 
     QRect rect() const override
     {
@@ -43,38 +33,26 @@ public:
         return { m_widget->mapToGlobal(rect.topLeft()), rect.size() };
     }
 
-    QAccessible::State state() const override
+    QStringList actionNames() const override { return { pressAction(), setFocusAction() }; }
+    void doAction(const QString& name) override
     {
-        QAccessible::State state;
-        if (!isValid()) {
-            state.invalid = true;
-            return state;
-        }
+        if (name == setFocusAction() && isValid())
+            m_tracker->focusSpan(m_number);
+        else
+            KRAccessiblePart::doAction(name);
+    }
+
+private:
+    QString name() const override { return m_tracker->spanText(m_number); }
+    void describe(QAccessible::State& state) const override
+    {
         state.linked = true;
         state.focusable = true;
         state.focused = m_widget->hasFocus() && m_tracker->focusedSpan() == m_number;
         state.invisible = !m_widget->isVisible();
-        return state;
     }
+    void press() override { m_tracker->clickSpan(m_number); }
 
-    void* interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
-    QStringList actionNames() const override { return { pressAction(), setFocusAction() }; }
-    QStringList keyBindingsForAction(const QString& /*name*/) const override { return {}; }
-    void doAction(const QString& name) override
-    {
-        if (!isValid())
-            return;
-        if (name == setFocusAction())
-            m_tracker->focusSpan(m_number);
-        else if (name == pressAction())
-            m_tracker->clickSpan(m_number);
-    }
-
-private:
     QPointer<KRActiveTextTracker> m_tracker;
     QPointer<QWidget> m_widget;
     int m_number;

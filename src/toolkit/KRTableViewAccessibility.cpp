@@ -1,5 +1,6 @@
 #include "toolkit/KRTableViewAccessibility.h"
 
+#include "toolkit/KRAccessiblePart.h"
 #include "toolkit/KRActiveTextAccessibility.h"
 #include "toolkit/KRTableView.h"
 #include "toolkit/KRTableViewCell.h"
@@ -74,7 +75,7 @@ private:
 };
 
 // A row that has no cell because it is not on screen.
-class RowInterface final : public QAccessibleInterface, public QAccessibleActionInterface {
+class RowInterface final : public KRAccessiblePart {
 public:
     RowInterface(KRTableView& table, int row)
         : m_table(&table)
@@ -86,21 +87,8 @@ public:
     const KRTableView* table() const { return m_table; }
 
     bool isValid() const override { return m_table && m_row < m_table->numberOfRows(); }
-    QObject* object() const override { return nullptr; }
     QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(m_table); }
-    QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-    QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
     QAccessible::Role role() const override { return QAccessible::ListItem; }
-
-    QString text(QAccessible::Text kind) const override
-    {
-        if (kind != QAccessible::Name || !isValid() || !m_table->delegate())
-            return {};
-        return m_table->delegate()->tableViewAccessibleNameForRow(*m_table, m_row);
-    }
-    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override { }
 
     QRect rect() const override
     {
@@ -110,34 +98,21 @@ public:
         return { m_table->viewport()->mapToGlobal(rect.topLeft()), rect.size() };
     }
 
-    QAccessible::State state() const override
+private:
+    QString name() const override
     {
-        QAccessible::State state;
-        if (!isValid()) {
-            state.invalid = true;
-            return state;
-        }
+        return m_table->delegate() ? m_table->delegate()->tableViewAccessibleNameForRow(*m_table, m_row)
+                                   : QString();
+    }
+    void describe(QAccessible::State& state) const override
+    {
         state.focusable = true;
         state.selectable = true;
         state.selected = m_table->selectedRow() == m_row;
         state.offscreen = !m_table->visibleRange().contains(m_row);
-        return state;
     }
+    void press() override { pressRow(*m_table, m_row); }
 
-    void* interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
-    QStringList actionNames() const override { return { pressAction() }; }
-    QStringList keyBindingsForAction(const QString& /*name*/) const override { return {}; }
-    void doAction(const QString& name) override
-    {
-        if (name == pressAction() && isValid())
-            pressRow(*m_table, m_row);
-    }
-
-private:
     QPointer<KRTableView> m_table;
     int m_row;
 };

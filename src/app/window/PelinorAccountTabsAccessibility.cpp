@@ -1,6 +1,7 @@
 #include "app/window/PelinorAccountTabsAccessibility.h"
 
 #include "app/window/PelinorAccountTabsView.h"
+#include "toolkit/KRAccessiblePart.h"
 
 #include <QAccessibleWidget>
 #include <QPointer>
@@ -9,7 +10,7 @@ namespace {
 
 // What stands at one place of the column, counted from its top. Another selection moves the tabs, and with
 // them what is at a place.
-class PlaceInterface final : public QAccessibleInterface, public QAccessibleActionInterface {
+class PlaceInterface final : public KRAccessiblePart {
 public:
     PlaceInterface(PelinorAccountTabsView& view, int index)
         : m_view(&view)
@@ -21,22 +22,8 @@ public:
     const PelinorAccountTabsView* view() const { return m_view; }
 
     bool isValid() const override { return !_place().isNull(); }
-    QObject* object() const override { return nullptr; }
     QAccessibleInterface* parent() const override { return QAccessible::queryAccessibleInterface(m_view); }
-    QAccessibleInterface* child(int /*index*/) const override { return nullptr; }
-    QAccessibleInterface* childAt(int /*x*/, int /*y*/) const override { return nullptr; }
-    int childCount() const override { return 0; }
-    int indexOfChild(const QAccessibleInterface* /*child*/) const override { return -1; }
     QAccessible::Role role() const override { return QAccessible::PageTab; }
-
-    QString text(QAccessible::Text kind) const override
-    {
-        const auto place = _place();
-        if (kind != QAccessible::Name || place.isNull())
-            return {};
-        return place.account ? place.account->accessibleName() : place.tab->accessibleName();
-    }
-    void setText(QAccessible::Text /*kind*/, const QString& /*text*/) override { }
 
     QRect rect() const override
     {
@@ -47,34 +34,21 @@ public:
         return { m_view->mapToGlobal(inView.topLeft()), inView.size() };
     }
 
-    QAccessible::State state() const override
+private:
+    QString name() const override
     {
         const auto place = _place();
-        QAccessible::State state;
-        state.invalid = place.isNull();
-        if (place.isNull())
-            return state;
+        return place.account ? place.account->accessibleName() : place.tab->accessibleName();
+    }
+    void describe(QAccessible::State& state) const override
+    {
+        const auto place = _place();
         state.selectable = true;
         state.selected = place.account ? place.account->selected : place.tab->selected;
         state.focusable = true;
         state.focused = m_view->hasFocus() && place.tab && place.tab == m_view->selectedPlace().tab;
-        return state;
     }
-
-    void* interface_cast(QAccessible::InterfaceType type) override
-    {
-        return type == QAccessible::ActionInterface ? static_cast<QAccessibleActionInterface*>(this)
-                                                    : nullptr;
-    }
-    QStringList actionNames() const override { return { pressAction() }; }
-    QStringList keyBindingsForAction(const QString& /*name*/) const override { return {}; }
-    void doAction(const QString& name) override
-    {
-        if (name == pressAction() && isValid())
-            m_view->click(_place());
-    }
-
-private:
+    void press() override { m_view->click(_place()); }
     PelinorAccountTabsView::Place _place() const
     {
         const auto places = m_view ? m_view->places() : std::vector<PelinorAccountTabsView::Place>();
