@@ -1,13 +1,9 @@
 #include "CommandLine.h"
 #include "LocalServiceFixture.h"
-#include "Site.h"
-#include "Text.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
-#include <map>
-#include <set>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -30,62 +26,6 @@ bool isPrivate(const std::string& path)
 }
 
 } // namespace
-
-TEST(CommunityTest, IsLargeVariedAndConsistent)
-{
-    ServiceUnderTest service;
-    service.start();
-    service.stop();
-    Site site;
-    ASSERT_TRUE(site.database.open(service.directory() + "/service.sqlite"));
-    EXPECT_GE(site.users.all().size(), 14U);
-    EXPECT_GE(site.statuses.count(), 480);
-
-    Page everything;
-    everything.count = 100'000;
-    std::map<std::int64_t, Status> known;
-    const auto statuses = site.statuses.homeTimeline(1, everything);
-    for (const Status& status : statuses)
-        known.emplace(status.id, status);
-    std::map<TextPiece::Kind, int> pieces;
-    std::map<std::int64_t, int> depths;
-    int deepest = 0;
-    int orphans = 0;
-    std::int64_t time = 0;
-    for (const auto& [id, status] : known) {
-        EXPECT_LE(characterCount(status.text), 140U) << status.text;
-        EXPECT_EQ(tidiedText(status.text), status.text);
-        EXPECT_GE(status.createdAt, time) << "IDs grow with time";
-        EXPECT_LE(status.createdAt, currentTime());
-        time = status.createdAt;
-        for (const TextPiece& piece : piecesOfText(status.text))
-            ++pieces[piece.kind];
-        if (status.inReplyToStatusID) {
-            depths[id] = depths[status.inReplyToStatusID] + 1;
-            deepest = std::max(deepest, depths[id]);
-            const auto parent = site.statuses.withID(status.inReplyToStatusID);
-            ASSERT_TRUE(parent);
-            EXPECT_LT(parent->createdAt, status.createdAt);
-            orphans += parent->isDeleted;
-        }
-    }
-    EXPECT_GE(deepest, 5);
-    EXPECT_GE(orphans, 1);
-    EXPECT_GT(pieces[TextPiece::Kind::Link], 10);
-    EXPECT_GT(pieces[TextPiece::Kind::Hashtag], 20);
-    EXPECT_GT(pieces[TextPiece::Kind::Mention], 100);
-    EXPECT_GT(known.rbegin()->second.createdAt, currentTime() - 15 * 60) << "somebody wrote just now";
-    EXPECT_LT(known.begin()->second.createdAt, currentTime() - 4 * 24 * 3600);
-
-    std::set<std::int64_t> correspondents;
-    for (const DirectMessage& message : site.messages.receivedBy(1, everything))
-        correspondents.insert(message.senderID);
-    EXPECT_GE(correspondents.size(), 5U);
-    for (const std::int64_t correspondent : correspondents) {
-        EXPECT_TRUE(site.users.isFollowing(1, correspondent)) << correspondent;
-        EXPECT_TRUE(site.users.isFollowing(correspondent, 1)) << correspondent;
-    }
-}
 
 TEST(CommunityTest, StateSurvivesARestartAndResetForgetsIt)
 {
