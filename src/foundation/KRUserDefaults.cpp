@@ -59,13 +59,15 @@ std::unique_ptr<QSettings> openSettings(const QString& path)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     removeOrphanedLock(path);
+    // Before it is read: of one's own file that cannot be read, nothing would be known and all be written over.
+    makePrivate(path);
     auto settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
     if (settings->status() == QSettings::FormatError) {
         settings.reset();
         KRSetAsideUnreadableFile(path);
+        makePrivate(path);
         settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
     }
-    makePrivate(path);
     return settings;
 }
 
