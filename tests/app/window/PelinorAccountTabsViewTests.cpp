@@ -140,6 +140,9 @@ TEST_F(PelinorAccountTabsViewTest, AClickCountsWhereItBeganAndEnded)
     EXPECT_TRUE(tabs.accountLayers()[1]->mouseDown);
     QTest::mouseRelease(&tabs, Qt::LeftButton, {}, { 30, 320 });
     EXPECT_FALSE(tabs.accountLayers()[1]->mouseDown);
+    QTest::mousePress(&tabs, Qt::LeftButton, {}, { 30, 150 });
+    EXPECT_TRUE(tabs.accountTabLayers()[2]->mouseDown);
+    QTest::mouseRelease(&tabs, Qt::LeftButton, {}, { 30, 320 });
     QTest::mouseClick(&tabs, Qt::RightButton, {}, { 30, 250 });
     click(500);
     EXPECT_EQ(taken(), QString());

@@ -16,6 +16,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <QToolButton>
 
@@ -64,6 +65,9 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     EXPECT_EQ(window->mainViewRect(), QRect(60, 0, whole.width() - 60, whole.height() - 22));
     EXPECT_EQ(window->switcher().currentViewController()->view()->geometry(), window->mainViewRect());
     EXPECT_EQ(window->statusStrip().geometry(), QRect(60, whole.height() - 22, whole.width() - 60, 22));
+    window->window().setLayoutDirection(Qt::RightToLeft);
+    EXPECT_EQ(window->mainViewRect(), QRect(0, 0, whole.width() - 60, whole.height() - 22));
+    window->window().setLayoutDirection(Qt::LeftToRight);
 
     window->selectReplies();
     EXPECT_EQ(autosaveName(*window), u"alice_____mentions"_s);
@@ -102,6 +106,8 @@ TEST_F(PelinorMainWindowControllerTest, GoesToPeopleAndBackToTheRoot)
         auto* const panel = window->window().findChild<PelinorGoToUserPanel*>();
         ASSERT_NE(panel, nullptr);
         EXPECT_EQ(panel->comboBox().currentText(), QString());
+        EXPECT_EQ(panel->focusWidget(), &panel->comboBox());
+        panel->findChild<QPushButton*>()->setFocus();
         panel->comboBox().setEditText(typed);
         if (typed == u"nobody")
             panel->goToUserCancel();
