@@ -4,10 +4,15 @@
 #include <QJsonObject>
 #include <QUrl>
 
+#include <csignal>
+#include <sys/prctl.h>
+
 KRTestLocalService::KRTestLocalService()
 {
     const auto option = [](const char* name) { return QString::fromLatin1(name); };
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // A test that crashes takes it along: ctest waits for everybody who holds its output.
+    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     m_process.start(option(PELINOR_LOCAL_SERVICE),
         { option("--data"),
             m_directory.path(),
