@@ -101,7 +101,6 @@ function(pelinor_test name)
   endif()
   if(PELINOR_SANITIZERS MATCHES thread)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
-      # QProcess forks with the memory shared, and the sanitizer takes the parent for the child.
-      "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/thread-sanitizer.supp:die_after_fork=0")
+      "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/thread-sanitizer.supp")
   endif()
 endfunction()

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <QProcess>
 #include <QTemporaryDir>
+
+#include <cstdio>
+#include <sys/types.h>
 
 /// The local service as people run it: a process of its own with a folder of its own, on free ports. Ends
 /// with this value. One thread at a time.
@@ -14,7 +16,7 @@ public:
     ~KRTestLocalService();
 
     /// False when it did not start; what went wrong is on standard error.
-    [[nodiscard]] bool isRunning() const { return m_process.state() == QProcess::Running; }
+    [[nodiscard]] bool isRunning() const { return m_output != nullptr; }
     /// The table of hosts that it wrote.
     const QString& servicesFile() const { return m_servicesFile; }
     /// Where it listens over TLS, "127.0.0.1:PORT".
@@ -26,7 +28,8 @@ public:
 
 private:
     QTemporaryDir m_directory;
-    QProcess m_process;
+    std::FILE* m_output = nullptr;
+    pid_t m_process = 0;
     QString m_servicesFile;
     QString m_httpsHost;
     QString m_authorityFile;

@@ -83,7 +83,7 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
 
     KRTestLog log;
     window->selectAccount(window->selectedTwitterAccount(), 7, false, 0, false);
-    EXPECT_EQ(log.lines(), QStringList(u"Warning: unknown tab selected 7"_s));
+    EXPECT_TRUE(log.contains(u"Warning: unknown tab selected 7"_s));
     window->selectAccount(window->selectedTwitterAccount(), 4, false, 0, false);
     EXPECT_EQ(screens.taken(), u"user alice "_s);
 
