@@ -286,6 +286,28 @@ MarkedWordFinder stockSymbolFinder(QStringView text)
     return { text, Expressions::forThread().stockSymbol, u'$' };
 }
 
+// The characters without which there is no span of a kind. Most texts hold none, and one pass tells.
+enum Mark : unsigned char { HashMark = 1, AtMark = 2, DollarMark = 4, LinkMark = 8 };
+
+unsigned marksIn(QStringView text)
+{
+    static constexpr auto marks = [] {
+        std::array<unsigned char, 128> table {};
+        table[u'#'] = HashMark;
+        table[u'@'] = AtMark;
+        table[u'$'] = DollarMark;
+        table[u':'] = LinkMark;
+        table[u'.'] = LinkMark;
+        return table;
+    }();
+    unsigned found = 0;
+    for (const QChar character : text) {
+        const char16_t unit = character.unicode();
+        found |= unit < marks.size() ? marks[unit] : 0U;
+    }
+    return found;
+}
+
 template <class Finder>
 bool matchesWhole(Finder finder, QStringView text)
 {
@@ -332,19 +354,19 @@ KRActiveStringType activeStringType(QStringView text)
 
 KRActiveTextRanges::KRActiveTextRanges(QStringView text)
 {
-    // One pass for the characters without which there is no span of any kind; most texts hold none.
-    bool holdsMark = false;
-    for (const QChar character : text) {
-        const char16_t unit = character.unicode();
-        holdsMark |= (unit == u'#') | (unit == u'@') | (unit == u'$') | (unit == u':') | (unit == u'.');
-    }
-    if (!holdsMark)
+    const unsigned marks = marksIn(text);
+    if (marks == 0)
         return;
-    m_links = allRanges(LinkFinder(text), text);
-    m_hashtags = allRanges(hashtagFinder(text), text);
-    m_usernames = allRanges(usernameFinder(text), text);
-    m_stockSymbols = allRanges(stockSymbolFinder(text), text);
-    m_emailAddresses = allRanges(EmailFinder(text), text);
+    if (marks & LinkMark)
+        m_links = allRanges(LinkFinder(text), text);
+    if (marks & HashMark)
+        m_hashtags = allRanges(hashtagFinder(text), text);
+    if (marks & AtMark) {
+        m_usernames = allRanges(usernameFinder(text), text);
+        m_emailAddresses = allRanges(EmailFinder(text), text);
+    }
+    if (marks & DollarMark)
+        m_stockSymbols = allRanges(stockSymbolFinder(text), text);
     // Appending to an empty list shares the other's memory: most texts have spans of one kind at most.
     m_activeRanges = m_links + m_hashtags + m_usernames + m_stockSymbols + m_emailAddresses;
 }

@@ -77,13 +77,15 @@ private:
     // What is null or of another type than it should be leaves its field as it was.
     void parseStatusSearchJSON(KRJSONParser& parser)
     {
-        if (parser.type() == Type::ObjectStart && parser.hasKey("user")) {
+        if (parser.type() == Type::String) {
+            _takeMember(parser);
+        } else if (parser.type() == Type::ObjectStart && parser.hasKey("user")) {
             // The full form: nothing is missing that the XML interface would send.
             m_status->setIsPartialStatus(false);
             m_status->setFromUser(std::make_shared<TwitterUser>());
             parser.pushCallback(m_userHandler, RepeatElement::No);
-        } else if (!TwitterRecordReading::skipContainer(parser) && parser.type() == Type::String) {
-            _takeMember(parser);
+        } else {
+            TwitterRecordReading::skipContainer(parser);
         }
     }
 
@@ -104,14 +106,11 @@ private:
             if (const QString text = parser.stringValue(); !text.isEmpty())
                 m_status->setInReplyToStatusID(text);
         } else if (m_status->isPartialStatus() && key == "from_user") {
-            if (const QString& text = _name(parser); !text.isEmpty()) {
-                TwitterUser& user = _partialFromUser();
-                user.setUsername(text);
-                user.setFullName(text);
-            }
+            if (!parser.bytes().empty())
+                _takeAuthor(_person(parser));
         } else if (m_status->isPartialStatus() && key == "profile_image_url") {
             if (!parser.bytes().empty())
-                _partialFromUser().setProfileImageURL(_imageURL(parser));
+                _takePicture(_imageURL(parser));
         }
     }
 
@@ -133,14 +132,35 @@ private:
         }
     }
 
-    TwitterUser& _partialFromUser()
+    static TwitterUserPtr _partialUser(const QString& name)
     {
-        if (!m_status->fromUser()) {
-            const auto user = std::make_shared<TwitterUser>();
-            user->setIsPartialUser(true);
-            m_status->setFromUser(user);
+        auto user = std::make_shared<TwitterUser>();
+        user->setIsPartialUser(true);
+        user->setUsername(name);
+        user->setFullName(name);
+        return user;
+    }
+
+    // One person with one picture is one record for all results. The picture may have come first.
+    void _takeAuthor(const TwitterUserPtr& person)
+    {
+        const TwitterUserPtr& user = m_status->fromUser();
+        if (user && person->profileImageURL().isEmpty())
+            person->setProfileImageURL(user->profileImageURL());
+        if (!user || user->profileImageURL() == person->profileImageURL()) {
+            m_status->setFromUser(person);
+        } else {
+            user->setUsername(person->username());
+            user->setFullName(person->fullName());
         }
-        return *m_status->fromUser();
+    }
+
+    void _takePicture(const QUrl& url)
+    {
+        const TwitterUserPtr& user = m_status->fromUser();
+        if (!user || (!user->profileImageURL().isEmpty() && user->profileImageURL() != url))
+            m_status->setFromUser(_partialUser(user ? user->username() : QString()));
+        m_status->fromUser()->setProfileImageURL(url);
     }
 
     // What the parser is at, read once for all results that say the same.
@@ -155,9 +175,9 @@ private:
         return *known.insert(QByteArray(bytes.data(), length), read(parser.stringValue()));
     }
 
-    const QString& _name(const KRJSONParser& parser)
+    const TwitterUserPtr& _person(const KRJSONParser& parser)
     {
-        return _remembered(m_names, parser, [](const QString& text) { return text; });
+        return _remembered(m_people, parser, _partialUser);
     }
 
     const QUrl& _imageURL(const KRJSONParser& parser)
@@ -170,7 +190,7 @@ private:
     KRJSONParser::Handler m_userHandler = _handler(&SearchReader::parseUserJSON);
     TwitterStatusList m_statuses;
     TwitterStatus* m_status = nullptr;
-    QHash<QByteArray, QString> m_names;
+    QHash<QByteArray, TwitterUserPtr> m_people;
     QHash<QByteArray, QUrl> m_imageURLs;
     bool m_isFirstEvent = true;
 };
