@@ -218,6 +218,10 @@ TEST_F(Journey, ReadsAnswersAndLooksAround)
     auto* const follow = find<QAbstractButton>(*person->view(), u"followButton"_s);
     EXPECT_TRUE(waitFor([&] { return person->list() && person->list()->statuses().size() > 2; }));
     EXPECT_EQ(person->list()->statusForRow(1)->fromUser(), post->fromUser());
+    EXPECT_EQ(window().topList(), person->list()) << "the menus are about these posts now";
+    auto* const fullName = find<QLabel>(*person->view(), u"fullName"_s);
+    fullName->resize(30, fullName->height());
+    EXPECT_TRUE(fullName->text().endsWith(u'…')) << "who is not told whole is not told to be";
     ASSERT_TRUE(waitFor([&] { return follow->isEnabled(); }));
     const QString before = follow->text();
     follow->click();
