@@ -123,8 +123,9 @@ bool PelinorAppDelegate::applicationShouldTerminate()
 void PelinorAppDelegate::terminate()
 {
     m_mayTerminate = m_mayTerminate || applicationShouldTerminate();
+    // Not quit(), which would have every window asked whether it may be closed.
     if (m_mayTerminate)
-        QApplication::quit();
+        QApplication::exit();
 }
 
 void PelinorAppDelegate::applicationWillTerminate()
@@ -184,6 +185,8 @@ void PelinorAppDelegate::newDocumentFromDock()
     if (!m_mainWindowController)
         return;
     newDocument();
+    if (m_composeControllers.empty())
+        return;
     QWidget& window = m_composeControllers.back()->window();
     window.raise();
     window.activateWindow();
@@ -240,6 +243,27 @@ PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const
                                      : nullptr);
     m_composeControllers.push_back(std::move(controller));
     return *m_composeControllers.back();
+}
+
+bool PelinorAppDelegate::_hasAccount()
+{
+    if (!m_twitter.accounts().isEmpty())
+        return true;
+    showPreferences();
+    preferencesWindowController().accounts();
+    return false;
+}
+
+void PelinorAppDelegate::newDocument()
+{
+    if (_hasAccount())
+        newTweetFromAccount(nullptr, nullptr, {}, std::nullopt);
+}
+
+void PelinorAppDelegate::newDirectMessage()
+{
+    if (_hasAccount())
+        newDirectMessageFromAccount(nullptr, nullptr);
 }
 
 void PelinorAppDelegate::newTweetFromAccount(const TwitterAccountPtr& account,

@@ -287,8 +287,14 @@ TEST_F(Journey, QuitsOnlyWhenNothingIsLostAndComesBackToTheSamePlace)
     EXPECT_EQ(readSheet(other.window()),
         u"Are you sure you want to discard this unsaved tweet?|Your tweet will be lost."_s);
     EXPECT_EQ(m_delegate->composeControllers().size(), 1U);
-    answerAlert(u"Discard Tweets"_s);
-    EXPECT_TRUE(m_delegate->applicationShouldTerminate());
+    QTimer::singleShot(0, [this] {
+        answerAlert(u"Discard Tweets"_s);
+        m_delegate->terminate();
+    });
+    QTimer deadline;
+    deadline.callOnTimeout([] { QApplication::exit(1); });
+    deadline.start(patience);
+    EXPECT_EQ(QApplication::exec(), 0) << "nobody asks once more for each of them";
 
     end();
     start();
