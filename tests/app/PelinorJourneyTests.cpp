@@ -6,6 +6,7 @@
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorStatusStrip.h"
+#include "model/streams/TwitterStatusStreamFilter.h"
 #include "toolkit/navigation/KRNavigationController.h"
 
 #include <QComboBox>
@@ -34,6 +35,7 @@ TEST_F(Journey, TheFirstLoginLeadsToTheTimeline)
         "You cannot login with your email address."_s);
     EXPECT_TRUE(tryWith(u"alice"_s, u"wrong"_s).startsWith(u"Error|"));
     EXPECT_EQ(name->text(), u"alice"_s) << "what was typed stays for correction";
+    EXPECT_EQ(password->selectedText(), password->text()) << "and is replaced by typing";
     EXPECT_TRUE(m_twitter->accounts().isEmpty());
     password->setText(u"wonderland"_s);
     button->click();
@@ -322,6 +324,9 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     EXPECT_EQ(m_defaults.integerForKey("StatusCellFontSize"), 2);
     find<QPlainTextEdit>(preferences, u"filterTerms"_s)->setPlainText(u" one \n\ntwo"_s);
     EXPECT_EQ(m_defaults.stringListForKey("filterTerms"), QStringList({ u"one"_s, u"two"_s }));
+    auto post = std::make_shared<TwitterStatus>();
+    post->setText(u"one post"_s);
+    EXPECT_EQ(FilterWithUserDefaults(post), post) << "what is still being typed drops nothing";
     find<QPlainTextEdit>(preferences, u"filterTerms"_s)->clear();
 
     m_delegate->preferencesWindowController().accounts();
@@ -350,6 +355,24 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     EXPECT_EQ(m_twitter->accounts().size(), 1);
     EXPECT_TRUE(waitFor([&] { return list->count() == 1; }));
     EXPECT_EQ(window().selectedTwitterAccount()->username(), u"alice"_s);
+
+    // Signing in once more is no second account.
+    find<QAbstractButton>(preferences, u"addAccountButton"_s)->click();
+    auto* const adding = find<QDialog>(preferences, u"addAccountSheet"_s);
+    find<QLineEdit>(*adding, u"usernameField"_s)->setText(u"Alice"_s);
+    find<QLineEdit>(*adding, u"passwordField"_s)->setText(u"wonderland"_s);
+    m_twitter->accounts().first()->setPassword(u"an old one"_s);
+    find<QAbstractButton>(*adding, u"addAccountButton"_s)->click();
+    EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));
+    EXPECT_EQ(m_twitter->accounts().size(), 1);
+
+    m_twitter->removeAccount(m_twitter->accounts().first());
+    m_delegate->newDocument();
+    EXPECT_TRUE(m_delegate->composeControllers().empty()) << "there is nobody to write as";
+    EXPECT_TRUE(preferences.isVisible());
+    EXPECT_LE((preferences.geometry().center() - preferences.screen()->availableGeometry().center())
+                  .manhattanLength(),
+        2);
 }
 
 TEST_F(Journey, EveryMenuItemHasAKeyOfItsOwn)

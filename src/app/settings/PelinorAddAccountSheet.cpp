@@ -73,10 +73,24 @@ void PelinorAddAccountSheet::_didVerify(const KRResult<TwitterAccountPtr>& respo
         if (!m_serverField->offerToTrust(response.error()))
             PelinorShowAlert(QMessageBox::Critical, tr("Error"), response.error().description, this);
         m_passwordField->setFocus();
+        m_passwordField->selectAll();
         return;
     }
-    m_twitter.addAccount(response.value());
+    _take(response.value());
     accept();
+}
+
+void PelinorAddAccountSheet::_take(const TwitterAccountPtr& account)
+{
+    // Who signs in to an account once more has a new password for it.
+    for (const TwitterAccountPtr& known : m_twitter.accounts()) {
+        if (known->isEqual(*account)) {
+            known->setPassword(account->password());
+            known->refresh();
+            return;
+        }
+    }
+    m_twitter.addAccount(account);
 }
 
 void PelinorAddAccountSheet::_setChecking(bool isChecking)

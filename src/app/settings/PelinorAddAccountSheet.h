@@ -22,6 +22,7 @@ public:
 
 private:
     void _didVerify(const KRResult<TwitterAccountPtr>& response);
+    void _take(const TwitterAccountPtr& account);
     void _setChecking(bool isChecking);
 
     Twitter& m_twitter;
