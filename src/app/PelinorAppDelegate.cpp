@@ -9,6 +9,7 @@
 #include "app/look/PelinorProfileImage.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
+#include "app/settings/PelinorAddAccountSheet.h"
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorMainWindowController.h"
@@ -96,8 +97,22 @@ void PelinorAppDelegate::_openMainWindow()
         [this](const auto&) {
             m_mainWindowController->statusStrip().setNotice(tr("Password not kept"),
                 tr("No keyring answers. Your password is kept in memory and asked for again next time."));
+            _askForPasswords();
         });
     m_mainWindowController->showWindow();
+}
+
+void PelinorAppDelegate::_askForPasswords()
+{
+    const auto isLacking = [](const TwitterAccountPtr& account) { return account->password().isNull(); };
+    const QList<TwitterAccountPtr>& accounts = m_twitter.accounts();
+    const auto account = std::find_if(accounts.begin(), accounts.end(), isLacking);
+    if (account == accounts.end())
+        return;
+    auto* const sheet = new PelinorAddAccountSheet(m_twitter, *account, &m_mainWindowController->window());
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &QDialog::accepted, this, [this] { _askForPasswords(); });
+    sheet->open();
 }
 
 bool PelinorAppDelegate::applicationShouldTerminate()

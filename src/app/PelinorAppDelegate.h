@@ -87,6 +87,8 @@ public:
         const TwitterSearchPtr& search) override;
 
 private:
+    /// For one account after the other that has none.
+    void _askForPasswords();
     /// Without an account shows where to add one.
     bool _hasAccount();
     void _firstLoginResponse(const TwitterAccountPtr& account);

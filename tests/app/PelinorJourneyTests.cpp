@@ -6,6 +6,7 @@
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorStatusStrip.h"
+#include "core/KRKeychain.h"
 #include "model/streams/TwitterStatusStreamFilter.h"
 #include "toolkit/navigation/KRNavigationController.h"
 
@@ -363,6 +364,16 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     find<QLineEdit>(*adding, u"passwordField"_s)->setText(u"wonderland"_s);
     m_twitter->accounts().first()->setPassword(u"an old one"_s);
     find<QAbstractButton>(*adding, u"addAccountButton"_s)->click();
+    EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));
+    EXPECT_EQ(m_twitter->accounts().size(), 1);
+
+    // Where no keyring answers the password is asked for.
+    m_twitter->accounts().first()->setPassword({});
+    KRNotificationCenter::defaultCenter().post(KRKeychainUnavailableNotification());
+    auto* const asking = find<QDialog>(window().window(), u"addAccountSheet"_s);
+    EXPECT_EQ(find<QLineEdit>(*asking, u"usernameField"_s)->text(), u"alice"_s);
+    find<QLineEdit>(*asking, u"passwordField"_s)->setText(u"wonderland"_s);
+    find<QAbstractButton>(*asking, u"addAccountButton"_s)->click();
     EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));
     EXPECT_EQ(m_twitter->accounts().size(), 1);
 

@@ -16,6 +16,8 @@ class PelinorAddAccountSheet : public QDialog {
 
 public:
     PelinorAddAccountSheet(Twitter& twitter, QWidget* parent);
+    /// Asks only for the password, of an account that is there and lacks it.
+    PelinorAddAccountSheet(Twitter& twitter, const TwitterAccountPtr& account, QWidget* parent);
     ~PelinorAddAccountSheet() override;
 
     void addAccountButtonAction();
@@ -26,6 +28,7 @@ private:
     void _setChecking(bool isChecking);
 
     Twitter& m_twitter;
+    TwitterAccountPtr m_account;
     PelinorCredentialsCheck m_check;
     PelinorServerField* m_serverField = nullptr;
     QLineEdit* m_usernameField = nullptr;
