@@ -9,6 +9,7 @@
 #include "app/look/PelinorProfileImage.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
+#include "app/settings/PelinorAddAccountSheet.h"
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorMainWindowController.h"
@@ -96,8 +97,22 @@ void PelinorAppDelegate::_openMainWindow()
         [this](const auto&) {
             m_mainWindowController->statusStrip().setNotice(tr("Password not kept"),
                 tr("No keyring answers. Your password is kept in memory and asked for again next time."));
+            _askForPasswords();
         });
     m_mainWindowController->showWindow();
+}
+
+void PelinorAppDelegate::_askForPasswords()
+{
+    const auto isLacking = [](const TwitterAccountPtr& account) { return account->password().isNull(); };
+    const QList<TwitterAccountPtr>& accounts = m_twitter.accounts();
+    const auto account = std::find_if(accounts.begin(), accounts.end(), isLacking);
+    if (account == accounts.end())
+        return;
+    auto* const sheet = new PelinorAddAccountSheet(m_twitter, *account, &m_mainWindowController->window());
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    connect(sheet, &QDialog::accepted, this, [this] { _askForPasswords(); });
+    sheet->open();
 }
 
 bool PelinorAppDelegate::applicationShouldTerminate()
@@ -123,8 +138,9 @@ bool PelinorAppDelegate::applicationShouldTerminate()
 void PelinorAppDelegate::terminate()
 {
     m_mayTerminate = m_mayTerminate || applicationShouldTerminate();
+    // Not quit(), which would have every window asked whether it may be closed.
     if (m_mayTerminate)
-        QApplication::quit();
+        QApplication::exit();
 }
 
 void PelinorAppDelegate::applicationWillTerminate()
@@ -184,6 +200,8 @@ void PelinorAppDelegate::newDocumentFromDock()
     if (!m_mainWindowController)
         return;
     newDocument();
+    if (m_composeControllers.empty())
+        return;
     QWidget& window = m_composeControllers.back()->window();
     window.raise();
     window.activateWindow();
@@ -240,6 +258,27 @@ PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const
                                      : nullptr);
     m_composeControllers.push_back(std::move(controller));
     return *m_composeControllers.back();
+}
+
+bool PelinorAppDelegate::_hasAccount()
+{
+    if (!m_twitter.accounts().isEmpty())
+        return true;
+    showPreferences();
+    preferencesWindowController().accounts();
+    return false;
+}
+
+void PelinorAppDelegate::newDocument()
+{
+    if (_hasAccount())
+        newTweetFromAccount(nullptr, nullptr, {}, std::nullopt);
+}
+
+void PelinorAppDelegate::newDirectMessage()
+{
+    if (_hasAccount())
+        newDirectMessageFromAccount(nullptr, nullptr);
 }
 
 void PelinorAppDelegate::newTweetFromAccount(const TwitterAccountPtr& account,

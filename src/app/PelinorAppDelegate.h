@@ -55,8 +55,8 @@ public:
     const PelinorMenuStatusItem* menuStatusItem() const { return m_menuStatusItem.get(); }
 
     // What menus ask for.
-    void newDocument() { newTweetFromAccount(nullptr, nullptr, {}, std::nullopt); }
-    void newDirectMessage() { newDirectMessageFromAccount(nullptr, nullptr); }
+    void newDocument();
+    void newDirectMessage();
     void refreshAll() { m_twitter.refresh(); }
     void markAllAsRead() { m_twitter.markAllAsRead(); }
     void showPreferences();
@@ -87,6 +87,10 @@ public:
         const TwitterSearchPtr& search) override;
 
 private:
+    /// For one account after the other that has none.
+    void _askForPasswords();
+    /// Without an account shows where to add one.
+    bool _hasAccount();
     void _firstLoginResponse(const TwitterAccountPtr& account);
     void _openMainWindow();
     void _updateMenuStatusItem();

@@ -23,13 +23,16 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
     const auto show = [this](void (Window::*what)()) { return [this, what] { (m_window.*what)(); }; };
     QMenuBar& bar = *m_window.window().menuBar();
 
+    // What is not about the main window has its key in all windows.
+    const auto inAllWindows = [](QAction* action) { action->setShortcutContext(Qt::ApplicationShortcut); };
     QMenu* const file = bar.addMenu(tr("&File"));
-    _add(file, tr("&New Tweet..."), u"Ctrl+N"_s, ask(&Delegate::newDocument));
-    _add(file, tr("New &Direct Message..."), u"Ctrl+Shift+D"_s, ask(&Delegate::newDirectMessage));
+    inAllWindows(_add(file, tr("&New Tweet..."), u"Ctrl+N"_s, ask(&Delegate::newDocument)));
+    inAllWindows(
+        _add(file, tr("New &Direct Message..."), u"Ctrl+Shift+D"_s, ask(&Delegate::newDirectMessage)));
     file->addSeparator();
-    _add(file, tr("&Preferences..."), u"Ctrl+,"_s, ask(&Delegate::showPreferences));
+    inAllWindows(_add(file, tr("&Preferences..."), u"Ctrl+,"_s, ask(&Delegate::showPreferences)));
     file->addSeparator();
-    _add(file, tr("&Quit"), u"Ctrl+Q"_s, ask(&Delegate::terminate));
+    inAllWindows(_add(file, tr("&Quit"), u"Ctrl+Q"_s, ask(&Delegate::terminate)));
 
     _addEditMenu(bar);
 
@@ -39,7 +42,12 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
     _add(view, tr("&Direct Messages"), u"Ctrl+3"_s, show(&Window::selectDirectMessages));
     _add(view, tr("&Searches"), u"Ctrl+4"_s, show(&Window::selectSearch));
     view->addSeparator();
-    _add(view, tr("&Refresh"), u"Ctrl+R"_s, ask(&Delegate::refreshAll));
+    _add(view, tr("&Refresh"), u"Ctrl+R"_s, [this] {
+        m_delegate.refreshAll();
+        // It may show what belongs to no account's refresh: a person, a search, a conversation.
+        if (auto* const list = m_window.topList())
+            list->refresh();
+    });
     _add(view, tr("Mark All as R&ead"), u"Ctrl+Shift+K"_s, ask(&Delegate::markAllAsRead));
 
     QMenu* const account = bar.addMenu(tr("&Account"));
@@ -53,11 +61,11 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
 
     QMenu* const windows = bar.addMenu(tr("&Window"));
     _add(windows, tr("&Minimize"), u"Ctrl+M"_s, [this] { m_window.window().showMinimized(); });
-    _add(windows, tr("&Main Window"), u"Ctrl+0"_s, ask(&Delegate::showMainPelinorWindow));
-    _add(windows, tr("&Close"), u"Ctrl+W"_s, [] {
+    inAllWindows(_add(windows, tr("&Main Window"), u"Ctrl+0"_s, ask(&Delegate::showMainPelinorWindow)));
+    inAllWindows(_add(windows, tr("&Close"), u"Ctrl+W"_s, [] {
         if (QWidget* const active = QApplication::activeWindow())
             active->close();
-    });
+    }));
 
     QMenu* const help = bar.addMenu(tr("&Help"));
     _add(help, tr("&Keyboard Shortcuts"), u"Ctrl+?"_s, ask(&Delegate::showShortcuts));

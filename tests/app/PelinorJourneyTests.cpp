@@ -6,6 +6,8 @@
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorStatusStrip.h"
+#include "core/KRKeychain.h"
+#include "model/streams/TwitterStatusStreamFilter.h"
 #include "toolkit/navigation/KRNavigationController.h"
 
 #include <QComboBox>
@@ -34,6 +36,7 @@ TEST_F(Journey, TheFirstLoginLeadsToTheTimeline)
         "You cannot login with your email address."_s);
     EXPECT_TRUE(tryWith(u"alice"_s, u"wrong"_s).startsWith(u"Error|"));
     EXPECT_EQ(name->text(), u"alice"_s) << "what was typed stays for correction";
+    EXPECT_EQ(password->selectedText(), password->text()) << "and is replaced by typing";
     EXPECT_TRUE(m_twitter->accounts().isEmpty());
     password->setText(u"wonderland"_s);
     button->click();
@@ -218,6 +221,10 @@ TEST_F(Journey, ReadsAnswersAndLooksAround)
     auto* const follow = find<QAbstractButton>(*person->view(), u"followButton"_s);
     EXPECT_TRUE(waitFor([&] { return person->list() && person->list()->statuses().size() > 2; }));
     EXPECT_EQ(person->list()->statusForRow(1)->fromUser(), post->fromUser());
+    EXPECT_EQ(window().topList(), person->list()) << "the menus are about these posts now";
+    auto* const fullName = find<QLabel>(*person->view(), u"fullName"_s);
+    fullName->resize(30, fullName->height());
+    EXPECT_TRUE(fullName->text().endsWith(u'…')) << "who is not told whole is not told to be";
     ASSERT_TRUE(waitFor([&] { return follow->isEnabled(); }));
     const QString before = follow->text();
     follow->click();
@@ -283,8 +290,14 @@ TEST_F(Journey, QuitsOnlyWhenNothingIsLostAndComesBackToTheSamePlace)
     EXPECT_EQ(readSheet(other.window()),
         u"Are you sure you want to discard this unsaved tweet?|Your tweet will be lost."_s);
     EXPECT_EQ(m_delegate->composeControllers().size(), 1U);
-    answerAlert(u"Discard Tweets"_s);
-    EXPECT_TRUE(m_delegate->applicationShouldTerminate());
+    QTimer::singleShot(0, [this] {
+        answerAlert(u"Discard Tweets"_s);
+        m_delegate->terminate();
+    });
+    QTimer deadline;
+    deadline.callOnTimeout([] { QApplication::exit(1); });
+    deadline.start(patience);
+    EXPECT_EQ(QApplication::exec(), 0) << "nobody asks once more for each of them";
 
     end();
     start();
@@ -312,6 +325,9 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     EXPECT_EQ(m_defaults.integerForKey("StatusCellFontSize"), 2);
     find<QPlainTextEdit>(preferences, u"filterTerms"_s)->setPlainText(u" one \n\ntwo"_s);
     EXPECT_EQ(m_defaults.stringListForKey("filterTerms"), QStringList({ u"one"_s, u"two"_s }));
+    auto post = std::make_shared<TwitterStatus>();
+    post->setText(u"one post"_s);
+    EXPECT_EQ(FilterWithUserDefaults(post), post) << "what is still being typed drops nothing";
     find<QPlainTextEdit>(preferences, u"filterTerms"_s)->clear();
 
     m_delegate->preferencesWindowController().accounts();
@@ -340,6 +356,34 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     EXPECT_EQ(m_twitter->accounts().size(), 1);
     EXPECT_TRUE(waitFor([&] { return list->count() == 1; }));
     EXPECT_EQ(window().selectedTwitterAccount()->username(), u"alice"_s);
+
+    // Signing in once more is no second account.
+    find<QAbstractButton>(preferences, u"addAccountButton"_s)->click();
+    auto* const adding = find<QDialog>(preferences, u"addAccountSheet"_s);
+    find<QLineEdit>(*adding, u"usernameField"_s)->setText(u"Alice"_s);
+    find<QLineEdit>(*adding, u"passwordField"_s)->setText(u"wonderland"_s);
+    m_twitter->accounts().first()->setPassword(u"an old one"_s);
+    find<QAbstractButton>(*adding, u"addAccountButton"_s)->click();
+    EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));
+    EXPECT_EQ(m_twitter->accounts().size(), 1);
+
+    // Where no keyring answers the password is asked for.
+    m_twitter->accounts().first()->setPassword({});
+    KRNotificationCenter::defaultCenter().post(KRKeychainUnavailableNotification());
+    auto* const asking = find<QDialog>(window().window(), u"addAccountSheet"_s);
+    EXPECT_EQ(find<QLineEdit>(*asking, u"usernameField"_s)->text(), u"alice"_s);
+    find<QLineEdit>(*asking, u"passwordField"_s)->setText(u"wonderland"_s);
+    find<QAbstractButton>(*asking, u"addAccountButton"_s)->click();
+    EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));
+    EXPECT_EQ(m_twitter->accounts().size(), 1);
+
+    m_twitter->removeAccount(m_twitter->accounts().first());
+    m_delegate->newDocument();
+    EXPECT_TRUE(m_delegate->composeControllers().empty()) << "there is nobody to write as";
+    EXPECT_TRUE(preferences.isVisible());
+    EXPECT_LE((preferences.geometry().center() - preferences.screen()->availableGeometry().center())
+                  .manhattanLength(),
+        2);
 }
 
 TEST_F(Journey, EveryMenuItemHasAKeyOfItsOwn)

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr auto DateInterval = std::chrono::minutes(1);
 constexpr int JumpToNewest = 1;
 constexpr int MeasuredAtOnce = 40;
 
@@ -39,8 +38,9 @@ void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
     m_preferencesObservation
         = environment().notifications.observe<PelinorDisplayPreferencesDidChangeNotification>(
             [this](const PelinorDisplayPreferencesDidChangeNotification&) { displayPreferencesDidChange(); });
-    m_dateTimer
-        = KRRunLoop::main().scheduleTimer(DateInterval, KRRunLoop::Repeats::Yes, [this] { _updateDates(); });
+    m_dateTimer = everyMinute([this] {
+        forEachShownCell<PelinorStatusTableViewCell>([](auto& cell, qint64 /*row*/) { cell.updateDate(); });
+    });
     const std::shared_ptr<TwitterStream> stream = this->stream();
     if (!stream)
         return;
@@ -136,15 +136,6 @@ void PelinorStatusListViewController::loadOlder()
 void PelinorStatusListViewController::displayPreferencesDidChange()
 {
     tableView().reloadDataKeepingPlace();
-}
-
-void PelinorStatusListViewController::_updateDates()
-{
-    const KRRange rows = tableView().currentRange();
-    for (qsizetype row = rows.location; row < rows.end(); ++row) {
-        if (auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(tableView().cellForRow(row)))
-            cell->updateDate();
-    }
 }
 
 // Rows
@@ -496,57 +487,65 @@ void PelinorStatusListViewController::perform(Command command)
         pelinorCellFromUserDetailsForRow(*cell, row);
         break;
     case Command::Reply:
-        pelinorStatusCellReplyToStatus(*cell);
+        pelinorStatusCellReplyToStatus(*cell, cell->status());
         break;
     case Command::Repost:
-        pelinorStatusCellRepostStatus(*cell);
+        pelinorStatusCellRepostStatus(*cell, cell->status());
         break;
     case Command::PostLink:
-        pelinorStatusCellPostLinkToStatus(*cell);
+        pelinorStatusCellPostLinkToStatus(*cell, cell->status());
         break;
     case Command::DirectMessage:
-        pelinorStatusCellDirectMessageUser(*cell);
+        pelinorStatusCellDirectMessageUser(*cell, cell->status());
         break;
     case Command::ToggleFavorite:
-        pelinorStatusCellToggleFavoriteForStatus(*cell);
+        pelinorStatusCellToggleFavoriteForStatus(*cell, cell->status());
         break;
     case Command::OpenInBrowser:
-        pelinorStatusCellViewOnTwitter(*cell);
+        pelinorStatusCellViewOnTwitter(*cell, cell->status());
         break;
     }
 }
 
 // What the user does in a cell
 
-void PelinorStatusListViewController::pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell)
+void PelinorStatusListViewController::pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
 {
-    _actions().reply(cell.status(), cell.replyPoint());
+    _actions().reply(status, cell.replyPoint());
 }
 
-void PelinorStatusListViewController::pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell)
+void PelinorStatusListViewController::pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
 {
-    _actions().repost(*cell.status(), cell.replyPoint());
+    _actions().repost(*status, cell.replyPoint());
 }
 
-void PelinorStatusListViewController::pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell)
+void PelinorStatusListViewController::pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
 {
-    _actions().postLink(*cell.status(), cell.replyPoint());
+    _actions().postLink(*status, cell.replyPoint());
 }
 
-void PelinorStatusListViewController::pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell)
+void PelinorStatusListViewController::pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& /*cell*/,
+    const TwitterStatusPtr& status)
 {
-    _actions().directMessage(cell.status()->fromUser());
+    _actions().directMessage(status->fromUser());
 }
 
 void PelinorStatusListViewController::pelinorStatusCellToggleFavoriteForStatus(
-    PelinorStatusTableViewCell& cell)
+    PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
 {
-    cell.setIsFavorite(_actions().toggleFavorite(cell.status()));
+    const bool isFavorite = _actions().toggleFavorite(status);
+    if (cell.status() == status)
+        cell.setIsFavorite(isFavorite);
 }
 
-void PelinorStatusListViewController::pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell)
+void PelinorStatusListViewController::pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
 {
-    _actions().openInBrowser(*cell.status(), &cell);
+    _actions().openInBrowser(*status, &cell);
 }
 
 void PelinorStatusListViewController::pelinorCellStatusDetails(KRTableViewCell& /*cell*/, qint64 row)

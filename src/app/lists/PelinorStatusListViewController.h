@@ -5,7 +5,6 @@
 #include "app/lists/PelinorStatusTableViewCell.h"
 #include "app/lists/PelinorTableViewController.h"
 #include "foundation/KRNotificationCenter.h"
-#include "foundation/KRRunLoop.h"
 
 #include <limits>
 #include <optional>
@@ -77,12 +76,18 @@ public:
     bool tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event) override;
     void tableViewDidSelectRow(KRTableView& tableView, qint64 row) override;
 
-    void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell) override;
-    void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell) override;
-    void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell) override;
-    void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell) override;
-    void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell) override;
-    void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell) override;
+    void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
     void pelinorCellStatusDetails(KRTableViewCell& cell, qint64 row) override;
     void pelinorCellFromUserDetailsForRow(KRTableViewCell& cell, qint64 row) override;
     void pelinorCellClickedLink(KRTableViewCell& cell, const QString& link, qint64 row, int type) override;
@@ -107,7 +112,6 @@ private:
     void _loadMore();
     QString _endText() const;
     void _updateLoadingCell();
-    void _updateDates();
     PelinorStatusActions _actions() const { return { environment(), account() }; }
 
     TwitterStatusList m_statuses;

@@ -230,10 +230,11 @@ std::unique_ptr<QMenu> PelinorStatusTableViewCell::menuForAction()
             menu->addSeparator();
             continue;
         }
-        QAction* const entry = menu->addAction(tr(item.title), this, [this, action = item.action] {
-            if (m_delegate)
-                (m_delegate->*action)(*this);
-        });
+        QAction* const entry
+            = menu->addAction(tr(item.title), this, [this, action = item.action, status = m_status] {
+                  if (m_delegate)
+                      (m_delegate->*action)(*this, status);
+              });
         entry->setObjectName(QLatin1String(item.name));
     }
     return menu;
@@ -253,7 +254,7 @@ void PelinorStatusTableViewCell::performAction(const QString& name)
 {
     for (const MenuItem& item : _menuItems()) {
         if (item.title && m_delegate && tr(item.title) == name) {
-            (m_delegate->*item.action)(*this);
+            (m_delegate->*item.action)(*this, m_status);
             return;
         }
     }
@@ -349,7 +350,7 @@ void PelinorStatusTableViewCell::_click(Part part)
         return;
     switch (part) {
     case Part::ReplyButton:
-        m_delegate->pelinorStatusCellReplyToStatus(*this);
+        m_delegate->pelinorStatusCellReplyToStatus(*this, m_status);
         break;
     case Part::ActionButton:
         _popUpMenu(mapToGlobal(_rectOf(part).bottomLeft()));

@@ -34,13 +34,25 @@ public:
     PelinorCellDelegate& operator=(const PelinorCellDelegate&) = delete;
     virtual ~PelinorCellDelegate() = default;
 
-    // With the cell's status.
-    virtual void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell) = 0;
-    virtual void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell) = 0;
-    virtual void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell) = 0;
-    virtual void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell) = 0;
-    virtual void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell) = 0;
-    virtual void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell) = 0;
+    // With the status that was shown when the user began: a cell may show another one before a menu is closed.
+    virtual void pelinorStatusCellReplyToStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
+    virtual void pelinorStatusCellRepostStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
+    virtual void pelinorStatusCellPostLinkToStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
+    virtual void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
+    virtual void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
+    virtual void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
     virtual void pelinorCellStatusDetails(KRTableViewCell& cell, qint64 row) = 0;
     virtual void pelinorCellFromUserDetailsForRow(KRTableViewCell& cell, qint64 row) = 0;
     /// The type is that of KRAdditions::activeStringType(); a user name comes without its "@".
@@ -106,7 +118,7 @@ protected:
 private:
     enum class Tone { Normal, Selected, Dimmed };
     enum class Part { None, ReplyButton, ActionButton, Picture };
-    using Action = void (PelinorCellDelegate::*)(PelinorStatusTableViewCell&);
+    using Action = void (PelinorCellDelegate::*)(PelinorStatusTableViewCell&, const TwitterStatusPtr&);
     struct MenuItem;
     static const std::vector<MenuItem>& _menuItems();
 

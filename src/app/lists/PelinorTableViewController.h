@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/links/PelinorScreens.h"
+#include "foundation/KRRunLoop.h"
 #include "toolkit/KRTableView.h"
 #include "toolkit/KRTableViewDelegate.h"
 
@@ -34,6 +35,22 @@ protected:
     void push(const KRViewControllerPtr& screen);
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+    /// For what tells how long ago something was. Runs while the timer is kept.
+    template <class Do>
+    static KRTimer everyMinute(Do what)
+    {
+        return KRRunLoop::main().scheduleTimer(std::chrono::minutes(1), KRRunLoop::Repeats::Yes, what);
+    }
+    /// Calls it with every cell of the class that is on the screen, and with its row.
+    template <class Cell, class Do>
+    void forEachShownCell(Do what)
+    {
+        const KRRange rows = tableView().currentRange();
+        for (qsizetype row = rows.location; row < rows.end(); ++row) {
+            if (auto* const cell = qobject_cast<Cell*>(tableView().cellForRow(row)))
+                what(*cell, row);
+        }
+    }
     /// An idle cell of the class, or a new one made from the arguments.
     template <class Cell, class... Arguments>
     static Cell* reusedOrNewCell(KRTableView& tableView, Arguments&&... arguments)

@@ -30,12 +30,17 @@ void PelinorDirectMessageConversationViewController::viewWillAppear(bool /*anima
         = environment().notifications.observe<TwitterDirectMessageConversationDidUpdateNotification>(
             [this](const auto&) { tableView().reloadData(); },
             m_conversation.get());
+    m_dateTimer = everyMinute([this] {
+        forEachShownCell<PelinorDirectMessageTableViewCell>(
+            [](auto& cell, qint64 /*row*/) { cell.updateDate(); });
+    });
     tableView().reloadData();
 }
 
 void PelinorDirectMessageConversationViewController::viewWillDisappear(bool /*animated*/)
 {
     m_observation.invalidate();
+    m_dateTimer.invalidate();
 }
 
 void PelinorDirectMessageConversationViewController::answer()

@@ -33,4 +33,5 @@ private:
     TwitterDirectMessageConversationPtr m_conversation;
     TwitterDirectMessageList m_messages;
     KRObservation m_observation;
+    KRTimer m_dateTimer;
 };

@@ -80,6 +80,12 @@ void PelinorDirectMessageTableViewCell::setMessage(const TwitterDirectMessagePtr
     update();
 }
 
+void PelinorDirectMessageTableViewCell::updateDate()
+{
+    setAccessibleName(accessibleNameForMessage(*m_message));
+    update();
+}
+
 void PelinorDirectMessageTableViewCell::setLinkHandler(std::function<void(const QString&, int)> handler)
 {
     m_tracker->setClickHandler([handler = std::move(handler)](const QString& text, KRActiveStringType type) {

@@ -25,6 +25,8 @@ public:
     static QString accessibleNameForMessage(const TwitterDirectMessage& message);
 
     void setMessage(const TwitterDirectMessagePtr& message, bool isMine, int fontSizePreference);
+    /// Reads the clock again for how long ago the message is.
+    void updateDate();
     void setLinkHandler(std::function<void(const QString& text, int type)> handler);
 
     void selectedStateDidChange() override { update(); }

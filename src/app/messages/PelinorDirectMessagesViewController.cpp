@@ -10,6 +10,10 @@ void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
         = environment().notifications.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>(
             [this](const auto&) { tableView().reloadData(); },
             manager.get());
+    m_dateTimer = everyMinute([this] {
+        forEachShownCell<PelinorTitleTableViewCell>(
+            [this](auto& cell, qint64 row) { cell.setContent(_contentOfRow(row)); });
+    });
     tableView().reloadData();
     if (manager->conversations().isEmpty())
         manager->refresh();
@@ -18,6 +22,7 @@ void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
 void PelinorDirectMessagesViewController::viewWillDisappear(bool /*animated*/)
 {
     m_observation.invalidate();
+    m_dateTimer.invalidate();
     if (tableView().isScrolledToTop())
         account()->noteFreshMessages();
 }

@@ -2,7 +2,6 @@
 
 #include "app/lists/PelinorTableViewController.h"
 #include "app/lists/PelinorTitleTableViewCell.h"
-#include "foundation/KRRunLoop.h"
 
 /// An account's conversations, the one with the newest message first. Main thread.
 class PelinorDirectMessagesViewController final : public PelinorTableViewController {
@@ -27,4 +26,5 @@ private:
 
     QList<TwitterDirectMessageConversationPtr> m_conversations;
     KRObservation m_observation;
+    KRTimer m_dateTimer;
 };

@@ -70,6 +70,9 @@ void PelinorUserDetailsViewController::viewDidLoad()
 void PelinorUserDetailsViewController::viewWillAppear(bool animated)
 {
     m_isVisible = true;
+    m_preferencesObservation
+        = m_environment.notifications.observe<PelinorDisplayPreferencesDidChangeNotification>(
+            [this](const auto&) { _detailsDidChange(); });
     m_details->load();
     _detailsDidChange();
     if (m_list)
@@ -81,6 +84,7 @@ void PelinorUserDetailsViewController::viewWillAppear(bool animated)
 void PelinorUserDetailsViewController::viewWillDisappear(bool animated)
 {
     m_isVisible = false;
+    m_preferencesObservation.invalidate();
     if (m_list)
         m_list->viewWillDisappear(animated);
 }

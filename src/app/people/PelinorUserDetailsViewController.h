@@ -45,4 +45,5 @@ private:
     QPointer<QVBoxLayout> m_layout;
     std::shared_ptr<PelinorStatusListViewController> m_list;
     bool m_isVisible = false;
+    KRObservation m_preferencesObservation;
 };

@@ -21,22 +21,8 @@ namespace {
 constexpr int NameSize = 14;
 constexpr int TextSize = 11;
 constexpr int PictureSide = 72;
-// Enough of a name for anybody; the rest is cut off, not the window widened.
-constexpr qsizetype LongestName = 80;
-
-QLabel* makeLabel(const QString& name, int size, QWidget* parent)
-{
-    auto* const label = new QLabel(parent);
-    label->setObjectName(name);
-    // What is shown comes from the network.
-    label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setFont(KRMessageFont(size));
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    // Beside the picture in whatever direction the words run.
-    label->setAlignment((parent->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
-    return label;
-}
+// What a name may take of the time for measuring it.
+constexpr qsizetype LongestLine = 500;
 
 QString count(const std::optional<qint32>& number, const QString& what)
 {
@@ -44,6 +30,42 @@ QString count(const std::optional<qint32>& number, const QString& what)
 }
 
 } // namespace
+
+// One line of what comes from the network: the end that finds no room is left out, not the window widened.
+class PelinorUserHeaderView::Line final : public QLabel {
+public:
+    Line(const QString& name, int size, QWidget* parent)
+        : QLabel(parent)
+    {
+        setObjectName(name);
+        setTextFormat(Qt::PlainText);
+        setTextInteractionFlags(Qt::TextSelectableByMouse);
+        setFont(KRMessageFont(size));
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        // Beside the picture in whatever direction the words run.
+        setAlignment((parent->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
+    }
+    void setLine(const QString& text)
+    {
+        m_line = text.simplified().left(LongestLine);
+        setToolTip(m_line.toHtmlEscaped());
+        setAccessibleName(m_line);
+        setMinimumHeight(fontMetrics().lineSpacing());
+        _elide();
+    }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override
+    {
+        QLabel::resizeEvent(event);
+        _elide();
+    }
+
+private:
+    void _elide() { setText(fontMetrics().elidedText(m_line, Qt::ElideRight, width())); }
+
+    QString m_line;
+};
 
 class PelinorUserHeaderView::Picture final : public QWidget {
 public:
@@ -72,12 +94,12 @@ private:
 PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
     : QWidget(parent)
     , m_picture(new Picture(this))
-    , m_fullName(makeLabel(u"fullName"_s, NameSize, this))
-    , m_username(makeLabel(u"username"_s, TextSize, this))
-    , m_counts(makeLabel(u"counts"_s, TextSize, this))
+    , m_fullName(new Line(u"fullName"_s, NameSize, this))
+    , m_username(new Line(u"username"_s, TextSize, this))
+    , m_counts(new Line(u"counts"_s, TextSize, this))
     , m_bio(new KRActiveTextView(this))
     , m_homePage(new QPushButton(this))
-    , m_state(makeLabel(u"state"_s, TextSize, this))
+    , m_state(new Line(u"state"_s, TextSize, this))
     , m_followButton(new QPushButton(this))
     , m_mentionButton(new QPushButton(tr("Mention"), this))
     , m_messageButton(new QPushButton(tr("Message"), this))
@@ -135,14 +157,13 @@ void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int f
     const TwitterUserPtr& user = details.user();
     m_picture->setImage(user ? user->profileImage() : nullptr);
     const QString name = user ? user->fullName() : details.username();
-    m_fullName->setText(name.simplified().left(LongestName));
-    m_fullName->setToolTip(name.simplified().toHtmlEscaped());
+    m_fullName->setLine(name);
     QStringList line { u'@' + details.username() };
     if (user && !user->location().isEmpty())
-        line.append(user->location().simplified());
+        line.append(user->location());
     if (user && user->isProtected().value_or(false))
         line.append(tr("protected"));
-    m_username->setText(line.join(u" · "_s));
+    m_username->setLine(line.join(u" · "_s));
     QStringList counts;
     if (user) {
         for (const QString& part : { count(user->numberOfStatuses(), tr("posts")),
@@ -152,7 +173,7 @@ void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int f
                 counts.append(part);
         }
     }
-    m_counts->setText(details.error() ? details.error()->description.simplified() : counts.join(u" · "_s));
+    m_counts->setLine(details.error() ? details.error()->description : counts.join(u" · "_s));
 
     const QString bio = user ? user->bio() : QString();
     const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
@@ -181,11 +202,11 @@ void PelinorUserHeaderView::_showFollowing(const PelinorUserDetails& details)
     m_followButton->setEnabled(following == Following::Yes || following == Following::No);
     m_followButton->setText(following == Following::Yes ? tr("Unfollow") : tr("Follow"));
     if (details.followError())
-        m_state->setText(details.followError()->description.simplified());
+        m_state->setLine(details.followError()->description);
     else if (details.isMe())
-        m_state->setText(tr("This is you"));
+        m_state->setLine(tr("This is you"));
     else
-        m_state->setText(details.followsMe() ? tr("Follows you") : QString());
+        m_state->setLine(details.followsMe() ? tr("Follows you") : QString());
 }
 
 void PelinorUserHeaderView::_updateColors()
@@ -197,7 +218,7 @@ void PelinorUserHeaderView::_updateColors()
         widget->setPalette(palette);
     };
     paint(m_fullName, QPalette::WindowText, colors.name);
-    for (QLabel* const label : { m_username, m_counts, m_state })
+    for (Line* const label : { m_username, m_counts, m_state })
         paint(label, QPalette::WindowText, colors.secondaryText);
     paint(m_homePage, QPalette::ButtonText, colors.selectionMark);
 }

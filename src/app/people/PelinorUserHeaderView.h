@@ -6,7 +6,6 @@
 
 class KRActiveTextView;
 class PelinorUserDetails;
-class QLabel;
 class QPushButton;
 struct PelinorScreenEnvironment;
 
@@ -33,18 +32,19 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
+    class Line;
     class Picture;
 
     void _showFollowing(const PelinorUserDetails& details);
     void _updateColors();
 
     Picture* m_picture = nullptr;
-    QLabel* m_fullName = nullptr;
-    QLabel* m_username = nullptr;
-    QLabel* m_counts = nullptr;
+    Line* m_fullName = nullptr;
+    Line* m_username = nullptr;
+    Line* m_counts = nullptr;
     KRActiveTextView* m_bio = nullptr;
     QPushButton* m_homePage = nullptr;
-    QLabel* m_state = nullptr;
+    Line* m_state = nullptr;
     QPushButton* m_followButton = nullptr;
     QPushButton* m_mentionButton = nullptr;
     QPushButton* m_messageButton = nullptr;

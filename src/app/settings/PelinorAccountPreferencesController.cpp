@@ -83,6 +83,12 @@ PelinorAccountPreferencesController::PelinorAccountPreferencesController(Twitter
                 [this] { _reloadData(); },
                 Qt::QueuedConnection);
         });
+    // Pictures come later than their accounts.
+    m_pictureObservation = KRNotificationCenter::defaultCenter().observe<TwitterAccountDidUpdateNotification>(
+        [this](const TwitterAccountDidUpdateNotification&) {
+            if (isVisible())
+                _updateIcons();
+        });
     _reloadData();
 }
 
@@ -98,9 +104,24 @@ void PelinorAccountPreferencesController::_reloadData()
     const int row = m_list->currentRow();
     m_list->clear();
     for (const TwitterAccountPtr& account : m_twitter.accounts())
-        m_list->addItem(new QListWidgetItem(iconOf(*account), account->qualifiedName()));
+        m_list->addItem(new QListWidgetItem(account->qualifiedName()));
+    _updateIcons();
     m_list->setCurrentRow(std::min(row, m_list->count() - 1));
     _updateButtons();
+}
+
+void PelinorAccountPreferencesController::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    _updateIcons();
+}
+
+void PelinorAccountPreferencesController::_updateIcons()
+{
+    for (int row = 0; row < m_list->count(); ++row) {
+        if (const TwitterAccountPtr account = accountForRow(row))
+            m_list->item(row)->setIcon(iconOf(*account));
+    }
 }
 
 void PelinorAccountPreferencesController::_updateButtons()

@@ -26,8 +26,12 @@ public:
     void removeAccount();
     void configureAccount();
 
+protected:
+    void showEvent(QShowEvent* event) override;
+
 private:
     void _reloadData();
+    void _updateIcons();
     void _updateButtons();
 
     Twitter& m_twitter;
@@ -35,4 +39,5 @@ private:
     QPushButton* m_removeButton = nullptr;
     QPushButton* m_detailsButton = nullptr;
     KRObservation m_observation;
+    KRObservation m_pictureObservation;
 };

@@ -3,6 +3,7 @@
 #include "app/look/PelinorAlert.h"
 #include "app/settings/PelinorServerField.h"
 
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -40,6 +41,20 @@ PelinorAddAccountSheet::PelinorAddAccountSheet(Twitter& twitter, QWidget* parent
     layout->addRow(buttons);
 }
 
+PelinorAddAccountSheet::PelinorAddAccountSheet(Twitter& twitter,
+    const TwitterAccountPtr& account,
+    QWidget* parent)
+    : PelinorAddAccountSheet(twitter, parent)
+{
+    m_account = account;
+    setWindowTitle(tr("Login"));
+    m_addButton->setText(tr("Login"));
+    m_serverField->comboBox().setEditText(account->context().hosts.server());
+    m_usernameField->setText(account->username());
+    _setChecking(false);
+    m_passwordField->setFocus();
+}
+
 PelinorAddAccountSheet::~PelinorAddAccountSheet() = default;
 
 void PelinorAddAccountSheet::addAccountButtonAction()
@@ -52,7 +67,8 @@ void PelinorAddAccountSheet::addAccountButtonAction()
             this);
         return;
     }
-    const std::optional<TwitterAccountContext> site = m_serverField->context();
+    const std::optional<TwitterAccountContext> site
+        = m_account ? m_account->context() : m_serverField->context();
     if (!site) {
         // What is there is shown before a password goes to it.
         m_serverField->find();
@@ -73,16 +89,30 @@ void PelinorAddAccountSheet::_didVerify(const KRResult<TwitterAccountPtr>& respo
         if (!m_serverField->offerToTrust(response.error()))
             PelinorShowAlert(QMessageBox::Critical, tr("Error"), response.error().description, this);
         m_passwordField->setFocus();
+        m_passwordField->selectAll();
         return;
     }
-    m_twitter.addAccount(response.value());
+    _take(response.value());
     accept();
+}
+
+void PelinorAddAccountSheet::_take(const TwitterAccountPtr& account)
+{
+    // Who signs in to an account once more has a new password for it.
+    for (const TwitterAccountPtr& known : m_twitter.accounts()) {
+        if (known->isEqual(*account)) {
+            known->setPassword(account->password());
+            known->refresh();
+            return;
+        }
+    }
+    m_twitter.addAccount(account);
 }
 
 void PelinorAddAccountSheet::_setChecking(bool isChecking)
 {
-    m_serverField->setEnabled(!isChecking);
-    m_usernameField->setEnabled(!isChecking);
+    m_serverField->setEnabled(!isChecking && !m_account);
+    m_usernameField->setEnabled(!isChecking && !m_account);
     m_passwordField->setEnabled(!isChecking);
     m_addButton->setEnabled(!isChecking);
     m_progress->setText(isChecking ? tr("Checking the password…") : QString());

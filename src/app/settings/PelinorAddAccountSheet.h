@@ -16,15 +16,19 @@ class PelinorAddAccountSheet : public QDialog {
 
 public:
     PelinorAddAccountSheet(Twitter& twitter, QWidget* parent);
+    /// Asks only for the password, of an account that is there and lacks it.
+    PelinorAddAccountSheet(Twitter& twitter, const TwitterAccountPtr& account, QWidget* parent);
     ~PelinorAddAccountSheet() override;
 
     void addAccountButtonAction();
 
 private:
     void _didVerify(const KRResult<TwitterAccountPtr>& response);
+    void _take(const TwitterAccountPtr& account);
     void _setChecking(bool isChecking);
 
     Twitter& m_twitter;
+    TwitterAccountPtr m_account;
     PelinorCredentialsCheck m_check;
     PelinorServerField* m_serverField = nullptr;
     QLineEdit* m_usernameField = nullptr;

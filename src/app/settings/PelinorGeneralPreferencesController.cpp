@@ -2,7 +2,6 @@
 
 #include "app/look/PelinorDisplayPreferences.h"
 #include "foundation/KRUserDefaults.h"
-#include "model/streams/TwitterStatusStreamFilter.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -97,7 +96,8 @@ void PelinorGeneralPreferencesController::_addFilterTerms(QFormLayout& layout)
     terms->setObjectName(u"filterTerms"_s);
     terms->setTabChangesFocus(true);
     terms->setFixedHeight(4 * terms->fontMetrics().lineSpacing());
-    terms->setPlaceholderText(tr("Posts with these words are left out, one on a line"));
+    terms->setPlaceholderText(
+        tr("From the next start on, posts with these words are left out. One on a line"));
     connect(terms, &QPlainTextEdit::textChanged, this, [this, terms] {
         QStringList list;
         for (const QString& term : terms->toPlainText().split(u'\n')) {
@@ -105,7 +105,6 @@ void PelinorGeneralPreferencesController::_addFilterTerms(QFormLayout& layout)
                 list.append(term.trimmed());
         }
         m_defaults.setStringList("filterTerms", list);
-        ReadFilterTerms(m_defaults);
     });
     auto* const label = new QLabel(tr("&Leave out:"), this);
     label->setBuddy(terms);

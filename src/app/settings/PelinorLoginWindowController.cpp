@@ -171,8 +171,10 @@ void PelinorLoginWindowController::_setProgress(bool isRunning)
     m_passwordField->setEnabled(!isRunning);
     m_loginButton->setEnabled(!isRunning);
     m_progress->setText(isRunning ? tr("Logging in…") : QString());
-    if (!isRunning)
+    if (!isRunning) {
         m_passwordField->setFocus();
+        m_passwordField->selectAll();
+    }
 }
 
 void PelinorLoginWindowController::_showSheet(const QString& title, const QString& text)

@@ -8,6 +8,7 @@
 
 #include <QActionGroup>
 #include <QPointer>
+#include <QScreen>
 #include <QShortcut>
 #include <QStackedWidget>
 #include <QToolBar>
@@ -86,6 +87,13 @@ void PelinorPreferencesWindowController::_setPrefsView(int index)
 
 void PelinorPreferencesWindowController::showWindow()
 {
+    if (!m_window->isVisible()) {
+        if (!m_window->testAttribute(Qt::WA_Resized))
+            m_window->adjustSize();
+        QRect frame = m_window->rect();
+        frame.moveCenter(m_window->screen()->availableGeometry().center());
+        m_window->setGeometry(frame);
+    }
     m_window->show();
     m_window->raise();
     m_window->activateWindow();

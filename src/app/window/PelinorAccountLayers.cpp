@@ -56,7 +56,7 @@ QString AccountLayer::accessibleName() const
     bool isFresh = false;
     for (int tag = 0; tag < AccountTabLayer::Count; ++tag)
         isFresh = isFresh || PelinorHasFresh(*m_account, tag);
-    return withNews(m_account->username(), isFresh);
+    return withNews(m_account->qualifiedName(), isFresh);
 }
 
 void AccountLayer::draw(QPainter& painter, const PelinorWindowColors& colors) const

@@ -106,12 +106,12 @@ PelinorAccountTabsView::Looks PelinorAccountTabsView::_looks() const
 void PelinorAccountTabsView::_updateDisplay(bool animated)
 {
     m_looks.clear();
-    const qreal progress = _progress();
     int y = 0;
     bool moves = false;
+    std::vector<std::pair<PelinorColumnLayer*, int>> places;
     const auto place = [&](PelinorColumnLayer& layer, int at) {
         moves = moves || layer.y() != at;
-        layer.moveTo(at, progress);
+        places.emplace_back(&layer, at);
     };
     for (const auto& layer : m_accountLayers) {
         place(*layer, y);
@@ -127,8 +127,16 @@ void PelinorAccountTabsView::_updateDisplay(bool animated)
         }
     }
     m_contentHeight = y;
+    _scrollTo(m_scrollPosition);
+    // News alone moves nothing, and what is on its way already goes on.
+    if (animated && !moves)
+        return;
+    const qreal progress = _progress();
+    for (const auto& [layer, at] : places)
+        layer->moveTo(at, progress);
     m_movementTimer.invalidate();
-    if (animated && moves && KRMotion::isEnabled() && isVisible()) {
+    m_movementStart.reset();
+    if (animated && KRMotion::isEnabled() && isVisible()) {
         m_movementStart = KRClock::shared().monotonicNow();
         m_movementTimer = KRRunLoop::main().scheduleTimer(KRViewControllerSwitcherTransition::FrameInterval,
             KRRunLoop::Repeats::Yes,
@@ -137,11 +145,7 @@ void PelinorAccountTabsView::_updateDisplay(bool animated)
                 if (_progress() >= 1)
                     m_movementTimer.invalidate();
             });
-    } else if (moves || !animated) {
-        m_movementStart.reset();
     }
-    _scrollTo(m_scrollPosition);
-    update();
 }
 
 qreal PelinorAccountTabsView::_progress() const

@@ -24,6 +24,9 @@ PelinorGoToUserPanel::PelinorGoToUserPanel(QWidget* parent)
     m_comboBox->completer()->setCaseSensitivity(Qt::CaseInsensitive);
     m_comboBox->completer()->setCompletionMode(QCompleter::PopupCompletion);
 
+    // The names proposed below the field keep Return to themselves.
+    connect(m_comboBox->lineEdit(), &QLineEdit::returnPressed, this, &PelinorGoToUserPanel::goToUserAction);
+
     auto* const label = new QLabel(tr("&User name:"), this);
     label->setBuddy(m_comboBox);
     auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
@@ -51,6 +54,9 @@ void PelinorGoToUserPanel::goToUser(const QStringList& usernames)
 
 void PelinorGoToUserPanel::goToUserAction()
 {
+    // Return reaches the button, too.
+    if (!isVisible())
+        return;
     QString name = m_comboBox->currentText().trimmed();
     if (name.startsWith(u'@'))
         name.remove(0, 1);

@@ -4,6 +4,7 @@
 #include "app/lists/PelinorTweetsListViewController.h"
 #include "app/look/PelinorWindowColors.h"
 #include "app/messages/PelinorDirectMessagesViewController.h"
+#include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchesViewController.h"
 #include "app/window/PelinorGoToUserPanel.h"
 #include "app/window/PelinorProgressIndicator.h"
@@ -263,7 +264,10 @@ KRViewControllerPtr PelinorMainWindowController::topViewController() const
 
 PelinorStatusListViewController* PelinorMainWindowController::topList() const
 {
-    return qobject_cast<PelinorStatusListViewController*>(topViewController().get());
+    const KRViewControllerPtr top = topViewController();
+    if (const auto* const person = qobject_cast<PelinorUserDetailsViewController*>(top.get()))
+        return person->list();
+    return qobject_cast<PelinorStatusListViewController*>(top.get());
 }
 
 void PelinorMainWindowController::accountTabsSelectAccount(PelinorAccountTabsView& tabs,
@@ -311,10 +315,12 @@ void PelinorMainWindowController::myProfile()
 
 void PelinorMainWindowController::goToUser()
 {
-    if (!selectedTwitterAccount())
+    const TwitterAccountPtr account = selectedTwitterAccount();
+    if (!account)
         return;
     QStringList names;
-    for (const TwitterUserPtr& user : m_twitter.cachedUsers())
+    // Those of the account's own site: nobody else is found there.
+    for (const TwitterUserPtr& user : account->context().tables->cachedUsers())
         names.append(user->username());
     names.sort(Qt::CaseInsensitive);
     if (!m_goToUserPanel) {

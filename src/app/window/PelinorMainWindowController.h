@@ -37,7 +37,7 @@ public:
     [[nodiscard]] TwitterAccountPtr selectedTwitterAccount() const { return m_sideTabs->selectedAccount(); }
     /// The screen on top; null before the first one.
     [[nodiscard]] KRViewControllerPtr topViewController() const;
-    /// The same, if it is a list of posts.
+    /// The list of posts that it is, or that a person has in it.
     [[nodiscard]] PelinorStatusListViewController* topList() const;
 
     void accountsDidChange();

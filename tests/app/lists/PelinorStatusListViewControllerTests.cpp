@@ -383,6 +383,12 @@ TEST_F(PelinorStatusListTest, KeysMenusAndActionsDoWhatTheirNamesSay)
     QTest::mouseClick(cell, Qt::LeftButton, {}, QPoint(20, 20));
     QTest::mouseDClick(cell, Qt::LeftButton, {}, QPoint(200, 30));
     EXPECT_EQ(screens.taken(), u"tweet me re:100 |user author %1|details 100"_s.arg(author->userID()));
+
+    // Meanwhile the cell shows another post.
+    stream->setStatuses(posts(104, 7));
+    ASSERT_NE(cell->status()->statusID(), u"100"_s);
+    menu->actions().first()->trigger();
+    EXPECT_EQ(screens.taken(), u"tweet me re:100 "_s);
 }
 
 TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)

@@ -175,6 +175,12 @@ TEST_F(PelinorAccountTabsViewTest, NewsAreDotsOnTabsAndTiles)
     EXPECT_EQ(dotted.copy(18, 55, 42, 11), plain.copy(18, 55, 42, 11));
     EXPECT_EQ(tabs.accountLayers()[1]->accessibleName(), u"bob, something new"_s);
     EXPECT_EQ(tabs.accountLayers()[2]->accessibleName(), u"carol"_s);
+
+    TwitterServiceHosts hosts;
+    hosts.setValueForKey(u"other.example"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+    tabs.setAccounts(
+        { TwitterAccount::accountWithUsername(u"bob"_s, u"x"_s, { tables, hosts, std::nullopt, true }) });
+    EXPECT_EQ(tabs.accountLayers()[0]->accessibleName(), u"bob@other.example"_s);
 }
 
 TEST_F(PelinorAccountTabsViewTest, TilesGlideUnlessNothingMoves)
@@ -187,6 +193,15 @@ TEST_F(PelinorAccountTabsViewTest, TilesGlideUnlessNothingMoves)
     };
     click(250);
     EXPECT_FALSE(isDrawnAt(66)) << "still on its way";
+    // What the account that was left tells then does not stop it half-way.
+    bringPost(tabs.accounts().first());
+    QCoreApplication::processEvents();
+    PaintCounter frames;
+    tabs.installEventFilter(&frames);
+    clock.advance(std::chrono::milliseconds(100));
+    QCoreApplication::processEvents();
+    EXPECT_GT(frames.count, 0);
+    tabs.removeEventFilter(&frames);
     // And one frame, the last.
     clock.advance(PelinorAccountTabsView::MovementDuration + std::chrono::milliseconds(20));
     EXPECT_TRUE(isDrawnAt(66));

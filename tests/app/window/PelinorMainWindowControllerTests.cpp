@@ -13,8 +13,11 @@
 #include "toolkit/transitions/KRMotion.h"
 #include "transport/KRHTTPRequest.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QCompleter>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -98,8 +101,32 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     EXPECT_EQ(window->topList(), nullptr);
 }
 
+TEST_F(PelinorMainWindowControllerTest, ReturnGoesToTheUserOnce)
+{
+    PelinorGoToUserPanel panel(nullptr);
+    QStringList chosen;
+    QObject::connect(&panel, &PelinorGoToUserPanel::userChosen, [&](const QString& name) { chosen += name; });
+    for (const QString& typed : { u"dora"_s, u"carol"_s }) {
+        panel.goToUser({ u"carol"_s, u"caroline"_s });
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&panel));
+        QLineEdit* const field = panel.comboBox().lineEdit();
+        QTest::keyClicks(field, typed);
+        QWidget* const proposals = panel.comboBox().completer()->popup();
+        EXPECT_EQ(proposals->isVisible(), typed == u"carol");
+        QTest::keyClick(proposals->isVisible() ? proposals : field, Qt::Key_Return);
+        EXPECT_FALSE(panel.isVisible());
+    }
+    EXPECT_EQ(chosen, QStringList({ u"dora"_s, u"carol"_s }));
+}
+
 TEST_F(PelinorMainWindowControllerTest, GoesToPeopleAndBackToTheRoot)
 {
+    // Whom another site knows is nobody here.
+    for (const QString& name : { u"carol"_s, u"stranger"_s }) {
+        TwitterSite site;
+        site.hosts.setValueForKey(name + u".example"_s, QLatin1String(TwitterServiceHosts::RESTHostKey));
+        twitter->accountContextForSite(site).tables->definitiveUser(makeUser(name));
+    }
     const auto window = makeWindow();
     for (const QString& typed : { u"nobody"_s, QString(), u"@carol "_s }) {
         window->goToUser();
@@ -108,6 +135,7 @@ TEST_F(PelinorMainWindowControllerTest, GoesToPeopleAndBackToTheRoot)
         EXPECT_EQ(panel->comboBox().currentText(), QString());
         EXPECT_EQ(panel->focusWidget(), &panel->comboBox());
         panel->findChild<QPushButton*>()->setFocus();
+        EXPECT_EQ(panel->comboBox().count(), 1);
         panel->comboBox().setEditText(typed);
         if (typed == u"nobody")
             panel->goToUserCancel();
