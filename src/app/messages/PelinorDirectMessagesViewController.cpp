@@ -8,20 +8,50 @@ void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
     const auto& manager = account()->directMessagesManager();
     m_observation
         = environment().notifications.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>(
-            [this](const auto&) { tableView().reloadData(); },
+            [this](const auto&) {
+                m_answer = Answer::Given;
+                tableView().reloadData();
+            },
             manager.get());
+    // Failures are announced on the background thread.
+    const std::initializer_list<const TwitterLoadingStream*> streams { manager->receivedStream().get(),
+        manager->sentStream().get() };
+    for (const TwitterLoadingStream* const stream : streams)
+        m_errorObservations.push_back(environment().notifications.observe<TwitterStreamErrorNotification>(
+            [list = QPointer(this)](const TwitterStreamErrorNotification&) {
+                KRRunLoop::main().post([list] {
+                    if (list)
+                        list->_didFail();
+                });
+            },
+            stream));
     m_dateTimer = everyMinute([this] {
         forEachShownCell<PelinorTitleTableViewCell>(
             [this](auto& cell, qint64 row) { cell.setContent(_contentOfRow(row)); });
     });
     tableView().reloadData();
     if (manager->conversations().isEmpty())
-        manager->refresh();
+        _load();
+}
+
+void PelinorDirectMessagesViewController::_load()
+{
+    m_answer = Answer::Awaited;
+    account()->directMessagesManager()->refresh();
+    tableView().reloadData();
+}
+
+void PelinorDirectMessagesViewController::_didFail()
+{
+    m_answer = Answer::Failed;
+    if (m_conversations.isEmpty())
+        tableView().reloadData();
 }
 
 void PelinorDirectMessagesViewController::viewWillDisappear(bool /*animated*/)
 {
     m_observation.invalidate();
+    m_errorObservations.clear();
     m_dateTimer.invalidate();
     if (tableView().isScrolledToTop())
         account()->noteFreshMessages();
@@ -41,8 +71,11 @@ int PelinorDirectMessagesViewController::numberOfRowsInTableView(KRTableView& /*
 
 PelinorTitleTableViewCell::Content PelinorDirectMessagesViewController::_contentOfRow(qint64 row) const
 {
+    if (m_conversations.isEmpty() && m_answer == Answer::Failed)
+        return { .title = tr("Loading failed. Try again") };
     if (m_conversations.isEmpty())
-        return { .title = tr("No direct messages yet"), .isHeading = true };
+        return { .title = m_answer == Answer::Given ? tr("No direct messages yet") : tr("Loading…"),
+            .isHeading = true };
     const TwitterDirectMessageConversationPtr& conversation = m_conversations.at(row);
     const TwitterUserPtr& user = conversation->correspondent();
     const TwitterDirectMessagePtr newest = conversation->mostRecentMessage();
@@ -78,6 +111,8 @@ KRTableViewCell* PelinorDirectMessagesViewController::tableViewCellForRow(KRTabl
 
 void PelinorDirectMessagesViewController::_openRow(qint64 row)
 {
+    if (m_conversations.isEmpty())
+        _load();
     if (row >= m_conversations.size())
         return;
     auto screen = std::make_shared<PelinorDirectMessageConversationViewController>(environment());

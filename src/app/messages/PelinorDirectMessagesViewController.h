@@ -3,6 +3,8 @@
 #include "app/lists/PelinorTableViewController.h"
 #include "app/lists/PelinorTitleTableViewCell.h"
 
+#include <vector>
+
 /// An account's conversations, the one with the newest message first. Main thread.
 class PelinorDirectMessagesViewController final : public PelinorTableViewController {
     Q_OBJECT
@@ -23,8 +25,14 @@ public:
 private:
     PelinorTitleTableViewCell::Content _contentOfRow(qint64 row) const;
     void _openRow(qint64 row);
+    void _load();
+    void _didFail();
 
     QList<TwitterDirectMessageConversationPtr> m_conversations;
+    // What became of asking for messages where there are none.
+    enum class Answer { Awaited, Given, Failed };
+    Answer m_answer = Answer::Awaited;
     KRObservation m_observation;
+    std::vector<KRObservation> m_errorObservations;
     KRTimer m_dateTimer;
 };

@@ -61,7 +61,6 @@ QString AccountLayer::accessibleName() const
 
 void AccountLayer::draw(QPainter& painter, const PelinorWindowColors& colors) const
 {
-    const TwitterUserPtr user = m_account->user();
     const TwitterProfileImagePtr picture = user ? user->profileImage() : nullptr;
     painter.setOpacity(mouseDown || selected ? 1 : IdleOpacity);
     if (picture) {

@@ -56,6 +56,8 @@ public:
     /// Draws the tile at the painter's origin.
     void draw(QPainter& painter, const PelinorWindowColors& colors) const;
 
+    /// The account's own, as far as it is known; drawing asks nobody for it.
+    TwitterUserPtr user;
     bool mouseDown = false;
     bool selected = false;
     /// The tab the account showed last.

@@ -63,6 +63,7 @@ void PelinorAccountTabsView::setAccounts(const QList<TwitterAccountPtr>& account
             account.get()));
         m_accountLayers.push_back(std::make_unique<AccountLayer>(account));
     }
+    _readUsers();
     for (int tag = 0; tag < AccountTabLayer::Count; ++tag)
         m_accountTabLayers.push_back(std::make_unique<AccountTabLayer>(tag));
     m_selectedAccountTabLayer = m_accountTabLayers.front().get();
@@ -81,6 +82,7 @@ TwitterAccountPtr PelinorAccountTabsView::selectedAccount() const
 void PelinorAccountTabsView::accountDidUpdateNotification()
 {
     // Most of what an account tells changes nothing here.
+    _readUsers();
     Looks looks = _looks();
     if (looks == m_looks)
         return;
@@ -91,14 +93,20 @@ void PelinorAccountTabsView::accountDidUpdateNotification()
 PelinorAccountTabsView::Looks PelinorAccountTabsView::_looks() const
 {
     Looks looks;
-    for (const TwitterAccountPtr& account : m_accounts) {
-        const TwitterUserPtr user = account->user();
+    for (const auto& layer : m_accountLayers) {
         quint32 fresh = 0;
         for (int tag = 0; tag < AccountTabLayer::Count; ++tag)
-            fresh |= quint32(PelinorHasFresh(*account, tag)) << tag;
-        looks.emplace_back(user ? user->profileImage() : nullptr, fresh);
+            fresh |= quint32(PelinorHasFresh(*layer->account(), tag)) << tag;
+        looks.emplace_back(layer->user ? layer->user->profileImage() : nullptr, fresh);
     }
     return looks;
+}
+
+void PelinorAccountTabsView::_readUsers()
+{
+    // An account without its user asks the service each time.
+    for (const auto& layer : m_accountLayers)
+        layer->user = layer->account()->user();
 }
 
 // Where things are

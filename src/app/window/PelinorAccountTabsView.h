@@ -144,5 +144,6 @@ private:
     // What is drawn of the accounts: the picture, and which lists have something new.
     using Looks = std::vector<std::pair<TwitterProfileImagePtr, quint32>>;
     [[nodiscard]] Looks _looks() const;
+    void _readUsers();
     Looks m_looks;
 };

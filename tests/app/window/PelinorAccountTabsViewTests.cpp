@@ -1,6 +1,7 @@
 #include "app/look/PelinorWindowColors.h"
 #include "app/window/PelinorAccountTabsView.h"
 #include "support/KRManualClock.h"
+#include "support/KRTestLog.h"
 #include "toolkit/transitions/KRMotion.h"
 
 #include <QAccessible>
@@ -181,6 +182,21 @@ TEST_F(PelinorAccountTabsViewTest, NewsAreDotsOnTabsAndTiles)
     tabs.setAccounts(
         { TwitterAccount::accountWithUsername(u"bob"_s, u"x"_s, { tables, hosts, std::nullopt, true }) });
     EXPECT_EQ(tabs.accountLayers()[0]->accessibleName(), u"bob@other.example"_s);
+}
+
+TEST_F(PelinorAccountTabsViewTest, DrawingAsksTheServiceForNothing)
+{
+    KRTestLog log;
+    const auto failures = [&](const QString& name) {
+        KRRunLoop::main().runPending();
+        return log.lines().count(u"Error loading user for account "_s + name);
+    };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failures(u"carol"_s) == 1; }));
+    tabs.grab();
+    // Whoever asks is answered in turn.
+    tabs.accounts().last()->user();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return failures(u"carol"_s) == 2; }));
+    EXPECT_EQ(failures(u"alice"_s), 1);
 }
 
 TEST_F(PelinorAccountTabsViewTest, TilesGlideUnlessNothingMoves)
