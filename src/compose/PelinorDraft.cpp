@@ -94,8 +94,13 @@ std::optional<PelinorDraft> PelinorDraft::draftWithCoder(const KRKeyedUnarchiver
 }
 
 PelinorDraftRanges::PelinorDraftRanges(QStringView text)
-    : linkRanges(KRAdditions::arrayOfRangesForRegex(text, KRLinkRegex))
+    : linkRanges(linksOf(text))
     , hashTagRanges(KRAdditions::arrayOfRangesForRegex(text, KRHashTagRegex))
     , usernameRanges(KRAdditions::arrayOfRangesForRegex(text, KRTwitterUsernameRegex))
 {
+}
+
+KRRangeList PelinorDraftRanges::linksOf(QStringView text)
+{
+    return KRAdditions::arrayOfRangesForRegex(text, KRLinkRegex);
 }

@@ -88,6 +88,8 @@ struct PelinorDraftCount {
 /// What is coloured in a draft while it is written. Where they overlap, the later kind wins.
 struct PelinorDraftRanges {
     explicit PelinorDraftRanges(QStringView text);
+    /// The first of them alone.
+    [[nodiscard]] static KRRangeList linksOf(QStringView text);
 
     KRRangeList linkRanges;
     KRRangeList hashTagRanges;

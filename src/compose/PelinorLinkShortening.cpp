@@ -12,7 +12,7 @@ namespace {
 // Services answer with whatever they have, a page about an error for example.
 bool isLink(const QString& text)
 {
-    const KRRangeList links = PelinorDraftRanges(text).linkRanges;
+    const KRRangeList links = PelinorDraftRanges::linksOf(text);
     const QUrl url(text, QUrl::StrictMode);
     return links.size() == 1 && links.first() == KRRange { 0, text.size() } && url.isValid()
         && (url.scheme() == "http"_L1 || url.scheme() == "https"_L1);
@@ -33,7 +33,7 @@ PelinorLinkShortening::~PelinorLinkShortening()
 void PelinorLinkShortening::shortenURLs(const TwitterServiceContext& context)
 {
     const QString text = m_editor.text();
-    for (const KRRange& range : PelinorDraftRanges(text).linkRanges) {
+    for (const KRRange& range : PelinorDraftRanges::linksOf(text)) {
         const QString link = KRSubstring(text, range);
         _pushProgress();
         URLShorteningService::shortenURLString(context,
@@ -60,7 +60,7 @@ void PelinorLinkShortening::_didShorten(const KRResult<QString>& response, const
     }
     // Not where it has become a part of another link.
     const QString text = m_editor.text();
-    for (const KRRange& range : PelinorDraftRanges(text).linkRanges) {
+    for (const KRRange& range : PelinorDraftRanges::linksOf(text)) {
         if (KRSubstring(text, range) == link) {
             m_editor.replace(range, shortLink);
             return;
