@@ -100,6 +100,8 @@ void PelinorAppDelegate::_openMainWindow()
             _askForPasswords();
         });
     m_mainWindowController->showWindow();
+    // What the user was writing stands before what there is to read.
+    _openLeftDrafts();
 }
 
 void PelinorAppDelegate::_askForPasswords()
@@ -132,7 +134,11 @@ bool PelinorAppDelegate::applicationShouldTerminate()
     alert.setAttribute(Qt::WA_DeleteOnClose, false);
     alert.exec();
     alert.deleteLater();
-    return alert.clickedButton() == discard;
+    if (alert.clickedButton() != discard)
+        return false;
+    for (const auto& controller : m_composeControllers)
+        controller->discardDraft();
+    return true;
 }
 
 void PelinorAppDelegate::terminate()
@@ -249,9 +255,20 @@ void PelinorAppDelegate::showAbout()
             .arg(QApplication::applicationVersion().toHtmlEscaped()));
 }
 
-PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const TwitterAccountPtr& account)
+void PelinorAppDelegate::_openLeftDrafts()
 {
-    auto controller = std::make_unique<PelinorComposeWindowController>(m_twitter);
+    for (const PelinorDraftStore::Stored& left : m_draftStore->takeLeftDrafts()) {
+        PelinorComposeWindowController& controller = _makeComposeController(nullptr, left);
+        controller.setSourcePoint(QCursor::pos());
+        controller.showWindow();
+    }
+}
+
+PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const TwitterAccountPtr& account,
+    const std::optional<PelinorDraftStore::Stored>& left)
+{
+    auto controller
+        = std::make_unique<PelinorComposeWindowController>(m_twitter, m_defaults, m_draftStore, left);
     controller->setDelegate(this);
     controller->setAccount(account   ? account
             : m_mainWindowController ? m_mainWindowController->selectedTwitterAccount()
@@ -317,6 +334,22 @@ void PelinorAppDelegate::composeWindowDismiss(PelinorComposeWindowController& co
     if (m_composeControllers.empty() && m_mainWindowController
         && m_mainWindowController->window().isVisible())
         m_mainWindowController->showWindow();
+}
+
+void PelinorAppDelegate::composeWindowShowTimeline(PelinorComposeWindowController& controller)
+{
+    if (!m_mainWindowController || !controller.account())
+        return;
+    for (qsizetype tried = 0; tried < m_twitter.accounts().size()
+         && m_mainWindowController->selectedTwitterAccount() != controller.account();
+         ++tried)
+        m_mainWindowController->selectNextAccount();
+    if (controller.isDirectMessage())
+        m_mainWindowController->selectDirectMessages();
+    else
+        m_mainWindowController->selectTimeline();
+    m_mainWindowController->showWindow();
+    controller.account()->refresh();
 }
 
 // Screens

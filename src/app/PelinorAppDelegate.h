@@ -95,8 +95,12 @@ private:
     void _openMainWindow();
     void _updateMenuStatusItem();
     void _hotKeyWasPressed(PelinorHotKeys::Type type);
-    PelinorComposeWindowController& _makeComposeController(const TwitterAccountPtr& account);
+    /// Shows what an earlier run was in the middle of.
+    void _openLeftDrafts();
+    PelinorComposeWindowController& _makeComposeController(const TwitterAccountPtr& account,
+        const std::optional<PelinorDraftStore::Stored>& left = std::nullopt);
     void composeWindowDismiss(PelinorComposeWindowController& controller) override;
+    void composeWindowShowTimeline(PelinorComposeWindowController& controller) override;
     QWidget* _frontWindow() const;
 
     Twitter& m_twitter;
@@ -109,6 +113,7 @@ private:
     std::unique_ptr<PelinorMainMenu> m_mainMenu;
     std::unique_ptr<PelinorLoginWindowController> m_loginWindowController;
     std::unique_ptr<PelinorPreferencesWindowController> m_preferencesWindowController;
+    std::shared_ptr<PelinorDraftStore> m_draftStore = PelinorDraftStore::userStore();
     std::vector<std::unique_ptr<PelinorComposeWindowController>> m_composeControllers;
     PelinorHotKeys m_hotKeys;
     std::unique_ptr<PelinorMenuStatusItem> m_menuStatusItem;

@@ -56,7 +56,7 @@ void KRImageService::postImage(const TwitterServiceContext& context,
     const TwitterCredentials& account,
     KRCallback<QUrl> callback)
 {
-    currentService(context).postImage(context.hosts, path, account, std::move(callback));
+    currentService(context).postImage({ context.hosts, path, account, context.monitor }, std::move(callback));
 }
 
 void KRImageService::postVideo(const TwitterServiceContext& context,
@@ -65,7 +65,7 @@ void KRImageService::postVideo(const TwitterServiceContext& context,
     KRCallback<QUrl> callback)
 {
     const KRImageService& service = sharedServices().yfrog;
-    service.postVideo(context.hosts, path, account, std::move(callback));
+    service.postVideo({ context.hosts, path, account, context.monitor }, std::move(callback));
 }
 
 bool KRImageService::isTwitPicLink(const TwitterServiceHosts& hosts, const QString& link)
@@ -124,18 +124,12 @@ const KRImageService* KRImageService::imageServiceForLink(const TwitterServiceHo
     return nullptr;
 }
 
-void KRImageService::postImage(const TwitterServiceHosts&,
-    const QString&,
-    const TwitterCredentials&,
-    KRCallback<QUrl>) const
+void KRImageService::postImage(const KRUpload&, KRCallback<QUrl>) const
 {
     KRLog(u"subclasses must implement"_s);
 }
 
-void KRImageService::postVideo(const TwitterServiceHosts&,
-    const QString&,
-    const TwitterCredentials&,
-    KRCallback<QUrl>) const
+void KRImageService::postVideo(const KRUpload&, KRCallback<QUrl>) const
 {
     KRLog(u"subclasses must implement"_s);
 }

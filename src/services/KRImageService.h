@@ -21,6 +21,15 @@ enum KRImageServicePreference {
     KRImageServicePixIm = 5,
 };
 
+/// A file on its way to a service. Lent for a call.
+struct KRUpload {
+    const TwitterServiceHosts& hosts;
+    const QString& path;
+    const TwitterCredentials& account;
+    /// Who watches it, if anybody does.
+    const std::shared_ptr<KRUploadMonitor>& monitor;
+};
+
 /// Puts pictures and movies on the network, and knows the links they get there. The base class of the
 /// services, and the way to the one that the user has chosen.
 ///
@@ -60,14 +69,8 @@ public:
 
     /// Uploads the file to this service. The callback is invoked once, on the shared background thread, with
     /// the link to the file or an error. A class without an upload logs so and never answers.
-    virtual void postImage(const TwitterServiceHosts& hosts,
-        const QString& path,
-        const TwitterCredentials& account,
-        KRCallback<QUrl> callback) const;
-    virtual void postVideo(const TwitterServiceHosts& hosts,
-        const QString& path,
-        const TwitterCredentials& account,
-        KRCallback<QUrl> callback) const;
+    virtual void postImage(const KRUpload& upload, KRCallback<QUrl> callback) const;
+    virtual void postVideo(const KRUpload& upload, KRCallback<QUrl> callback) const;
     /// The address of the picture itself behind a link of this service; an empty one when there is none.
     [[nodiscard]] virtual QUrl fullSizeImageURLForURL(const TwitterServiceHosts& hosts,
         const QString& link) const;

@@ -4,6 +4,7 @@
 #include "api/TwitterRequestStart.h"
 #include "foundation/KRLog.h"
 #include "parsing/KRXMLParser.h"
+#include "services/KRUploadMonitor.h"
 #include "services/TwitterServiceRequest.h"
 #include "transport/KRBackgroundProxy.h"
 #include "transport/KRHTTPMultipartFormData.h"
@@ -68,9 +69,13 @@ checkedAddress(const KRResult<QUrl>& address, const QString& path, const Twitter
 /// time, and sends it.
 class Upload {
 public:
-    Upload(std::shared_ptr<KRHTTPMultipartFormData> form, QUrl address, KRCallback<KRHTTPRequest&> callback)
+    Upload(std::shared_ptr<KRHTTPMultipartFormData> form,
+        QUrl address,
+        std::shared_ptr<KRUploadMonitor> monitor,
+        KRCallback<KRHTTPRequest&> callback)
         : m_form(std::move(form))
         , m_address(std::move(address))
+        , m_monitor(std::move(monitor))
         , m_callback(std::move(callback))
     {
     }
@@ -80,6 +85,8 @@ public:
         const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
         request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
         request->setMultipartFormData(m_form);
+        if (m_monitor)
+            m_monitor->watch(request);
         // Rather than a picture without content, or a piece of one.
         std::optional<KRError> error = m_form->error();
         if (!error && !m_form->unreadableFile().isNull())
@@ -94,25 +101,20 @@ public:
 private:
     std::shared_ptr<KRHTTPMultipartFormData> m_form;
     QUrl m_address;
+    std::shared_ptr<KRUploadMonitor> m_monitor;
     KRCallback<KRHTTPRequest&> m_callback;
 };
 
 } // namespace
 
-void TwitPicCompatibleImageService::postImage(const TwitterServiceHosts& hosts,
-    const QString& path,
-    const TwitterCredentials& account,
-    KRCallback<QUrl> callback) const
+void TwitPicCompatibleImageService::postImage(const KRUpload& upload, KRCallback<QUrl> callback) const
 {
-    _post(Media::Image, hosts, path, account, std::move(callback));
+    _post(Media::Image, upload, std::move(callback));
 }
 
-void TwitPicCompatibleImageService::postVideo(const TwitterServiceHosts& hosts,
-    const QString& path,
-    const TwitterCredentials& account,
-    KRCallback<QUrl> callback) const
+void TwitPicCompatibleImageService::postVideo(const KRUpload& upload, KRCallback<QUrl> callback) const
 {
-    _post(Media::Video, hosts, path, account, std::move(callback));
+    _post(Media::Video, upload, std::move(callback));
 }
 
 KRResult<QUrl> TwitPicCompatibleImageService::apiRoot(const TwitterServiceHosts&) const
@@ -133,28 +135,27 @@ QString TwitPicCompatibleImageService::mediaURLResponseTag() const
 }
 
 void TwitPicCompatibleImageService::_post(Media media,
-    const TwitterServiceHosts& hosts,
-    const QString& path,
-    const TwitterCredentials& account,
+    const KRUpload& upload,
     KRCallback<QUrl> callback) const
 {
     // The services live as long as the program.
     const auto handler = KRCallback<KRHTTPRequest&>::withFunction(
         [this, callback](KRHTTPRequest& request) { didPostImage(request, callback); });
-    const KRResult<QUrl> address = checkedAddress(apiRoot(hosts), path, account);
+    const KRResult<QUrl> address = checkedAddress(apiRoot(upload.hosts), upload.path, upload.account);
     if (address.isError()) {
         TwitterServiceRequest::GET(address, handler);
         return;
     }
     const auto form = std::make_shared<KRHTTPMultipartFormData>();
-    form->addTextPart(account.username(), u"username"_s);
-    form->addTextPart(account.password(), u"password"_s);
+    form->addTextPart(upload.account.username(), u"username"_s);
+    form->addTextPart(upload.account.password(), u"password"_s);
     form->addTextPart(u"pelinor"_s, u"source"_s);
     if (media == Media::Image)
-        form->addImageFile(path, mediaParameterName());
+        form->addImageFile(upload.path, mediaParameterName());
     else
-        form->addVideoFile(path, mediaParameterName());
-    backgroundProxy(std::make_shared<Upload>(form, address.value(), handler))->perform(&Upload::send);
+        form->addVideoFile(upload.path, mediaParameterName());
+    backgroundProxy(std::make_shared<Upload>(form, address.value(), upload.monitor, handler))
+        ->perform(&Upload::send);
 }
 
 void TwitPicCompatibleImageService::didPostImage(const KRHTTPRequest& request,

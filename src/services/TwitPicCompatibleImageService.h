@@ -18,14 +18,8 @@ class TwitPicCompatibleImageService : public KRImageService {
 public:
     using KRImageService::postImage;
     using KRImageService::postVideo;
-    void postImage(const TwitterServiceHosts& hosts,
-        const QString& path,
-        const TwitterCredentials& account,
-        KRCallback<QUrl> callback) const override;
-    void postVideo(const TwitterServiceHosts& hosts,
-        const QString& path,
-        const TwitterCredentials& account,
-        KRCallback<QUrl> callback) const override;
+    void postImage(const KRUpload& upload, KRCallback<QUrl> callback) const override;
+    void postVideo(const KRUpload& upload, KRCallback<QUrl> callback) const override;
 
     /// Where files are sent.
     [[nodiscard]] virtual KRResult<QUrl> apiRoot(const TwitterServiceHosts& hosts) const;
@@ -37,10 +31,6 @@ public:
 private:
     enum class Media { Image, Video };
 
-    void _post(Media media,
-        const TwitterServiceHosts& hosts,
-        const QString& path,
-        const TwitterCredentials& account,
-        KRCallback<QUrl> callback) const;
+    void _post(Media media, const KRUpload& upload, KRCallback<QUrl> callback) const;
     void didPostImage(const KRHTTPRequest& request, const KRCallback<QUrl>& callback) const;
 };

@@ -2,8 +2,10 @@
 
 #include "api/TwitterServiceHosts.h"
 
+#include <memory>
 #include <optional>
 
+class KRUploadMonitor;
 class KRUserDefaults;
 
 /// What a call to the user's choice of an outside service is made with. A value; any thread.
@@ -14,6 +16,8 @@ struct TwitterServiceContext {
     const KRUserDefaults* defaults = nullptr;
     /// A choice for these calls alone, in place of the user's.
     std::optional<int> preference = std::nullopt;
+    /// Who watches the upload that is made with this, if anybody does.
+    std::shared_ptr<KRUploadMonitor> monitor = nullptr;
 
     /// The choice for these calls, or else the number under the key; 0 when there is none.
     [[nodiscard]] int preferenceForKey(const char* key) const;

@@ -97,6 +97,24 @@ bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error)
     }
 }
 
+bool KRHTTPConnectionErrorIsBeforeSending(const KRError& error)
+{
+    if (error.domain != QStringView(KRHTTPConnectionErrorDomain))
+        return false;
+    switch (error.code) {
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_URL_MALFORMAT:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_CONNECT:
+    case KRHTTPConnectionErrorBadURL:
+    case KRHTTPConnectionErrorUnreadableBody:
+        return true;
+    default:
+        return KRHTTPConnectionErrorIsAboutTLS(error);
+    }
+}
+
 KRHTTPTransportSettings KRHTTPTransportSettings::current()
 {
     std::scoped_lock guard(s_settingsLock);
@@ -456,6 +474,8 @@ std::optional<KRError> KRHTTPConnection::_certificateError(int code, const QStri
 KRError KRHTTPConnection::_errorForCode(int code) const
 {
     const QString host = m_url.host();
+    if (code == CURLE_ABORTED_BY_CALLBACK && !m_delegate->connectionShouldGoOn())
+        return connectionError(KRHTTPConnectionErrorCancelled, QStringLiteral("Nobody wanted it any more"));
     const QString detail
         = QString::fromUtf8(m_errorText[0] ? m_errorText : curl().easyErrorText(static_cast<CURLcode>(code)));
     if (const std::optional<KRError> error = _certificateError(code, detail))
@@ -507,6 +527,7 @@ size_t KRHTTPConnection::_readCallback(char* buffer, size_t size, size_t count, 
 
 int KRHTTPConnection::_progressCallback(void* self, long long, long long, long long upTotal, long long up)
 {
-    static_cast<KRHTTPConnection*>(self)->_noteSent(up, upTotal);
-    return 0;
+    auto* const connection = static_cast<KRHTTPConnection*>(self);
+    connection->_noteSent(up, upTotal);
+    return connection->m_delegate->connectionShouldGoOn() ? 0 : 1;
 }

@@ -27,11 +27,14 @@ enum KRHTTPConnectionErrorCode {
     KRHTTPConnectionErrorBadURL = -5,
     KRHTTPConnectionErrorUnreadableBody = -6,
     KRHTTPConnectionErrorCertificateChanged = -7,
+    KRHTTPConnectionErrorCancelled = -8,
 };
 
 /// Whether a connection failed because the server could not prove its name or speaks no usable TLS. Which
 /// certificate it showed is told by KRServerCertificate::refusedByError().
 [[nodiscard]] bool KRHTTPConnectionErrorIsAboutTLS(const KRError& error);
+/// Whether a connection failed before a word of the request was sent, so that the server knows nothing of it.
+[[nodiscard]] bool KRHTTPConnectionErrorIsBeforeSending(const KRError& error);
 
 /// A request that makes no progress for so long fails.
 inline constexpr int KRHTTPStallSeconds = 60;
@@ -93,6 +96,8 @@ public:
     virtual void connectionDidSendBodyData(qint64 written, qint64 totalWritten, qint64 totalExpected) = 0;
     virtual void connectionDidFinishLoading() = 0;
     virtual void connectionDidFailWithError(const KRError& error) = 0;
+    /// Asked while a body is sent: whether somebody still wants that.
+    [[nodiscard]] virtual bool connectionShouldGoOn() const { return true; }
 };
 
 /// One exchange with a server, redirects included, on libcurl.

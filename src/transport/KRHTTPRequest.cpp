@@ -121,6 +121,12 @@ void KRHTTPRequest::_startInBackground()
         backgroundProxy(shared_from_this())->perform(&KRHTTPRequest::_rebuildBody);
         return;
     }
+    if (m_isCancelled) {
+        connectionDidFailWithError(errorWithDomain(QString::fromUtf16(KRHTTPConnectionErrorDomain),
+            KRHTTPConnectionErrorCancelled,
+            u"Nobody wanted it any more"_s));
+        return;
+    }
     if (const auto error = m_multipartFormData ? m_multipartFormData->error() : std::nullopt) {
         connectionDidFailWithError(*error);
         return;

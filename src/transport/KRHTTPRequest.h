@@ -105,6 +105,9 @@ public:
 
     /// Any thread. A running request ignores it.
     void startRequest();
+    /// What is being sent goes no further, now or once it begins, and the request ends with an error. One
+    /// whose body has left is answered all the same. Any thread.
+    void cancel() { m_isCancelled = true; }
 
     int statusCode() const { return m_statusCode; }
     const QByteArray& data() const { return m_data; }
@@ -151,6 +154,7 @@ private:
     void connectionDidSendBodyData(qint64 written, qint64 totalWritten, qint64 totalExpected) override;
     void connectionDidFinishLoading() override;
     void connectionDidFailWithError(const KRError& error) override;
+    bool connectionShouldGoOn() const override { return !m_isCancelled; }
 
     void _startInBackground();
     void _rebuildBody();
@@ -185,6 +189,7 @@ private:
     // The stream was read by an earlier attempt.
     bool m_hasUsedStream = false;
     std::atomic<bool> m_isRunning = false;
+    std::atomic<bool> m_isCancelled = false;
 };
 
 /// The text for an HTTP status, as error descriptions show it.

@@ -3,6 +3,7 @@
 #include "app/PelinorAppDelegate.h"
 #include "app/lists/PelinorStatusListViewController.h"
 #include "app/window/PelinorMainWindowController.h"
+#include "app/writing/PelinorTextView.h"
 #include "foundation/KRUserDefaults.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
 #include "support/KRTestLocalService.h"

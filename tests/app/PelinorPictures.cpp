@@ -213,6 +213,11 @@ TEST_P(Pictures, OfTheOtherWindows)
     compose.textView().insertPlainText(
         u"Yes! See http://example.org/a/rather/long/address?with=query \U0001f6b2 #cycling"_s);
     take(compose.window(), u"compose-reply"_s);
+    QImage picture(64, 48, QImage::Format_RGB32);
+    picture.fill(QColor(200, 90, 40));
+    ASSERT_TRUE(picture.save(m_directory.filePath(u"picture.png"_s)));
+    EXPECT_TRUE(compose.textView().attachFile(m_directory.filePath(u"picture.png"_s)));
+    take(compose.window(), u"compose-attachment"_s);
     compose.textView().setPlainText(u"Far more than fits into one post. "_s.repeated(5));
     take(compose.window(), u"compose-too-long"_s);
     compose.cancel();

@@ -184,8 +184,9 @@ TEST_F(KRImageServiceTest, NothingIsSentWhereThePasswordWouldBeLostOrOfNoUse)
     bool wasCalled = false;
     const auto callback = KRCallback<QUrl>::withFunction([&](const KRResult<QUrl>&) { wasCalled = true; });
     const KRImageService base;
-    base.postImage(context.hosts, path, TestCredentials(), callback);
-    base.postVideo(context.hosts, path, TestCredentials(), callback);
+    const TestCredentials account;
+    base.postImage({ context.hosts, path, account, nullptr }, callback);
+    base.postVideo({ context.hosts, path, account, nullptr }, callback);
     EXPECT_EQ(log.lines().filter(u"subclasses must implement"_s).size(), 2);
     EXPECT_FALSE(wasCalled);
     EXPECT_TRUE(TwitPicCompatibleImageService().apiRoot(context.hosts).isError());

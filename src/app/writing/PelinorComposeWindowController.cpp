@@ -3,19 +3,22 @@
 #include "app/look/PelinorAlert.h"
 #include "app/writing/PelinorDraftHighlighter.h"
 #include "app/writing/PelinorRecipientSheet.h"
-#include "core/Twitter.h"
+#include "app/writing/PelinorTextView.h"
 #include "foundation/KRLog.h"
-#include "foundation/KRRunLoop.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPlainTextEdit>
+#include <QLocale>
+#include <QMenu>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
+#include <QToolButton>
 
 using namespace Qt::StringLiterals;
 
@@ -25,22 +28,8 @@ constexpr int AppearanceSteps = 20;
 constexpr int TextSize = 14;
 constexpr int TextInset = 8;
 constexpr int BottomBorder = 37;
-constexpr QSize InitialSize(420, 190);
-constexpr QSize MinimumSize(320, 140);
-
-/// A response of the background thread, brought to the main one, if its receiver is still there by then.
-template <class Result>
-KRCallback<Result> onMainThread(PelinorComposeWindowController* receiver,
-    void (PelinorComposeWindowController::*method)(const KRResult<Result>&))
-{
-    return KRCallback<Result>::withFunction(
-        [receiver = QPointer(receiver), method](const KRResult<Result>& response) {
-            KRRunLoop::main().post([receiver, method, response] {
-                if (receiver)
-                    (receiver->*method)(response);
-            });
-        });
-}
+constexpr QSize InitialSize(460, 190);
+constexpr QSize MinimumSize(360, 140);
 
 } // namespace
 
@@ -66,36 +55,97 @@ private:
     PelinorComposeWindowController& m_controller;
 };
 
-PelinorComposeWindowController::PelinorComposeWindowController(Twitter& twitter)
+PelinorComposeWindowController::PelinorComposeWindowController(Twitter& twitter,
+    const KRUserDefaults& defaults,
+    const std::shared_ptr<PelinorDraftStore>& store,
+    const std::optional<PelinorDraftStore::Stored>& left)
     : m_twitter(twitter)
+    , m_defaults(defaults)
+    , m_store(store)
+    , m_draft(left ? left->draft : PelinorDraft())
+    , m_keeper(store, left ? left->file : nullptr)
+    , m_posting(
+          std::make_shared<PelinorPosting>(twitter, &defaults, static_cast<PelinorPostingDelegate*>(this)))
     , m_window(std::make_unique<Window>(*this))
+    , m_wasLeft(left)
 {
     _loadWindow();
+    _loadShortcuts();
+    m_shortening = std::make_shared<PelinorLinkShortening>(
+        PelinorLinkShortening::Editor { [this] { return m_draft.text; },
+            [this](KRRange range, const QString& link) { m_textView->replaceRange(range, link); },
+            [this](bool isBusy) { _setBusy(isBusy); } });
+    m_keeper.setFailureHandler([this](const std::optional<KRError>& error) { _showFailureToKeep(error); });
+    m_accountsObservation
+        = KRNotificationCenter::defaultCenter().observe<TwitterAccountsDidChangeNotification>(
+            [this](const auto&) { _buildAccountMenu(); });
 }
 
-PelinorComposeWindowController::~PelinorComposeWindowController() = default;
+PelinorComposeWindowController::~PelinorComposeWindowController()
+{
+    // Neither tells a window that is going.
+    m_posting->setDelegate(nullptr);
+    m_textView->disconnect(this);
+}
 
 QWidget& PelinorComposeWindowController::window()
 {
     return *m_window;
 }
 
+// The window
+
 void PelinorComposeWindowController::_loadWindow()
 {
     m_window->setObjectName(u"composeWindow"_s);
     m_window->setMinimumSize(MinimumSize);
     m_window->resize(InitialSize);
-    m_textView = new QPlainTextEdit(m_window.get());
+    m_textView = new PelinorTextView(m_window.get());
     m_textView->setObjectName(u"textView"_s);
     m_textView->setAccessibleName(tr("Text of the post"));
     m_textView->setFont(KRMessageFont(TextSize));
     m_textView->setFrameShape(QFrame::NoFrame);
     m_textView->setTabChangesFocus(true);
     m_textView->document()->setDocumentMargin(TextInset);
+    m_textView->setNewAttachmentPath([this] { return m_store->newAttachmentPath(); });
     new PelinorDraftHighlighter(m_textView->document());
+    m_noticeField = new QLabel(m_window.get());
+    m_noticeField->setObjectName(u"noticeField"_s);
+    m_noticeField->setTextFormat(Qt::PlainText);
+    m_noticeField->setWordWrap(true);
+    m_noticeField->setContentsMargins(10, 4, 10, 4);
+    m_noticeField->hide();
+    auto* const layout = new QVBoxLayout(m_window.get());
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_textView, 1);
+    layout->addWidget(m_noticeField);
+    _loadControls();
+    connect(m_textView, &PelinorTextView::textChanged, this, [this] { _textDidChange(); });
+    connect(m_textView, &PelinorTextView::pictureNotStored, this, [this](const QString& path) {
+        const KRError error { {}, -1, tr("The picture could not be stored as %1").arg(path) };
+        _showSheet(PelinorSheet::uploadFailed(&error));
+    });
+}
+
+void PelinorComposeWindowController::_loadControls()
+{
     m_accountPopUpButton = new QComboBox(m_window.get());
     m_accountPopUpButton->setObjectName(u"accountPopUpButton"_s);
     m_accountPopUpButton->setAccessibleName(tr("Post as"));
+    m_actionPopUpButton = new QToolButton(m_window.get());
+    m_actionPopUpButton->setObjectName(u"actionPopUpButton"_s);
+    m_actionPopUpButton->setText(tr("Add"));
+    m_actionPopUpButton->setAccessibleName(tr("Attachments and links"));
+    m_actionPopUpButton->setPopupMode(QToolButton::InstantPopup);
+    m_actionPopUpButton->setFocusPolicy(Qt::TabFocus);
+    m_composeProgressIndicator = new QProgressBar(m_window.get());
+    m_composeProgressIndicator->setObjectName(u"composeProgressIndicator"_s);
+    m_composeProgressIndicator->setAccessibleName(tr("Progress"));
+    m_composeProgressIndicator->setMaximumWidth(90);
+    m_composeProgressIndicator->setTextVisible(false);
+    m_composeProgressIndicator->setRange(0, 0);
+    m_composeProgressIndicator->hide();
     m_remainingField = new QLabel(m_window.get());
     m_remainingField->setObjectName(u"remainingField"_s);
     m_cancelButton = new QPushButton(tr("Cancel"), m_window.get());
@@ -109,29 +159,46 @@ void PelinorComposeWindowController::_loadWindow()
     auto* const controls = new QHBoxLayout(border);
     controls->setContentsMargins(10, 4, 10, 4);
     controls->addWidget(m_accountPopUpButton);
+    controls->addWidget(m_actionPopUpButton);
+    controls->addWidget(m_composeProgressIndicator);
     controls->addStretch(1);
     controls->addWidget(m_remainingField);
     controls->addWidget(m_cancelButton);
     controls->addWidget(m_postButton);
-    auto* const layout = new QVBoxLayout(m_window.get());
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_textView, 1);
-    layout->addWidget(border);
-
+    m_window->layout()->addWidget(border);
     connect(m_postButton, &QPushButton::clicked, this, &PelinorComposeWindowController::post);
     connect(m_cancelButton, &QPushButton::clicked, this, &PelinorComposeWindowController::cancel);
-    connect(m_textView, &QPlainTextEdit::textChanged, this, [this] { _textDidChange(); });
     connect(m_accountPopUpButton, &QComboBox::activated, this, [this](int index) {
         m_account = m_twitter.accounts().value(index, m_account);
-        _updateRemainingField();
+        _updateDraft();
     });
-    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Enter }) {
-        auto* const send = new QShortcut(QKeySequence(Qt::CTRL | key), m_window.get());
-        connect(send, &QShortcut::activated, this, &PelinorComposeWindowController::post);
-    }
-    auto* const close = new QShortcut(QKeySequence(Qt::Key_Escape), m_window.get());
-    connect(close, &QShortcut::activated, this, &PelinorComposeWindowController::cancel);
+}
+
+void PelinorComposeWindowController::_loadShortcuts()
+{
+    const auto onKeys = [this](const QKeySequence& keys, void (PelinorComposeWindowController::*method)()) {
+        connect(new QShortcut(keys, m_window.get()), &QShortcut::activated, this, method);
+    };
+    onKeys(QKeySequence(Qt::CTRL | Qt::Key_Return), &PelinorComposeWindowController::post);
+    onKeys(QKeySequence(Qt::CTRL | Qt::Key_Enter), &PelinorComposeWindowController::post);
+    onKeys(QKeySequence(Qt::Key_Escape), &PelinorComposeWindowController::cancel);
+    auto* const menu = new QMenu(m_actionPopUpButton);
+    const auto addAction = [&](const QString& title,
+                               Qt::Key key,
+                               const QString& name,
+                               void (PelinorComposeWindowController::*method)()) {
+        QAction* const action = menu->addAction(title, QKeySequence(Qt::CTRL | Qt::SHIFT | key));
+        action->setObjectName(name);
+        connect(action, &QAction::triggered, this, method);
+        // The menu is closed most of the time, and the keys are the window's.
+        m_window->addAction(action);
+    };
+    addAction(tr("&Attach a File..."), Qt::Key_A, u"addImage"_s, &PelinorComposeWindowController::addImage);
+    addAction(tr("&Shorten Links"),
+        Qt::Key_L,
+        u"shortenURLs"_s,
+        &PelinorComposeWindowController::shortenURLs);
+    m_actionPopUpButton->setMenu(menu);
 }
 
 void PelinorComposeWindowController::_buildAccountMenu()
@@ -140,37 +207,51 @@ void PelinorComposeWindowController::_buildAccountMenu()
     for (const TwitterAccountPtr& account : m_twitter.accounts())
         m_accountPopUpButton->addItem(account->qualifiedName());
     m_accountPopUpButton->setCurrentIndex(int(m_twitter.accounts().indexOf(m_account)));
-    m_accountPopUpButton->setVisible(m_twitter.accounts().size() >= 2);
+    // Somebody whose account has gone needs another one.
+    m_accountPopUpButton->setVisible(
+        m_twitter.accounts().size() >= 2 || (m_account && !m_twitter.containsAccount(m_account)));
 }
 
 void PelinorComposeWindowController::showWindow()
 {
+    for (const TwitterAccountPtr& account : m_twitter.accounts()) {
+        if (m_wasLeft && account->qualifiedName() == m_draft.accountName)
+            m_account = account;
+    }
     if (!m_account)
         KRLog(u"ERROR: compose screen up, no account set"_s);
     _buildAccountMenu();
+    const PelinorDraft left = m_draft;
     _updateWindowTitle();
-    m_initialText = m_textView->toPlainText();
+    m_initialText = m_draft.text;
+    if (m_wasLeft) {
+        m_textView->setDraft(left);
+        m_draft.mayHaveGoneOut = left.mayHaveGoneOut;
+    }
+    m_window->setWindowModified(m_wasLeft);
     _updateRemainingField();
     KRWindowAppearance::showWindow(*m_window, m_sourcePoint, AppearanceSteps);
     m_textView->setFocus();
-    if (m_promptToDirectMessageUser)
+    if (m_draft.mayHaveGoneOut)
+        _showSheet(m_draft.isDirectMessage ? PelinorSheet::messageMayHaveGoneOut(nullptr)
+                                           : PelinorSheet::postMayHaveGoneOut(nullptr));
+    else if (m_draft.isDirectMessage && m_draft.recipientUsername.isEmpty())
         _promptForRecipient();
 }
 
 void PelinorComposeWindowController::_updateWindowTitle()
 {
-    if (m_directMessageUser) {
-        m_window->setWindowTitle(tr("Direct Message: %1").arg(m_directMessageUser->username()) + u"[*]"_s);
+    if (!m_draft.recipientUsername.isEmpty()) {
+        m_window->setWindowTitle(tr("Direct Message: %1").arg(m_draft.recipientUsername) + u"[*]"_s);
         m_postButton->setText(tr("Send"));
         return;
     }
     m_window->setWindowTitle(tr("New Tweet") + u"[*]"_s);
-    if (m_promptToDirectMessageUser)
+    if (m_draft.isDirectMessage)
         return;
-    if (m_inReplyToStatus && m_inReplyToStatus->fromUser()) {
-        const TwitterUserPtr& author = m_inReplyToStatus->fromUser();
-        m_window->setWindowTitle(tr("In reply to %1").arg(author->fullName().simplified()) + u"[*]"_s);
-        m_textView->insertPlainText(u"@%1 "_s.arg(author->username()));
+    if (!m_draft.inReplyToUsername.isEmpty()) {
+        m_window->setWindowTitle(tr("In reply to %1").arg(m_draft.inReplyToFullName.simplified()) + u"[*]"_s);
+        m_textView->insertPlainText(m_draft.replyPrefix());
     } else if (!m_defaultText.isEmpty()) {
         m_textView->insertPlainText(m_defaultText);
     }
@@ -185,124 +266,196 @@ void PelinorComposeWindowController::_promptForRecipient()
     auto* const sheet = new PelinorRecipientSheet(m_account, names, m_window.get());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &PelinorRecipientSheet::recipientChosen, this, [this](const TwitterUserPtr& user) {
-        m_directMessageUser = user;
+        m_draft.setRecipient(user.get());
         _updateWindowTitle();
+        _updateDraft();
     });
     sheet->open();
 }
 
-qsizetype PelinorComposeWindowController::_longestPost() const
-{
-    return m_account ? m_account->longestPost() : TwitterAccount::usualLongestPost;
-}
+// The text
 
 void PelinorComposeWindowController::_textDidChange()
 {
-    m_window->setWindowModified(m_textView->toPlainText() != m_initialText);
+    m_draft.mayHaveGoneOut = false;
+    _updateDraft();
+}
+
+void PelinorComposeWindowController::_updateDraft()
+{
+    m_textView->fillDraft(m_draft);
+    m_draft.accountName = m_account ? m_account->qualifiedName() : QString();
+    const bool wasModified = m_window->isWindowModified();
+    m_window->setWindowModified(m_wasLeft || m_draft.text != m_initialText);
+    if (m_window->isVisible() && (wasModified || m_window->isWindowModified()))
+        m_keeper.keep(m_draft);
     _updateRemainingField();
+}
+
+void PelinorComposeWindowController::_showFailureToKeep(const std::optional<KRError>& error)
+{
+    m_noticeField->setVisible(error.has_value());
+    if (error)
+        m_noticeField->setText(
+            tr("This text would be lost if the computer stopped now. %1").arg(error->description));
 }
 
 void PelinorComposeWindowController::_updateRemainingField()
 {
-    const qsizetype longest = _longestPost();
+    const PelinorDraftCount count(m_draft,
+        m_account ? m_account->longestPost() : TwitterAccount::usualLongestPost);
     // A site without a limit leaves nothing to count down.
-    m_remainingField->setVisible(longest > 0);
-    const qsizetype remaining = longest - m_textView->toPlainText().size();
-    m_remainingField->setText(QString::number(remaining));
-    m_remainingField->setAccessibleName(tr("%1 characters left").arg(remaining));
+    m_remainingField->setVisible(count.isLimited);
+    m_remainingField->setText(QString::number(count.remaining));
+    m_remainingField->setAccessibleName(tr("%1 characters left").arg(count.remaining));
     QPalette palette = m_window->palette();
     QColor color = palette.color(QPalette::WindowText);
     color.setAlphaF(0.5F);
-    if (longest > 0 && remaining < 0)
+    if (count.isOver())
         color = color.lightnessF() > 0.5F ? QColor(0xF2, 0x9A, 0x8E) : QColor::fromRgbF(0.5F, 0, 0, 0.8F);
     palette.setColor(QPalette::WindowText, color);
     m_remainingField->setPalette(palette);
 }
 
+void PelinorComposeWindowController::addImage()
+{
+    if (m_posting->isPosting())
+        return;
+    auto* const panel = new QFileDialog(m_window.get(), tr("Attach a File"));
+    panel->setAttribute(Qt::WA_DeleteOnClose);
+    panel->setFileMode(QFileDialog::ExistingFile);
+
+    panel->setNameFilters(
+        { tr("Pictures and movies (*.png *.jpg *.jpeg *.gif *.webp *.bmp *.tif *.tiff *.svg "
+             "*.mp4 *.mov *.webm *.mkv *.avi *.ogv *.mpg)"),
+            tr("All files (*)") });
+    connect(panel, &QFileDialog::fileSelected, this, [this](const QString& path) {
+        m_textView->attachFile(path);
+    });
+    panel->open();
+}
+
+void PelinorComposeWindowController::shortenURLs()
+{
+    if (m_account && !m_posting->isPosting())
+        m_shortening->shortenURLs(PelinorPosting::serviceContext(m_twitter, *m_account, &m_defaults));
+}
+
+// Posting
+
 void PelinorComposeWindowController::post()
 {
-    const QString text = m_textView->toPlainText();
-    if (text.isEmpty() || !m_account || m_isPosting)
-        return;
-    if (m_directMessageUser) {
-        _setPosting(true);
-        m_account->sendDirectMessage(text,
-            *m_directMessageUser,
-            onMainThread(this, &PelinorComposeWindowController::_didMessage));
-        return;
-    }
-    if (m_promptToDirectMessageUser) {
+    if (m_draft.isDirectMessage && m_draft.recipientUsername.isEmpty())
         _promptForRecipient();
-        return;
-    }
-    if (_longestPost() > 0 && text.size() > _longestPost()) {
-        _showSheet(tr("Message too long"), tr("Your post must be under %1 characters.").arg(_longestPost()));
-        return;
-    }
-    _setPosting(true);
-    m_account->update(text,
-        m_inReplyToStatus ? m_inReplyToStatus->statusID() : QString(),
-        onMainThread(this, &PelinorComposeWindowController::_didPost));
+    else
+        m_posting->post(m_draft, m_account);
 }
 
 void PelinorComposeWindowController::_setPosting(bool isPosting)
 {
-    m_isPosting = isPosting;
     m_textView->setReadOnly(isPosting);
     m_postButton->setEnabled(!isPosting);
-    m_cancelButton->setEnabled(!isPosting);
     m_accountPopUpButton->setEnabled(!isPosting);
+    m_actionPopUpButton->setEnabled(!isPosting);
+    // What has been sent cannot be called back; until then it can.
+    m_cancelButton->setEnabled(true);
+    m_noticeField->hide();
+    _setBusy(isPosting);
 }
 
-void PelinorComposeWindowController::_didPost(const KRResult<TwitterStatusPtr>& response)
+void PelinorComposeWindowController::_setBusy(bool isBusy)
 {
-    _setPosting(false);
-    if (!response.isError()) {
-        _dismiss();
-        return;
+    m_busyCount += isBusy ? 1 : -1;
+    m_composeProgressIndicator->setRange(0, 0);
+    m_composeProgressIndicator->setToolTip({});
+    m_composeProgressIndicator->setVisible(m_busyCount > 0);
+}
+
+void PelinorComposeWindowController::postingDidProgress(int number,
+    int count,
+    const KRUploadProgress& progress)
+{
+    const QLocale locale;
+    const QString text = progress.total > 0
+        ? tr("Uploading file %1 of %2: %3 of %4")
+              .arg(number)
+              .arg(count)
+              .arg(locale.formattedDataSize(progress.sent), locale.formattedDataSize(progress.total))
+        : tr("Uploading file %1 of %2").arg(number).arg(count);
+    m_composeProgressIndicator->setRange(0, progress.total > 0 ? 1000 : 0);
+    m_composeProgressIndicator->setValue(progress.total > 0 ? int(1000 * progress.sent / progress.total) : 0);
+    m_composeProgressIndicator->setToolTip(text);
+    m_noticeField->setText(text);
+    m_noticeField->show();
+}
+
+void PelinorComposeWindowController::postingWillSend()
+{
+    m_cancelButton->setEnabled(false);
+    m_noticeField->hide();
+    m_composeProgressIndicator->setRange(0, 0);
+    m_draft.mayHaveGoneOut = true;
+    m_keeper.keepNow(m_draft);
+}
+
+void PelinorComposeWindowController::postingShowSheet(const PelinorSheet& sheet)
+{
+    m_draft.mayHaveGoneOut = sheet.choice == PelinorSheet::Choice::ShowTimeline;
+    m_keeper.keep(m_draft);
+    _showSheet(sheet);
+}
+
+void PelinorComposeWindowController::_showSheet(const PelinorSheet& sheet)
+{
+    QMessageBox* const box = PelinorMakeAlert(sheet.isCritical ? QMessageBox::Critical
+            : sheet.choice == PelinorSheet::Choice::None       ? QMessageBox::Warning
+                                                               : QMessageBox::Question,
+        sheet.message,
+        sheet.informativeText,
+        m_window.get());
+    QPushButton* choice = nullptr;
+    if (!sheet.choiceButton.isEmpty()) {
+        choice = box->addButton(sheet.choiceButton, QMessageBox::AcceptRole);
+        connect(choice, &QPushButton::clicked, this, [this, made = sheet.choice] { _choose(made); });
     }
-    KRLog(u"Posting error: %1"_s.arg(response.error().description));
-    _showSheet(tr("There was an error posting your tweet."), response.error().description);
+    QPushButton* const cancel = box->addButton(sheet.cancelButton, QMessageBox::RejectRole);
+    box->setDefaultButton(choice && sheet.isChoiceDefault ? choice : cancel);
+    box->setEscapeButton(cancel);
+    box->open();
 }
 
-void PelinorComposeWindowController::_didMessage(const KRResult<TwitterDirectMessagePtr>& response)
+void PelinorComposeWindowController::_choose(PelinorSheet::Choice choice)
 {
-    _setPosting(false);
-    if (response.isError())
-        _showSheet(tr("There was an error sending your direct message."), response.error().description);
-    else
-        _dismiss();
+    if (choice == PelinorSheet::Choice::PostWithTwitlonger) {
+        m_posting->postWithTwitlonger();
+    } else if (choice == PelinorSheet::Choice::ShowTimeline) {
+        if (m_delegate)
+            m_delegate->composeWindowShowTimeline(*this);
+    } else if (choice == PelinorSheet::Choice::Discard) {
+        m_mayClose = true;
+        m_window->close();
+    }
 }
 
-void PelinorComposeWindowController::_showSheet(const QString& message, const QString& information)
-{
-    PelinorShowAlert(QMessageBox::Critical, message, information, m_window.get());
-}
+// The end
 
 void PelinorComposeWindowController::cancel()
 {
-    m_window->close();
+    if (m_posting->isPosting())
+        m_posting->cancel();
+    else
+        m_window->close();
 }
 
 bool PelinorComposeWindowController::_windowShouldClose()
 {
+    m_posting->cancel();
     // What is on its way cannot be called back.
-    if (m_isPosting)
+    if (m_posting->isPosting())
         return false;
-    if (!m_window->isWindowModified())
+    if (m_mayClose || !m_window->isWindowModified())
         return true;
-    QMessageBox* const sheet = PelinorMakeAlert(QMessageBox::Question,
-        tr("Are you sure you want to discard this unsaved tweet?"),
-        tr("Your tweet will be lost."),
-        m_window.get());
-    QPushButton* const discard = sheet->addButton(tr("Discard"), QMessageBox::DestructiveRole);
-    sheet->setDefaultButton(discard);
-    sheet->setEscapeButton(sheet->addButton(tr("Cancel"), QMessageBox::RejectRole));
-    connect(discard, &QPushButton::clicked, this, [this] {
-        m_window->setWindowModified(false);
-        m_window->close();
-    });
-    sheet->open();
+    _showSheet(PelinorSheet::askToDiscard());
     return false;
 }
 
@@ -310,6 +463,7 @@ void PelinorComposeWindowController::_dismiss()
 {
     if (std::exchange(m_isDismissed, true))
         return;
+    m_keeper.forget();
     m_window->hide();
     if (m_delegate)
         m_delegate->composeWindowDismiss(*this);

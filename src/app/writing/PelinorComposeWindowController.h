@@ -1,6 +1,8 @@
 #pragma once
 
-#include "core/TwitterAccount.h"
+#include "compose/PelinorDraftKeeper.h"
+#include "compose/PelinorLinkShortening.h"
+#include "compose/PelinorPosting.h"
 
 #include <QPoint>
 #include <QPointer>
@@ -11,9 +13,10 @@
 class PelinorComposeWindowController;
 class QComboBox;
 class QLabel;
-class QPlainTextEdit;
+class QProgressBar;
 class QPushButton;
-class Twitter;
+class QToolButton;
+class PelinorTextView;
 
 /// Hears that a compose window is through. Main thread.
 class PelinorComposeWindowControllerDelegate {
@@ -25,15 +28,22 @@ public:
 
     /// Sent, or closed. The controller may be let go of; it is destroyed later.
     virtual void composeWindowDismiss(PelinorComposeWindowController& controller) = 0;
+    /// The user wants to see whether what was sent has arrived.
+    virtual void composeWindowShowTimeline(PelinorComposeWindowController& /*controller*/) { }
 };
 
 /// A window for a new post, a reply or a direct message. What did not go out stays in it. Main thread.
-class PelinorComposeWindowController : public QObject {
+/// Until it has gone out, or was thrown away, it is on disk as well.
+class PelinorComposeWindowController : public QObject, private PelinorPostingDelegate {
     Q_OBJECT
 
 public:
-    /// The root object outlives the controller.
-    explicit PelinorComposeWindowController(Twitter& twitter);
+    /// The root object and the defaults outlive the controller. The draft is a new one, or one that an
+    /// earlier run left in the store.
+    PelinorComposeWindowController(Twitter& twitter,
+        const KRUserDefaults& defaults,
+        const std::shared_ptr<PelinorDraftStore>& store,
+        const std::optional<PelinorDraftStore::Stored>& left = std::nullopt);
     ~PelinorComposeWindowController() override;
 
     /// Not owned; outlives the controller.
@@ -41,20 +51,27 @@ public:
 
     // Before the window is shown.
     void setAccount(TwitterAccountPtr account) { m_account = std::move(account); }
-    void setInReplyToStatus(TwitterStatusPtr status) { m_inReplyToStatus = std::move(status); }
+    void setInReplyToStatus(const TwitterStatusPtr& status) { m_draft.setInReplyTo(status.get()); }
     void setDefaultText(const QString& text) { m_defaultText = text; }
     void setSourcePoint(QPoint point) { m_sourcePoint = point; }
-    void setDirectMessageUser(TwitterUserPtr user) { m_directMessageUser = std::move(user); }
-    void setPromptToDirectMessageUser(bool prompts) { m_promptToDirectMessageUser = prompts; }
+    void setDirectMessageUser(const TwitterUserPtr& user) { m_draft.setRecipient(user.get()); }
+    void setPromptToDirectMessageUser(bool prompts) { m_draft.isDirectMessage = prompts; }
 
     void showWindow();
     QWidget& window();
-    QPlainTextEdit& textView() { return *m_textView; }
+    PelinorTextView& textView() { return *m_textView; }
     const TwitterAccountPtr& account() const { return m_account; }
 
     void post();
-    /// Asks before it drops what was written.
+    /// Ends an upload that is under way; otherwise closes, and asks before it drops what was written.
     void cancel();
+    /// Lets the user choose a file to attach.
+    void addImage();
+    void shortenURLs();
+    /// The text is not wanted any more; the window stays.
+    void discardDraft() { m_keeper.forget(); }
+    /// Whether it is about a message rather than a post.
+    [[nodiscard]] bool isDirectMessage() const { return m_draft.isDirectMessage; }
 
 private:
     class Window;
@@ -63,33 +80,52 @@ private:
     void _buildAccountMenu();
     void _updateWindowTitle();
     void _textDidChange();
-    qsizetype _longestPost() const;
     void _updateRemainingField();
     void _promptForRecipient();
+    void _loadControls();
+    void _loadShortcuts();
+    void _updateDraft();
     void _setPosting(bool isPosting);
-    void _didPost(const KRResult<TwitterStatusPtr>& response);
-    void _didMessage(const KRResult<TwitterDirectMessagePtr>& response);
+    void _setBusy(bool isBusy);
+    void _showFailureToKeep(const std::optional<KRError>& error);
+    void postingDidBegin() override { _setPosting(true); }
+    void postingDidEnd() override { _setPosting(false); }
+    void postingDidProgress(int number, int count, const KRUploadProgress& progress) override;
+    void postingWillSend() override;
+    void postingShowSheet(const PelinorSheet& sheet) override;
+    void postingDidFinish() override { _dismiss(); }
+    void _choose(PelinorSheet::Choice choice);
     bool _windowShouldClose();
     void _dismiss();
-    void _showSheet(const QString& message, const QString& information);
+    void _showSheet(const PelinorSheet& sheet);
 
     Twitter& m_twitter;
+    const KRUserDefaults& m_defaults;
+    std::shared_ptr<PelinorDraftStore> m_store;
     PelinorComposeWindowControllerDelegate* m_delegate = nullptr;
     TwitterAccountPtr m_account;
-    TwitterStatusPtr m_inReplyToStatus;
+    // What is written, as of the last change.
+    PelinorDraft m_draft;
+    PelinorDraftKeeper m_keeper;
+    std::shared_ptr<PelinorPosting> m_posting;
+    std::shared_ptr<PelinorLinkShortening> m_shortening;
+    KRObservation m_accountsObservation;
     QString m_defaultText;
     QPoint m_sourcePoint;
-    TwitterUserPtr m_directMessageUser;
-    bool m_promptToDirectMessageUser = false;
 
     std::unique_ptr<Window> m_window;
-    QPlainTextEdit* m_textView = nullptr;
+    PelinorTextView* m_textView = nullptr;
     QComboBox* m_accountPopUpButton = nullptr;
+    QToolButton* m_actionPopUpButton = nullptr;
+    QProgressBar* m_composeProgressIndicator = nullptr;
+    QLabel* m_noticeField = nullptr;
     QLabel* m_remainingField = nullptr;
     QPushButton* m_cancelButton = nullptr;
     QPushButton* m_postButton = nullptr;
     // What the window put in itself is nothing to lose.
     QString m_initialText;
-    bool m_isPosting = false;
+    const bool m_wasLeft;
+    int m_busyCount = 0;
+    bool m_mayClose = false;
     bool m_isDismissed = false;
 };

@@ -1,6 +1,6 @@
 #include "app/writing/PelinorDraftHighlighter.h"
 
-#include "text/KRActiveTextRanges.h"
+#include "compose/PelinorDraft.h"
 
 #include <QGuiApplication>
 #include <QPalette>
@@ -27,13 +27,14 @@ Colors colors()
 
 void PelinorDraftHighlighter::highlightBlock(const QString& text)
 {
-    const auto mark = [&](QStringView pattern, const QColor& color) {
-        for (const KRRange& range : KRAdditions::arrayOfRangesForRegex(text, pattern))
+    const auto mark = [&](const KRRangeList& ranges, const QColor& color) {
+        for (const KRRange& range : ranges)
             setFormat(int(range.location), int(range.length), color);
     };
     // Where they overlap the later one wins.
     const Colors shown = colors();
-    mark(KRLinkRegex, shown.links);
-    mark(KRHashTagRegex, shown.hashtags);
-    mark(KRTwitterUsernameRegex, shown.usernames);
+    const PelinorDraftRanges ranges(text);
+    mark(ranges.linkRanges, shown.links);
+    mark(ranges.hashTagRanges, shown.hashtags);
+    mark(ranges.usernameRanges, shown.usernames);
 }

@@ -1,0 +1,238 @@
+#include "app/writing/PelinorComposeWindowController.h"
+#include "app/writing/PelinorTextView.h"
+#include "compose/ComposeFixture.h"
+#include "model/records/KRTestRecords.h"
+#include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "toolkit/transitions/KRMotion.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QImage>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr char update[] = "/statuses/update.xml";
+constexpr char upload[] = "/YFrogAPIHost/api/upload";
+
+class PelinorComposeWindowTest : public ComposeFixture, public PelinorComposeWindowControllerDelegate {
+protected:
+    PelinorComposeWindowTest()
+    {
+        KRMotion::setEnabledByProgram(false);
+        answer(update, KRTestServer::always(200, "<status><id>7</id><text>x</text></status>"));
+        answer(upload, KRTestServer::always(200, "<rsp><mediaurl>http://p.example/1</mediaurl></rsp>"));
+        open();
+    }
+    ~PelinorComposeWindowTest() override { KRMotion::setEnabledByProgram(true); }
+
+    void open(const std::optional<PelinorDraftStore::Stored>& left = std::nullopt,
+        const TwitterStatusPtr& status = nullptr)
+    {
+        isDismissed = false;
+        controller = std::make_unique<PelinorComposeWindowController>(*twitter, defaults, store, left);
+        controller->setDelegate(this);
+        controller->setAccount(account);
+        controller->setInReplyToStatus(status);
+        controller->showWindow();
+        controller->window().activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&controller->window()));
+    }
+    void composeWindowDismiss(PelinorComposeWindowController&) override { isDismissed = true; }
+    void composeWindowShowTimeline(PelinorComposeWindowController&) override { showsTimeline = true; }
+
+    PelinorTextView& view() { return controller->textView(); }
+    PelinorDraft draft()
+    {
+        PelinorDraft found;
+        view().fillDraft(found);
+        return found;
+    }
+    void key(int pressed, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    {
+        QTest::keyClick(&view(), Qt::Key(pressed), modifiers);
+    }
+    template <class Predicate>
+    static bool waitFor(Predicate predicate)
+    {
+        return QTest::qWaitFor(predicate, 20'000);
+    }
+    QMessageBox* sheet() { return controller->window().findChild<QMessageBox*>(); }
+    /// Answers the sheet, and what it said.
+    QString answerSheet(const QString& button)
+    {
+        QMessageBox* const box = sheet();
+        if (!box)
+            return {};
+        const QString text = box->text();
+        for (QAbstractButton* const one : box->buttons()) {
+            if (one->text() == button)
+                one->click();
+        }
+        EXPECT_TRUE(waitFor([this] { return !sheet(); }));
+        controller->window().activateWindow();
+        EXPECT_TRUE(isDismissed || QTest::qWaitForWindowActive(&controller->window()));
+        return text;
+    }
+    QString remaining() { return controller->window().findChild<QLabel*>(u"remainingField"_s)->text(); }
+    QString picture(const QString& name) const
+    {
+        QImage image(40, 20, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        EXPECT_TRUE(image.save(directory.filePath(name)));
+        return directory.filePath(name);
+    }
+    QStringList draftsOnDisk() const { return QDir(folder).entryList({ u"*.draft"_s }, QDir::Files); }
+
+    KRQtRunLoopDriver driver;
+    QString folder = directory.filePath(u"drafts"_s);
+    std::shared_ptr<PelinorDraftStore> store
+        = std::make_shared<PelinorDraftStore>(folder, directory.filePath(u"pictures"_s));
+    std::unique_ptr<PelinorComposeWindowController> controller;
+    bool isDismissed = false;
+    bool showsTimeline = false;
+};
+
+} // namespace
+
+TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
+{
+    QTest::keyClicks(&view(), u"ab"_s);
+    QMimeData dropped;
+    const QString first = picture(u"1.png"_s);
+    const QString second = picture(u"2.jpg"_s);
+    dropped.setUrls({ QUrl::fromLocalFile(first),
+        QUrl::fromLocalFile(fileWith(u"words.txt"_s, "words")),
+        QUrl::fromLocalFile(second) });
+    QDragEnterEvent enter({ 5, 5 }, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view().viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({ 400, 20 }, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(view().viewport(), &drop);
+    EXPECT_EQ(draft().text, u"ab\ufffc\ufffc"_s);
+    EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 2, first }, { 3, second } }));
+    EXPECT_EQ(remaining(), u"76"_s);
+
+    auto* const copied = new QMimeData;
+    copied->setImageData(QImage(QSize(3, 3), QImage::Format_RGB32));
+    QApplication::clipboard()->setMimeData(copied);
+    key(Qt::Key_V, Qt::ControlModifier);
+    ASSERT_EQ(draft().attachments.size(), 3);
+    const QString pasted = draft().attachments[2].filename;
+    EXPECT_EQ(QImage(pasted).size(), QSize(3, 3));
+    QTest::keyClicks(&view(), u"c"_s);
+    EXPECT_EQ(draft().attachments.size(), 3) << "what is written behind one is none";
+    key(Qt::Key_Backspace);
+    key(Qt::Key_Backspace);
+    key(Qt::Key_Backspace);
+    EXPECT_EQ(draft().attachments.size(), 1);
+    while (view().document()->isUndoAvailable() && draft().attachments.size() < 3)
+        key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(draft().attachments.size(), 3) << "undone";
+    key(Qt::Key_Escape);
+    EXPECT_EQ(answerSheet(u"Discard"_s), u"Are you sure you want to discard this unsaved tweet?"_s);
+    EXPECT_TRUE(isDismissed);
+    EXPECT_FALSE(QFile::exists(pasted));
+    EXPECT_TRUE(QFile::exists(first)) << "the user's";
+}
+
+TEST_F(PelinorComposeWindowTest, IsPostedWithItsPicturesByKeys)
+{
+    controller.reset();
+    const TwitterUserPtr bob = KRTestUser(u"2"_s, u"bob"_s);
+    bob->setFullName(u"Bob B."_s);
+    open(std::nullopt, KRTestStatus(u"42"_s, bob));
+    EXPECT_EQ(controller->window().windowTitle(), u"In reply to Bob B.[*]"_s);
+    EXPECT_EQ(draft().text, u"@bob "_s);
+    QTest::keyClicks(&view(), u"see http://long.example/page"_s);
+    defaults.setInteger("URLShorteningServicePreferredService", 1);
+    answer("/TinyURLAPIHost/api-create.php", KRTestServer::always(200, "http://s.example/1"));
+    key(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    ASSERT_TRUE(waitFor([this] { return draft().text == u"@bob see http://s.example/1"; }));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(draft().text, u"@bob see http://long.example/page"_s);
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(view().attachFile(picture(u"1.png"_s)));
+    key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(view().isReadOnly());
+    ASSERT_TRUE(waitFor([this] { return isDismissed; }));
+    ASSERT_EQ(requestsTo(update).size(), 1);
+    const QByteArray body = requestsTo(update)[0].body;
+    EXPECT_TRUE(body.contains("see+http%3A%2F%2Fs.example%2F1+http%3A%2F%2Fp.example%2F1+"))
+        << body.constData();
+    EXPECT_TRUE(draftsOnDisk().isEmpty());
+}
+
+TEST_F(PelinorComposeWindowTest, WhatWasWrittenComesBackInTheNextRun)
+{
+    const QString file = picture(u"1.png"_s);
+    QTest::keyClicks(&view(), u"a b"_s);
+    view().attachFile(file);
+    key(Qt::Key_Return);
+    QTest::keyClicks(&view(), u"c"_s);
+    ASSERT_TRUE(waitFor([this] { return !draftsOnDisk().isEmpty(); }));
+    controller.reset();
+    store = std::make_shared<PelinorDraftStore>(folder, directory.filePath(u"pictures"_s));
+    QList<PelinorDraftStore::Stored> left = store->takeLeftDrafts();
+    ASSERT_EQ(left.size(), 1);
+    open(left[0]);
+    EXPECT_EQ(draft().text, u"a b\ufffc\nc"_s);
+    EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 3, file } }));
+    EXPECT_EQ(sheet(), nullptr);
+    key(Qt::Key_Escape);
+    answerSheet(u"Cancel"_s);
+    EXPECT_FALSE(isDismissed) << "it is as good as newly written";
+
+    // Killed while it was on its way.
+    left[0].draft.mayHaveGoneOut = true;
+    open(left[0]);
+    EXPECT_EQ(answerSheet(u"Look There"_s), u"Your tweet may have gone out."_s);
+    EXPECT_TRUE(showsTimeline);
+    EXPECT_TRUE(requestsTo(update).isEmpty()) << "nothing is sent by itself";
+}
+
+TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdited)
+{
+    answer(update, KRTestServer::always(403));
+    QTest::keyClicks(&view(), u"abc"_s);
+    key(Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(waitFor([this] { return sheet() != nullptr; }));
+    EXPECT_EQ(answerSheet(u"OK"_s), u"There was an error posting your tweet."_s);
+    EXPECT_FALSE(view().isReadOnly());
+    answer(upload, [](const auto&, auto& connection) { connection.waitForClose(); });
+    view().attachFile(picture(u"1.png"_s));
+    key(Qt::Key_Return, Qt::ControlModifier);
+    auto* const notice = controller->window().findChild<QLabel*>(u"noticeField"_s);
+    ASSERT_TRUE(waitFor([&] { return notice->isVisible(); }));
+    EXPECT_TRUE(notice->text().startsWith(u"Uploading file 1 of 1"_s));
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(view().isReadOnly());
+    EXPECT_FALSE(isDismissed);
+    EXPECT_FALSE(notice->isVisible());
+    EXPECT_EQ(draft().text, u"abc\ufffc"_s);
+}
+
+TEST_F(PelinorComposeWindowTest, EveryKeyIsHandledAtOnce)
+{
+    view().setPlainText(u"Words with http://example.org/page and #tags, @names. "_s.repeated(20));
+    view().moveCursor(QTextCursor::End);
+    QList<qint64> times;
+    for (int round = 0; round < 51; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        QTest::keyClick(&view(), Qt::Key_A);
+        times.append(timer.nsecsElapsed());
+    }
+    std::sort(times.begin(), times.end());
+    RecordProperty("median_microseconds", int(times[25] / 1000));
+    EXPECT_LT(times[25], 20'000'000) << "far above what it takes on an idle machine";
+}

@@ -1,0 +1,229 @@
+#include "compose/PelinorDraftKeeper.h"
+#include "foundation/KRKeyedArchiver.h"
+#include "model/records/KRTestRecords.h"
+#include "support/KRManualClock.h"
+#include "support/KRTestLog.h"
+#include "support/KRTestWait.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+PelinorDraft draftOf(const QString& text, const QStringList& files = {})
+{
+    PelinorDraft draft;
+    draft.text = text;
+    qsizetype location = -1;
+    for (const QString& file : files) {
+        location = text.indexOf(PelinorAttachmentCharacter, location + 1);
+        draft.attachments.append({ location, file });
+    }
+    return draft;
+}
+
+class PelinorDraftTest : public testing::Test {
+protected:
+    std::shared_ptr<PelinorDraftStore> store() const
+    {
+        return std::make_shared<PelinorDraftStore>(folder, attachments);
+    }
+    QStringList files() const { return QDir(folder).entryList({ u"*.draft*"_s }, QDir::Files); }
+    static QStringList texts(const QList<PelinorDraftStore::Stored>& drafts)
+    {
+        QStringList found;
+        for (const auto& stored : drafts)
+            found.append(stored.draft.text);
+        return found;
+    }
+    void write(const QString& path, const QByteArray& content) const
+    {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+
+    KRTestLog log;
+    KRManualClock clock;
+    QTemporaryDir directory;
+    QString folder = directory.filePath(u"drafts"_s);
+    QString attachments = directory.filePath(u"pictures"_s);
+};
+
+} // namespace
+
+TEST_F(PelinorDraftTest, EveryAttachmentWeighsAsMuchAsItsLink)
+{
+    const struct {
+        PelinorDraft draft;
+        qsizetype longest;
+        qsizetype remaining;
+        bool isOver;
+    } cases[] = {
+        { draftOf(QString(140, u'x')), 140, 0, false },
+        { draftOf(u"\U0001f600"_s.repeated(70) + u'x'), 140, -1, true },
+        { draftOf(QString(98, u'x') + u"\ufffc\ufffc"_s, { u"a"_s, u"b"_s }), 140, -20, true },
+        { draftOf(QString(300, u'x')), 500, 200, false },
+    };
+    for (const auto& test : cases) {
+        const PelinorDraftCount count(test.draft, test.longest);
+        EXPECT_EQ(count.remaining, test.remaining);
+        EXPECT_EQ(count.isOver(), test.isOver);
+    }
+    EXPECT_FALSE(PelinorDraftCount(draftOf(QString(9000, u'x')), 0).isOver()) << "no limit";
+}
+
+TEST_F(PelinorDraftTest, LinksTakeThePlaceOfTheirFilesFromTheEnd)
+{
+    PelinorDraft draft = draftOf(u"\ufffca\ufffc\ufffcb"_s, { u"1"_s, u"2"_s });
+    draft.attachments[1].location = 3;
+    draft.replaceLastAttachment(u"http://x.example/2"_s);
+    draft.replaceLastAttachment(u"http://x.example/1"_s);
+    EXPECT_EQ(draft.text, u" http://x.example/1 a\ufffc http://x.example/2 b"_s)
+        << "a replacement character that somebody wrote stays";
+}
+
+TEST_F(PelinorDraftTest, OnlyPicturesAndMoviesCanBeAttached)
+{
+    const struct {
+        const char16_t* name;
+        QByteArray content;
+        PelinorAttachment::Kind kind;
+    } cases[] = {
+        { u"a.png", "\x89PNG\r\n\x1a\n", PelinorAttachment::Kind::Picture },
+        { u"a.mov", "x", PelinorAttachment::Kind::Movie },
+        { u"without-ending", "\x89PNG\r\n\x1a\n", PelinorAttachment::Kind::Picture },
+        { u"a.txt", "words", PelinorAttachment::Kind::None },
+    };
+    for (const auto& test : cases) {
+        const QString path = directory.filePath(QString::fromUtf16(test.name));
+        write(path, test.content);
+        EXPECT_EQ(PelinorAttachment::kindOfFile(path), test.kind) << qPrintable(path);
+    }
+    EXPECT_EQ(PelinorAttachment::kindOfFile(directory.filePath(u"gone.png"_s)),
+        PelinorAttachment::Kind::None);
+    EXPECT_EQ(PelinorAttachment::kindOfFile(directory.path()), PelinorAttachment::Kind::None);
+}
+
+TEST_F(PelinorDraftTest, IsWrittenInAPauseAndFoundByTheNextRun)
+{
+    PelinorDraft draft = draftOf(u"one \ufffc\ufffc \U0001f600"_s, { u"/p/a.png"_s });
+    const TwitterUserPtr bob = KRTestUser(u"7"_s, u"bob"_s);
+    bob->setFullName(u"Bob B."_s);
+    draft.setInReplyTo(KRTestStatus(u"42"_s, bob).get());
+    draft.accountName = u"alice"_s;
+    EXPECT_EQ(draft.replyPrefix(), u"@bob "_s);
+    auto first = store();
+    EXPECT_TRUE(first->takeLeftDrafts().isEmpty());
+    {
+        PelinorDraftKeeper keeper(first);
+        keeper.keep(draftOf(u"on"_s));
+        clock.advance(PelinorDraftKeeper::pause - 1ms);
+        keeper.keep(draft);
+        clock.advance(PelinorDraftKeeper::pause - 1ms);
+        EXPECT_TRUE(files().isEmpty()) << "still writing";
+        clock.advance(1ms);
+        ASSERT_TRUE(KRWaitUntil([&] { return files().size() == 1; }));
+        EXPECT_EQ(QFile::permissions(folder + u'/' + files()[0])
+                & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+            QFile::Permissions());
+        EXPECT_TRUE(store()->takeLeftDrafts().isEmpty()) << "another program is responsible for them";
+    }
+    PelinorDraft message = draftOf(u""_s);
+    message.setRecipient(bob.get());
+    message.mayHaveGoneOut = true;
+    PelinorDraftKeeper(first).keepNow(message);
+    first.reset();
+
+    const auto second = store();
+    const QList<PelinorDraftStore::Stored> found = second->takeLeftDrafts();
+    ASSERT_EQ(found.size(), 2);
+    EXPECT_EQ(found[found[0].draft.isDirectMessage].draft, draft);
+    EXPECT_EQ(found[!found[0].draft.isDirectMessage].draft, message);
+    for (const auto& stored : found)
+        PelinorDraftKeeper(second, stored.file).forget();
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(PelinorDraftTest, SomebodyWhoNeverStopsHasItWrittenToo)
+{
+    PelinorDraftKeeper keeper(store());
+    for (int round = 0; round < 16 && files().isEmpty(); ++round) {
+        keeper.keep(draftOf(QString::number(round)));
+        clock.advance(200ms);
+    }
+    EXPECT_TRUE(KRWaitUntil([&] { return !files().isEmpty(); }));
+    keeper.forget();
+    keeper.keepNow(draftOf(u"late"_s));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(PelinorDraftTest, WhatWasNotWrittenYetIsWrittenWhenTheWindowGoes)
+{
+    const auto first = store();
+    {
+        PelinorDraftKeeper keeper(first);
+        keeper.keep(draftOf(u"last words"_s));
+    }
+    EXPECT_EQ(texts(store()->takeLeftDrafts()), QStringList(u"last words"_s));
+}
+
+TEST_F(PelinorDraftTest, ADiskThatTakesNothingIsToldAndTriedAgain)
+{
+    write(folder, "a file where the folder should be");
+    PelinorDraftKeeper keeper(store());
+    QStringList told;
+    keeper.setFailureHandler(
+        [&](const std::optional<KRError>& error) { told.append(error ? u"failed"_s : u"kept"_s); });
+    keeper.keep(draftOf(u"words"_s));
+    clock.advance(PelinorDraftKeeper::pause);
+    ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 1; }));
+    ASSERT_TRUE(QFile::remove(folder));
+    clock.advance(PelinorDraftKeeper::retryDelay);
+    ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 2; }));
+    EXPECT_EQ(told, (QStringList { u"failed"_s, u"kept"_s }));
+    EXPECT_EQ(files().size(), 1);
+}
+
+TEST_F(PelinorDraftTest, WhatCannotBeReadIsSetAsideAndWhatNobodyNeedsGoes)
+{
+    const auto first = store();
+    const QString kept = first->newAttachmentPath();
+    const QString undone = first->newAttachmentPath();
+    const QString abandoned = first->newAttachmentPath();
+    const QString foreign = directory.filePath(u"my.png"_s);
+    for (const QString& path : { kept, undone, abandoned, foreign })
+        write(path, "x");
+    PelinorDraftKeeper(first).keepNow(draftOf(u"\ufffc"_s, { kept }));
+    write(folder + u"/half.draft.Ab12Cd"_s, "x");
+    QList<PelinorDraftStore::Stored> found = store()->takeLeftDrafts();
+    ASSERT_EQ(found.size(), 1);
+    EXPECT_EQ(files().size(), 1) << "the half that a killed program wrote is gone";
+    EXPECT_TRUE(QFile::exists(kept));
+    EXPECT_FALSE(QFile::exists(abandoned));
+
+    write(undone, "x");
+    {
+        PelinorDraftKeeper keeper(first, found[0].file);
+        keeper.keep(draftOf(u"\ufffc\ufffc\ufffc"_s, { kept, undone, foreign }));
+        keeper.keep(draftOf(u""_s));
+        keeper.forget();
+    }
+    EXPECT_FALSE(QFile::exists(undone));
+    EXPECT_TRUE(QFile::exists(foreign)) << "it is the user's";
+
+    KRKeyedArchiver other;
+    other.encodeInteger("x"_L1, 1);
+    write(folder + u"/other.draft"_s, other.archivedData());
+    write(folder + u"/cut.draft"_s, "KRKA");
+    write(kept, "x");
+    EXPECT_TRUE(store()->takeLeftDrafts().isEmpty());
+    EXPECT_EQ(files(), (QStringList { u"cut.draft.unreadable"_s, u"other.draft.unreadable"_s }));
+    EXPECT_TRUE(QFile::exists(kept)) << "a draft that was set aside may need it";
+    EXPECT_TRUE(log.contains(u"it was set aside"_s));
+}
