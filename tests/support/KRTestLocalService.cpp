@@ -23,8 +23,7 @@ KRTestLocalService::KRTestLocalService()
 {
     // popen() spawns where QProcess forks with the memory shared, which the thread sanitizer does not survive.
     // A test that crashes takes the service along: ctest waits for everybody who holds its output.
-    const QByteArray command = "echo $$; exec setpriv --pdeathsig KILL '" PELINOR_LOCAL_SERVICE
-                               "' --data '"
+    const QByteArray command = "echo $$; exec setpriv --pdeathsig KILL '" PELINOR_LOCAL_SERVICE "' --data '"
         + m_directory.path().toUtf8() + "' --port 0 --tls-port 0";
     m_output = ::popen(command.constData(), "re");
     if (!m_output)
