@@ -30,7 +30,7 @@ std::string configurationDocument()
     xml.element("textlimit", static_cast<std::int64_t>(longestStatus));
     xml.endElement();
     xml.beginElement("attachments");
-    xml.element("uploads", false);
+    xml.element("uploads", true);
     xml.endElement();
     xml.endElement();
     return xml.take();

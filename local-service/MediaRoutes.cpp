@@ -15,8 +15,11 @@ Answer uploadRefusal(int code, std::string_view message)
     return xmlAnswer(xml.take());
 }
 
+// On the site's own address clients are signed in as everywhere else, and the form holds no password.
 std::optional<User> uploader(Site& site, const Call& call)
 {
+    if (call.viewer)
+        return call.viewer;
     const BodyPart* username = call.part("username");
     const BodyPart* password = call.part("password");
     if (!username || !password || !isValidUTF8(username->content))
@@ -50,6 +53,30 @@ Answer upload(Site& site, const Call& call, const MediaService& service)
         service.linkElement == "mediaurl" ? "stat=\"ok\"" : "");
     xml.element("mediaid", code);
     xml.element(service.linkElement, link);
+    xml.endElement();
+    return xmlAnswer(xml.take());
+}
+
+Answer uploadAttachment(Site& site, const Call& call)
+{
+    const BodyPart* file = call.part("media");
+    if (!file)
+        return errorAnswer(call, 400, "No file was uploaded.");
+    const std::string sniffed = sniffedMediaType(file->content);
+    const std::string type = sniffed.empty() ? "application/octet-stream" : sniffed;
+    const std::string code = site.media.add(attachmentFolder, call.viewer->id, type, file->content);
+    if (code.empty())
+        return errorAnswer(call, 500, "The file could not be stored.");
+    const std::string link = site.addresses.https + "/" + std::string(attachmentFolder) + "/" + code;
+    XmlWriter xml;
+    xml.beginElement("rsp", R"(stat="ok" xmlns:atom="http://www.w3.org/2005/Atom")");
+    xml.element("mediaid", code);
+    xml.element("mediaurl", link);
+    xml.element("media_url", link);
+    xml.element("size", static_cast<std::int64_t>(file->content.size()));
+    xml.element("atom:link", "", R"(rel="enclosure" href=")" + link + R"(/file" type=")" + type + "\"");
+    xml.element("media_id", code);
+    xml.element("media_id_string", code);
     xml.endElement();
     return xmlAnswer(xml.take());
 }
@@ -98,6 +125,17 @@ void addMediaRoutes(Router& router, Site& site)
 {
     for (const MediaService& service : mediaServices)
         addMediaService(router, site, service);
+    router.post("statusnet/media/upload", Router::Access::SignedIn, [&site](const Call& call) {
+        return uploadAttachment(site, call);
+    });
+    router.get(std::string(attachmentFolder) + "/*/file", Router::Access::Anyone, [&site](const Call& call) {
+        return fileAnswer(site, attachmentFolder, call.argument);
+    });
+    router.get(std::string(attachmentFolder) + "/*", Router::Access::Anyone, [&site](const Call& call) {
+        const std::string file = site.addresses.https + "/" + std::string(attachmentFolder) + "/"
+            + percentEncoded(call.argument) + "/file";
+        return mediaPage(site, attachmentFolder, call.argument, file);
+    });
     const std::string folder(movieFolder);
     router.get(folder + "/*z:iphone", Router::Access::Anyone, [&site](const Call& call) {
         return fileAnswer(site, movieFolder, call.argument);

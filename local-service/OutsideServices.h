@@ -39,6 +39,9 @@ inline constexpr std::array<MediaService, 6> mediaServices { {
 inline constexpr std::string_view movieService = "yfrog";
 inline constexpr std::string_view movieFolder = "yfrog2";
 
+// The site's own store, for files of any kind.
+inline constexpr std::string_view attachmentFolder = "attachment";
+
 inline constexpr std::string_view longPostFolder = "longpost";
 inline constexpr std::string_view shrinkFolder = "shrink";
 

@@ -128,7 +128,9 @@ void CommandRunner::_startExpanding()
 void CommandRunner::_startUpload()
 {
     const QString path = m_line.arguments.value(0);
-    const auto context = contextFor(m_account->context().hosts, m_line.service, imageServices);
+    auto context = contextFor(m_account->context().hosts, m_line.service, imageServices);
+    if (!context.isError())
+        context.value().siteTakesUploads = m_account->siteTakesUploads();
     const auto callback = _then(&CommandRunner::gotUploadedFile);
     if (context.isError())
         _fail(context.error());

@@ -26,6 +26,7 @@ TwitterServiceContext PelinorPosting::serviceContext(const Twitter& twitter,
     const KRUserDefaults* defaults)
 {
     TwitterServiceContext context { twitter.accountContext().hosts, defaults };
+    context.siteTakesUploads = account.siteTakesUploads();
     const TwitterServiceHosts& own = account.context().hosts;
     for (const QString& key : own.keys())
         context.hosts.setValueForKey(own.valueForKey(key), key);

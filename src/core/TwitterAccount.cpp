@@ -215,8 +215,20 @@ bool TwitterAccount::isNamed(const QString& name) const
 
 qint32 TwitterAccount::longestPost() const
 {
-    const bool isAtItsSite = m_context.site && m_context.site->hosts.server() == m_context.hosts.server();
-    return isAtItsSite ? m_context.site->textLimit.value_or(usualLongestPost) : usualLongestPost;
+    const TwitterSite* const site = _ownSite();
+    return site ? site->textLimit.value_or(usualLongestPost) : usualLongestPost;
+}
+
+bool TwitterAccount::siteTakesUploads() const
+{
+    const TwitterSite* const site = _ownSite();
+    return site && site->takesUploads;
+}
+
+const TwitterSite* TwitterAccount::_ownSite() const
+{
+    const bool isThere = m_context.site && m_context.site->hosts.server() == m_context.hosts.server();
+    return isThere ? &*m_context.site : nullptr;
 }
 
 void TwitterAccount::setPassword(const QString& password)

@@ -92,6 +92,8 @@ public:
     [[nodiscard]] bool isNamed(const QString& name) const;
     /// The longest post in UTF-16 units; 0 when there is no limit.
     [[nodiscard]] qint32 longestPost() const;
+    /// Whether the account's site takes pictures itself.
+    [[nodiscard]] bool siteTakesUploads() const;
     /// What sites take that do not say.
     static constexpr qint32 usualLongestPost = 140;
     /// The certificates of the account's servers that are trusted although nobody vouches for them.
@@ -216,6 +218,8 @@ private:
     void _encodeWithoutPassword(KRKeyedArchiver& coder) const;
     void _noteFresh(QDateTime& mark, const QDateTime& newest);
     void _postArchiveDidChange();
+    /// Nothing while hosts of the start stand in for it.
+    [[nodiscard]] const TwitterSite* _ownSite() const;
 
     void somethingDidUpdate();
     [[nodiscard]] static TwitterStatusList unNotifiedStatuses(const TwitterStatusList& statuses);

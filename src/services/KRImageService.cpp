@@ -15,6 +15,7 @@ struct Services {
     Posterous posterous;
     ImgLy imgLy;
     PixIm pixIm;
+    SitePictureStore site;
 };
 
 const Services& sharedServices()
@@ -22,6 +23,13 @@ const Services& sharedServices()
     // Never released: an upload may be answered at the very end.
     static const auto* services = new Services;
     return *services;
+}
+
+bool usesSite(const TwitterServiceContext& context)
+{
+    return context.hasPreferenceForKey(ImageServicePreferredServiceDefaultsKey)
+        ? context.preferenceForKey(ImageServicePreferredServiceDefaultsKey) == KRImageServiceSite
+        : context.siteTakesUploads;
 }
 
 bool beginsWithPrefix(const TwitterServiceHosts& hosts, const char* key, const QString& link)
@@ -35,6 +43,8 @@ bool beginsWithPrefix(const TwitterServiceHosts& hosts, const char* key, const Q
 const KRImageService& KRImageService::currentService(const TwitterServiceContext& context)
 {
     const Services& services = sharedServices();
+    if (usesSite(context))
+        return services.site;
     switch (context.preferenceForKey(ImageServicePreferredServiceDefaultsKey)) {
     case KRImageServiceTwitPic:
         return services.twitPic;
@@ -64,7 +74,9 @@ void KRImageService::postVideo(const TwitterServiceContext& context,
     const TwitterCredentials& account,
     KRCallback<QUrl> callback)
 {
-    const KRImageService& service = sharedServices().yfrog;
+    const Services& services = sharedServices();
+    const KRImageService& service
+        = usesSite(context) ? static_cast<const KRImageService&>(services.site) : services.yfrog;
     service.postVideo({ context.hosts, path, account, context.monitor }, std::move(callback));
 }
 

@@ -19,6 +19,8 @@ enum KRImageServicePreference {
     KRImageServicePosterous = 3,
     KRImageServiceImgLy = 4,
     KRImageServicePixIm = 5,
+    /// The account's own site.
+    KRImageServiceSite = 6,
 };
 
 /// A file on its way to a service. Lent for a call.
@@ -41,14 +43,15 @@ public:
     KRImageService& operator=(const KRImageService&) = delete;
     virtual ~KRImageService() = default;
 
-    /// The chosen service. The instances live until the program ends, and have no state.
+    /// The chosen service; without a choice the account's site where that takes pictures. The instances live until the program ends, and have no state.
     [[nodiscard]] static const KRImageService& currentService(const TwitterServiceContext& context);
     /// Uploads the file to the chosen service.
     static void postImage(const TwitterServiceContext& context,
         const QString& path,
         const TwitterCredentials& account,
         KRCallback<QUrl> callback);
-    /// Uploads the file to yFrog, the one service that takes movies, whatever the choice.
+    /// Uploads the file to yFrog, the one of the services that takes movies, whatever the choice; to the
+    /// account's site where that is what pictures go to.
     static void postVideo(const TwitterServiceContext& context,
         const QString& path,
         const TwitterCredentials& account,

@@ -67,6 +67,11 @@ QUrl ImgLy::fullSizeImageURLForURL(const TwitterServiceHosts& hosts, const QStri
         link);
 }
 
+KRResult<QUrl> SitePictureStore::apiRoot(const TwitterServiceHosts& hosts) const
+{
+    return hosts.RESTURLForPath(u"statusnet/media/upload"_s);
+}
+
 KRResult<QUrl> PixIm::apiRoot(const TwitterServiceHosts& hosts) const
 {
     return hosts.uploadURLForPath(u"api/pictures.xml"_s, TwitterServiceHostKeys::PixImAPIHost, Scheme::HTTP);

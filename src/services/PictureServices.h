@@ -40,6 +40,12 @@ public:
         const QString& link) const override;
 };
 
+/// The store of the account's own site.
+class SitePictureStore final : public TwitPicCompatibleImageService {
+public:
+    [[nodiscard]] KRResult<QUrl> apiRoot(const TwitterServiceHosts& hosts) const override;
+};
+
 /// Has names of its own for the file and the link.
 class PixIm final : public TwitPicCompatibleImageService {
 public:

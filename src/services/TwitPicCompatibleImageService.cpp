@@ -65,6 +65,14 @@ checkedAddress(const KRResult<QUrl>& address, const QString& path, const Twitter
     return address;
 }
 
+// The account's own server knows its password already, and asks for it as everywhere else.
+bool isAtAccountsServer(const QUrl& address, const TwitterServiceHosts& hosts)
+{
+    const KRResult<QUrl> own = hosts.RESTURLForPath({});
+    return !own.isError() && own.value().scheme() == address.scheme() && own.value().host() == address.host()
+        && own.value().port(443) == address.port(443);
+}
+
 /// An upload on its way: copies the file into the form, for which no thread that others wait for has the
 /// time, and sends it.
 class Upload {
@@ -80,11 +88,20 @@ public:
     {
     }
 
+    /// Before it is sent.
+    void signIn(const TwitterCredentials& account)
+    {
+        m_username = account.username();
+        m_password = account.password();
+    }
+
     void send()
     {
         const std::shared_ptr<KRHTTPRequest> request = KRHTTPRequest::request();
         request->setMethod(QString::fromUtf16(KRHTTPMethodPOST));
         request->setMultipartFormData(m_form);
+        request->setUsername(m_username);
+        request->setPassword(m_password);
         if (m_monitor)
             m_monitor->watch(request);
         // Rather than a picture without content, or a piece of one.
@@ -101,6 +118,8 @@ public:
 private:
     std::shared_ptr<KRHTTPMultipartFormData> m_form;
     QUrl m_address;
+    QString m_username;
+    QString m_password;
     std::shared_ptr<KRUploadMonitor> m_monitor;
     KRCallback<KRHTTPRequest&> m_callback;
 };
@@ -148,14 +167,18 @@ void TwitPicCompatibleImageService::_post(Media media,
     }
     const auto form = std::make_shared<KRHTTPMultipartFormData>();
     form->addTextPart(upload.account.username(), u"username"_s);
-    form->addTextPart(upload.account.password(), u"password"_s);
+    const bool isAtServer = isAtAccountsServer(address.value(), upload.hosts);
+    if (!isAtServer)
+        form->addTextPart(upload.account.password(), u"password"_s);
     form->addTextPart(u"pelinor"_s, u"source"_s);
     if (media == Media::Image)
         form->addImageFile(upload.path, mediaParameterName());
     else
         form->addVideoFile(upload.path, mediaParameterName());
-    backgroundProxy(std::make_shared<Upload>(form, address.value(), upload.monitor, handler))
-        ->perform(&Upload::send);
+    const auto sent = std::make_shared<Upload>(form, address.value(), upload.monitor, handler);
+    if (isAtServer)
+        sent->signIn(upload.account);
+    backgroundProxy(sent)->perform(&Upload::send);
 }
 
 void TwitPicCompatibleImageService::didPostImage(const KRHTTPRequest& request,

@@ -12,7 +12,8 @@ inline constexpr char16_t TwitPicCompatibleURLErrorDomain[] = u"twitpic-compatib
 /// The upload that all services share: one form with the user name, the password and the file, answered with
 /// the link in XML. The answer is read on the background thread. What a service says when it refuses is not shown.
 ///
-/// The password goes to the service's own address only, and over plain http not beyond this computer. Without
+/// Where the address is on the account's own server the request is signed in as all others there, and the
+/// form holds no password. Otherwise that goes to the service's own address only, and over plain http not beyond this computer. Without
 /// a password, or a file that can be read, nothing is sent and the callback gets an error.
 class TwitPicCompatibleImageService : public KRImageService {
 public:

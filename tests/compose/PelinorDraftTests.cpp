@@ -1,4 +1,5 @@
 #include "compose/PelinorDraftKeeper.h"
+#include "compose/UsernameAutocompletionDelegate.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "model/records/KRTestRecords.h"
 #include "support/KRManualClock.h"
@@ -226,4 +227,26 @@ TEST_F(PelinorDraftTest, WhatCannotBeReadIsSetAsideAndWhatNobodyNeedsGoes)
     EXPECT_EQ(files(), (QStringList { u"cut.draft.unreadable"_s, u"other.draft.unreadable"_s }));
     EXPECT_TRUE(QFile::exists(kept)) << "a draft that was set aside may need it";
     EXPECT_TRUE(log.contains(u"it was set aside"_s));
+}
+
+TEST_F(PelinorDraftTest, ANameIsCompletedAtItsEndAlone)
+{
+    const struct {
+        const char16_t* text;
+        std::optional<KRRange> name;
+    } cases[] = {
+        { u"@b|", KRRange { 1, 1 } },
+        { u"to @bo_1|, hello", KRRange { 4, 4 } },
+        { u"@|", std::nullopt },
+        { u"@b|ob", std::nullopt },
+        { u"me@example|", std::nullopt },
+        { u"@1|", std::nullopt },
+        { u"bob|", std::nullopt },
+    };
+    for (const auto& test : cases) {
+        QString text = QString::fromUtf16(test.text);
+        const qsizetype cursor = text.indexOf(u'|');
+        text.remove(cursor, 1);
+        EXPECT_EQ(UsernameAutocompletionDelegate::nameBefore(text, cursor), test.name) << qPrintable(text);
+    }
 }

@@ -112,6 +112,39 @@ TEST_F(KRImageServiceTest, FilesGoToTheChosenServiceAndMoviesToYFrog)
     EXPECT_NE(dynamic_cast<const yFrog*>(&KRImageService::currentService(context)), nullptr);
 }
 
+TEST_F(KRImageServiceTest, TheAccountsOwnServerIsNotToldThePasswordTwice)
+{
+    const QByteArray basic = "Basic " + QByteArray("alice:wonderland").toBase64();
+    setHost(TwitterServiceHosts::RESTHostKey, server.host() + u"/api"_s);
+    context.siteTakesUploads = true;
+    const auto lastRequest = [&](const KRResult<QUrl>& result) {
+        EXPECT_EQ(result.value(), QUrl(u"https://social.example.org/attachment/8"_s));
+        return server.requests().last();
+    };
+    answer(200,
+        "<rsp stat=\"ok\"><mediaid>8</mediaid>\n <mediaurl>https://social.example.org/attachment/8</mediaurl>"
+        "<media_url>https://social.example.org/attachment/9</media_url></rsp>");
+    for (const bool isMovie : { false, true }) {
+        const auto request = lastRequest(isMovie ? postVideo() : resultOf<QUrl>([&](const auto& callback) {
+            KRImageService::postImage(context, path, TestCredentials(), callback);
+        }));
+        EXPECT_EQ(request.target, "/api/statusnet/media/upload") << "nobody has chosen another one";
+        EXPECT_EQ(request.value("authorization"), basic);
+        EXPECT_FALSE(request.body.contains("wonderland"));
+        EXPECT_TRUE(request.body.contains("name=\"media\"; filename="));
+    }
+    KRTestServer::Request request = lastRequest(postImage(KRImageServiceTwitPic));
+    EXPECT_EQ(request.target, "/api/upload") << "the preferences say so";
+    EXPECT_EQ(request.value("authorization"), basic) << "it is the same server all the same";
+    EXPECT_EQ(lastRequest(postImage(KRImageServiceSite)).target, "/api/statusnet/media/upload");
+    for (const QString& other : { u"localhost:1"_s, u"localhost:%1"_s.arg(server.port()) }) {
+        setHost(TwitterServiceHosts::RESTHostKey, other);
+        request = lastRequest(postImage(KRImageServiceTwitPic));
+        EXPECT_TRUE(request.values("authorization").isEmpty());
+        EXPECT_TRUE(request.body.contains("wonderland"));
+    }
+}
+
 TEST_F(KRImageServiceTest, OnlyALinkIsASuccess)
 {
     const QByteArray noLink = "twitpic-compatible-error";

@@ -64,19 +64,28 @@ TEST_F(LocalServiceTest, UploadedFilesAreBehindTheirLinks)
 {
     const QByteArray picture = "\xff\xd8\xff\xe0 a picture" + QByteArray(200'000, '\7');
     const QString path = fileWith(picture);
-    for (int preference = 0; preference <= 5; ++preference) {
+    for (int preference = 0; preference <= KRImageServiceSite; ++preference) {
         const KRResult<QUrl> link = postImage(preference, path);
         ASSERT_FALSE(link.isError()) << preference << qPrintable(link.error().description);
         const QString text = link.value().toString();
         const KRImageService* service = KRImageService::imageServiceForLink(context.hosts, text);
-        EXPECT_EQ(service == nullptr, preference == KRImageServicePosterous);
+        EXPECT_EQ(service == nullptr,
+            preference == KRImageServicePosterous || preference == KRImageServiceSite);
+        if (preference == KRImageServiceSite) {
+            EXPECT_EQ(bodyAt(QUrl(text + u"/file"_s)), picture);
+        }
         if (service) {
             EXPECT_EQ(bodyAt(service->fullSizeImageURLForURL(context.hosts, text)), picture);
         }
         const KRResult<QUrl> refused = postImage(preference, path, TestCredentials(u"alice"_s, u"wrong"_s));
         ASSERT_TRUE(refused.isError());
-        EXPECT_EQ(refused.error().domain, u"twitpic-compatible-error"_s);
+        // A server that people are signed in to refuses before it looks at the form.
+        const bool isSignedIn = preference == KRImageServiceYFrog || preference == KRImageServiceTwitPic
+            || preference == KRImageServiceSite;
+        EXPECT_EQ(refused.error().domain,
+            isSignedIn ? QString::fromUtf16(KRHTTPRequestErrorDomain) : u"twitpic-compatible-error"_s);
     }
+    context.preference = KRImageServiceTwitPic;
     const QByteArray movie = QByteArray("\0\0\0\x14"
                                         "ftypqt  ",
                                  12)

@@ -2,6 +2,7 @@
 
 #include "app/look/PelinorAlert.h"
 #include "app/writing/PelinorDraftHighlighter.h"
+#include "app/writing/PelinorNameCompletion.h"
 #include "app/writing/PelinorRecipientSheet.h"
 #include "app/writing/PelinorTextView.h"
 #include "foundation/KRLog.h"
@@ -71,6 +72,8 @@ PelinorComposeWindowController::PelinorComposeWindowController(Twitter& twitter,
 {
     _loadWindow();
     _loadShortcuts();
+    auto* const completion = new PelinorNameCompletion(*m_textView, twitter);
+    m_textView->setKeyFilter([completion](QKeyEvent& event) { return completion->handleKey(event); });
     m_shortening = std::make_shared<PelinorLinkShortening>(
         PelinorLinkShortening::Editor { [this] { return m_draft.text; },
             [this](KRRange range, const QString& link) { m_textView->replaceRange(range, link); },
@@ -259,10 +262,7 @@ void PelinorComposeWindowController::_updateWindowTitle()
 
 void PelinorComposeWindowController::_promptForRecipient()
 {
-    QStringList names;
-    for (const TwitterUserPtr& user : m_twitter.cachedUsers())
-        names.append(user->username().toLower());
-    names.sort(Qt::CaseInsensitive);
+    const QStringList names = UsernameAutocompletionDelegate(m_twitter).cachedUsernames();
     auto* const sheet = new PelinorRecipientSheet(m_account, names, m_window.get());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &PelinorRecipientSheet::recipientChosen, this, [this](const TwitterUserPtr& user) {

@@ -218,6 +218,20 @@ bool PelinorTextView::viewportEvent(QEvent* event)
     return true;
 }
 
+bool PelinorTextView::event(QEvent* event)
+{
+    // Before the window's own keys, Escape among them, and before Tab goes to the next control.
+    if (event->type() == QEvent::ShortcutOverride || event->type() == QEvent::KeyPress) {
+        auto& key = static_cast<QKeyEvent&>(*event);
+        const bool isListed = key.key() == Qt::Key_Escape || key.key() == Qt::Key_Tab;
+        if (isListed && m_keyFilter && m_keyFilter(key)) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTextEdit::event(event);
+}
+
 void PelinorTextView::keyPressEvent(QKeyEvent* event)
 {
     if (!m_keyFilter || !m_keyFilter(*event))

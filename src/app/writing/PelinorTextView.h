@@ -35,6 +35,7 @@ Q_SIGNALS:
     void pictureNotStored(const QString& path);
 
 protected:
+    bool event(QEvent* event) override;
     bool canInsertFromMimeData(const QMimeData* source) const override;
     void insertFromMimeData(const QMimeData* source) override;
     QMimeData* createMimeDataFromSelection() const override;

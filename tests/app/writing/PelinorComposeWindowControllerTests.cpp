@@ -13,6 +13,7 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
+#include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QTest>
@@ -219,6 +220,33 @@ TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdit
     EXPECT_FALSE(isDismissed);
     EXPECT_FALSE(notice->isVisible());
     EXPECT_EQ(draft().text, u"abc\ufffc"_s);
+}
+
+TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
+{
+    for (const char16_t* name : { u"Bob", u"bonnie", u"carol" })
+        twitter->definitiveUser(KRTestUser(QString::fromUtf16(name), QString::fromUtf16(name)));
+    auto* const list = controller->window().findChild<QListWidget*>(u"nameCompletion"_s);
+    const auto type = [&](const QString& text) {
+        QTest::keyClicks(&view(), text);
+        EXPECT_TRUE(waitFor([&] { return list->isVisible(); }));
+    };
+    type(u"a@b.org @BO"_s);
+    EXPECT_EQ(list->count(), 2);
+    key(Qt::Key_Return);
+    EXPECT_EQ(draft().text, u"a@b.org @BO\n"_s) << "nothing was chosen";
+    EXPECT_FALSE(list->isVisible());
+    type(u"@bo"_s);
+    key(Qt::Key_Down);
+    key(Qt::Key_Down);
+    key(Qt::Key_Return);
+    EXPECT_EQ(draft().text, u"a@b.org @BO\n@bonnie "_s);
+    type(u"@c"_s);
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(list->isVisible());
+    EXPECT_EQ(sheet(), nullptr) << "it was for the list";
+    key(Qt::Key_Escape);
+    EXPECT_NE(sheet(), nullptr);
 }
 
 TEST_F(PelinorComposeWindowTest, EveryKeyIsHandledAtOnce)
