@@ -19,6 +19,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Services = QList<std::pair<QString, int>>;
+// An item that leaves the choice open.
+constexpr int NoChoice = -1;
 
 QComboBox*
 makeServiceBox(KRUserDefaults& defaults, const char* key, const Services& services, QWidget* parent)
@@ -27,9 +29,13 @@ makeServiceBox(KRUserDefaults& defaults, const char* key, const Services& servic
     box->setObjectName(QLatin1String(key));
     for (const auto& [name, value] : services)
         box->addItem(name, value);
-    box->setCurrentIndex(std::max(0, box->findData(defaults.integerForKey(key))));
+    const int chosen = defaults.contains(key) ? int(defaults.integerForKey(key)) : NoChoice;
+    box->setCurrentIndex(std::max(0, box->findData(chosen)));
     QObject::connect(box, &QComboBox::activated, box, [&defaults, box, key] {
-        defaults.setInteger(key, box->currentData().toInt());
+        if (box->currentData().toInt() == NoChoice)
+            defaults.removeObjectForKey(key);
+        else
+            defaults.setInteger(key, box->currentData().toInt());
     });
     return box;
 }
@@ -82,7 +88,9 @@ PelinorAdvancedPreferencesController::PelinorAdvancedPreferencesController(KRUse
     layout->addRow(tr("&Upload pictures to:"),
         makeServiceBox(defaults,
             ImageServicePreferredServiceDefaultsKey,
-            { { u"yFrog"_s, KRImageServiceYFrog },
+            { { tr("The account's site, else yFrog"), NoChoice },
+                { tr("The account's site"), KRImageServiceSite },
+                { u"yFrog"_s, KRImageServiceYFrog },
                 { u"TwitPic"_s, KRImageServiceTwitPic },
                 { u"Twitgoo"_s, KRImageServiceTwitgoo },
                 { u"Posterous"_s, KRImageServicePosterous },
