@@ -22,9 +22,9 @@ void TwitterCommandOperations::unfavoriteStatusID(const QString& statusID)
 
 void TwitterCommandOperations::destroyDirectMessage(const TwitterDirectMessage&)
 {
-    // The interface has the operation, the services have no common way to do it; whoever calls it learns that
-    // here.
-    KRLog(u"not implemented"_s);
+    // The services have no common way to do it, and this is all there is to it: whoever calls it finds these
+    // words in the log.
+    KRLog(u"not implemented"_s); // the line that the log is to hold
 }
 
 void TwitterCommandOperations::updateProfileImage(const QByteArray&) { }

@@ -15,7 +15,7 @@ public:
     void favoriteStatusID(const QString& statusID);
     void unfavoriteStatusID(const QString& statusID);
 
-    /// Says in the log that it is not implemented.
+    /// Sends nothing, which the log says: the services have no common way to do it.
     void destroyDirectMessage(const TwitterDirectMessage& message);
 
     /// These send nothing: the services the program meets offer them elsewhere or not at all.

@@ -32,8 +32,8 @@ KRResult<void> KRWriteFileAtomically(const QString& path, const QByteArray& byte
 
 KRResult<void> KRWriteCacheFile(const QString& path, const QByteArray& bytes)
 {
-    // Readable by its owner only from its beginning.
-    QTemporaryFile file(path + QStringLiteral(".XXXXXX"));
+    // Beside the path, with six letters of its own, and readable by its owner only from its beginning.
+    QTemporaryFile file(path);
     if (!file.open() || file.write(bytes) != bytes.size() || !file.flush())
         return writeError(path, file);
     // Over whatever is there, in one step; Qt's own renaming refuses that.

@@ -148,7 +148,7 @@ TEST_F(TwitterAPITest, InertOperationsSendNothing)
     operations->unblockUsername(u"a"_s);
     operations->enableNotificationsForUserID(u"1"_s);
     operations->disableNotificationsForUsername(u"a"_s);
-    EXPECT_EQ(log.lines(), QStringList(u"not implemented"_s));
+    EXPECT_EQ(log.lines(), QStringList(u"not implemented"_s)); // the line of the one that sends nothing
     // A request sent afterwards is the only one that arrives.
     operations->favoriteStatusID(u"1"_s);
     ASSERT_TRUE(KRWaitUntil([&] { return server.requestCount() > 0; }));

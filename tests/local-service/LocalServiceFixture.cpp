@@ -3,21 +3,16 @@
 #include <QString>
 #include <QXmlStreamReader>
 
-#include <filesystem>
-
 using namespace localservice;
 
 ServiceUnderTest::ServiceUnderTest()
+    : m_directory(m_folder.path().toStdString())
 {
-    std::string path = (std::filesystem::temp_directory_path() / "pelinor-service-XXXXXX").string();
-    m_directory = mkdtemp(path.data());
 }
 
 ServiceUnderTest::~ServiceUnderTest()
 {
     m_service.stop();
-    std::error_code error;
-    std::filesystem::remove_all(m_directory, error);
 }
 
 void ServiceUnderTest::restart(bool startsFresh)

@@ -2,6 +2,8 @@
 
 #include "LocalService.h"
 
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <memory>
@@ -22,7 +24,8 @@ public:
     [[nodiscard]] const std::string& directory() const { return m_directory; }
 
 private:
-    std::string m_directory;
+    QTemporaryDir m_folder;
+    const std::string m_directory;
     localservice::LocalService m_service;
     localservice::RunningService m_running;
 };

@@ -26,7 +26,7 @@
 // - At the top of the list whoever wants to follow the newest posts (AutoScrollBehavior 1) is brought to them
 //   with every change of the posts, the first of a new list included.
 //
-// PELINOR_SEED=n runs the one history of that seed.
+// PELINOR_HISTORY=n runs the one history of that number.
 
 using namespace Qt::StringLiterals;
 
@@ -506,11 +506,11 @@ private:
 TEST(PelinorReadingPlace, NothingButTheUserMovesWhatIsBeingRead)
 {
     bool isGiven = false;
-    const unsigned given = qEnvironmentVariableIntValue("PELINOR_SEED", &isGiven);
+    const unsigned given = qEnvironmentVariableIntValue("PELINOR_HISTORY", &isGiven);
     const unsigned first = isGiven ? given : 1;
     const unsigned last = isGiven ? given : Histories;
     for (unsigned seed = first; seed <= last && !HasFailure(); ++seed) {
-        SCOPED_TRACE("PELINOR_SEED=" + std::to_string(seed));
+        SCOPED_TRACE("PELINOR_HISTORY=" + std::to_string(seed));
         History(seed).run();
     }
 }
