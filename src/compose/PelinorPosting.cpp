@@ -208,9 +208,7 @@ void PelinorPosting::didPost(const KRResult<TwitterStatusPtr>& response)
 {
     const std::shared_ptr<PelinorPosting> self = shared_from_this();
     if (!response.isError()) {
-        _end();
-        if (m_delegate)
-            m_delegate->postingDidFinish();
+        _finish();
         return;
     }
     const KRError& error = response.error();
@@ -223,12 +221,17 @@ void PelinorPosting::didMessage(const KRResult<TwitterDirectMessagePtr>& respons
 {
     const std::shared_ptr<PelinorPosting> self = shared_from_this();
     if (!response.isError()) {
-        _end();
-        if (m_delegate)
-            m_delegate->postingDidFinish();
+        _finish();
         return;
     }
     const KRError& error = response.error();
     _endWithSheet(PelinorMayHaveGoneOut(error) ? PelinorSheet::messageMayHaveGoneOut(&error)
                                                : PelinorSheet::messageFailed(error));
+}
+
+void PelinorPosting::_finish()
+{
+    _end();
+    if (m_delegate)
+        m_delegate->postingDidFinish();
 }

@@ -65,6 +65,7 @@ private:
 
     void _begin(Phase phase);
     void _end();
+    void _finish();
     void _endWithSheet(const PelinorSheet& sheet);
     void _uploadNextImage();
     void _uploadDidProgress(const KRResult<KRUploadProgress>& progress, Step step);
