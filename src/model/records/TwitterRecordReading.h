@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/records/TwitterReadingTime.h"
 #include "parsing/KRJSONParser.h"
 #include "parsing/KRXMLParser.h"
 
@@ -15,6 +16,7 @@ namespace TwitterRecordReading {
 template <class Record>
 KRResult<std::shared_ptr<Record>> recordWithXML(const QByteArray& data, void (Record::*handler)(KRXMLParser&))
 {
+    const TwitterReadingTime time;
     auto record = std::make_shared<Record>();
     const KRResult<void> parsed = KRXMLParser::parseData(data, Callback(record, handler));
     if (parsed.isError())
@@ -41,6 +43,7 @@ template <class Record>
 KRResult<QList<std::shared_ptr<Record>>> recordsWithXML(const QByteArray& data,
     void (*handler)(KRXMLParser&, QList<std::shared_ptr<Record>>&))
 {
+    const TwitterReadingTime time;
     QList<std::shared_ptr<Record>> records;
     const auto callback = KRXMLParser::Handler::withFunction(
         [handler, &records](KRXMLParser& parser) { handler(parser, records); });

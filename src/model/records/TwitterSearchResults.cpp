@@ -199,5 +199,6 @@ private:
 
 KRResult<TwitterStatusList> TwitterStatus::statusesWithSearchJSON(const QByteArray& data)
 {
+    const TwitterReadingTime time;
     return SearchReader().read(data);
 }

@@ -61,7 +61,7 @@ bool areSame(const QString& a, const QString& b)
 } // namespace
 
 TwitterUser::TwitterUser()
-    : m_lastUpdated(KRNow())
+    : m_lastUpdated(TwitterReadingTime::now())
 {
 }
 

@@ -30,7 +30,7 @@ struct TwitterUserDidUpdateNotification {
 /// to the main thread. Always owned by a std::shared_ptr.
 class TwitterUser : public std::enable_shared_from_this<TwitterUser> {
 public:
-    /// Dated now.
+    /// Dated now, or as the answer that is being read.
     TwitterUser();
     TwitterUser(const TwitterUser&) = delete;
     TwitterUser& operator=(const TwitterUser&) = delete;
