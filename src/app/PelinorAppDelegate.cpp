@@ -7,6 +7,7 @@
 #include "app/look/PelinorContrast.h"
 #include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
+#include "app/messages/PelinorReadMarks.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
 #include "app/settings/PelinorAddAccountSheet.h"
@@ -87,7 +88,8 @@ void PelinorAppDelegate::_firstLoginResponse(const TwitterAccountPtr& account)
 
 void PelinorAppDelegate::_openMainWindow()
 {
-    m_mainWindowController = std::make_unique<PelinorMainWindowController>(m_environment, m_twitter);
+    m_mainWindowController
+        = std::make_unique<PelinorMainWindowController>(m_environment, m_twitter, m_draftStore);
     m_mainWindowController->setShouldClose([this] {
         terminate();
         return m_mayTerminate;
@@ -199,6 +201,13 @@ void PelinorAppDelegate::_hotKeyWasPressed(PelinorHotKeys::Type type)
         showHidePelinor();
     else if (type == PelinorHotKeys::NewTweet)
         newDocumentFromDock();
+}
+
+void PelinorAppDelegate::markAllAsRead()
+{
+    for (const TwitterAccountPtr& account : m_twitter.accounts())
+        PelinorReadMarks(m_defaults, *account).noteAllRead();
+    m_twitter.markAllAsRead();
 }
 
 void PelinorAppDelegate::newDocumentFromDock()

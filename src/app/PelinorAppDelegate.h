@@ -58,7 +58,7 @@ public:
     void newDocument();
     void newDirectMessage();
     void refreshAll() { m_twitter.refresh(); }
-    void markAllAsRead() { m_twitter.markAllAsRead(); }
+    void markAllAsRead();
     void showPreferences();
     void showMainPelinorWindow();
     void showShortcuts();

@@ -81,9 +81,11 @@ private:
 };
 
 PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvironment& environment,
-    Twitter& twitter)
+    Twitter& twitter,
+    std::shared_ptr<PelinorDraftStore> draftStore)
     : m_environment(environment)
     , m_twitter(twitter)
+    , m_outbox(twitter, environment.defaults, environment.notifications, std::move(draftStore))
     , m_window(std::make_unique<Window>(*this))
     , m_contentView(new ContentView(*this))
     , m_sideTabs(new PelinorAccountTabsView(environment.notifications, m_contentView))
@@ -224,7 +226,8 @@ KRViewControllerPtr PelinorMainWindowController::_rootScreen(const TwitterAccoun
     case RepliesTab:
         return forAccount(std::make_shared<PelinorRepliesListViewController>(m_environment));
     case DirectMessagesTab:
-        return forAccount(std::make_shared<PelinorDirectMessagesViewController>(m_environment));
+        return forAccount(
+            std::make_shared<PelinorDirectMessagesViewController>(m_environment, m_twitter, m_outbox));
     case SearchesTab:
         return forAccount(std::make_shared<PelinorSearchesViewController>(m_environment, m_twitter));
     case ProfileTab:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/links/PelinorScreens.h"
+#include "app/messages/PelinorOutbox.h"
 #include "app/window/PelinorAccountTabsView.h"
 #include "toolkit/navigation/KRNavigationBar.h"
 #include "toolkit/navigation/KRViewControllerSwitcher.h"
@@ -21,8 +22,11 @@ class PelinorMainWindowController : public QObject, private PelinorAccountTabsVi
 public:
     enum Tab : int { TimelineTab, RepliesTab, DirectMessagesTab, SearchesTab, ProfileTab };
 
-    /// Makes the window, with what was selected when it was last closed. What is passed outlives it.
-    PelinorMainWindowController(const PelinorScreenEnvironment& environment, Twitter& twitter);
+    /// Makes the window, with what was selected when it was last closed. What is passed outlives it; the
+    /// store keeps what is written in conversations.
+    PelinorMainWindowController(const PelinorScreenEnvironment& environment,
+        Twitter& twitter,
+        std::shared_ptr<PelinorDraftStore> draftStore = PelinorDraftStore::userStore());
     ~PelinorMainWindowController() override;
 
     QMainWindow& window();
@@ -87,6 +91,7 @@ private:
 
     PelinorScreenEnvironment m_environment;
     Twitter& m_twitter;
+    PelinorOutbox m_outbox;
     std::unique_ptr<Window> m_window;
     ContentView* m_contentView = nullptr;
     PelinorAccountTabsView* m_sideTabs = nullptr;
