@@ -3,9 +3,8 @@
 #include "app/links/PelinorScreenLinkPresenter.h"
 #include "app/look/PelinorDisplayPreferences.h"
 #include "app/messages/PelinorDirectMessageTableViewCell.h"
+#include "toolkit/navigation/KRBarButton.h"
 #include "toolkit/navigation/KRNavigationItem.h"
-
-#include <QToolButton>
 
 QString PelinorDirectMessageConversationViewController::title() const
 {
@@ -16,11 +15,9 @@ QString PelinorDirectMessageConversationViewController::title() const
 void PelinorDirectMessageConversationViewController::viewDidLoad()
 {
     PelinorTableViewController::viewDidLoad();
-    auto button = std::make_unique<QToolButton>();
+    auto button = std::make_unique<KRBarButton>(tr("Answer"));
     button->setObjectName(QStringLiteral("answerButton"));
-    button->setText(tr("Answer"));
-    button->setAutoRaise(true);
-    connect(button.get(), &QToolButton::clicked, this, [this] { answer(); });
+    connect(button.get(), &QAbstractButton::clicked, this, [this] { answer(); });
     navigationItem()->setRightBarButtonItem(std::make_unique<KRBarButtonItem>(std::move(button)));
 }
 
