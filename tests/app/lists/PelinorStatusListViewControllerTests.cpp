@@ -1,5 +1,6 @@
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "foundation/KRMainThreadObject.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "toolkit/KRScroller.h"
@@ -415,10 +416,55 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
     stream->isAtEnd = true;
     stream->setStatuses(posts(100, 2));
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No older posts"));
-    fail();
-    EXPECT_EQ(textOfLastRow(), QStringLiteral("Older posts could not be loaded"));
+    stream->didFailOlder = true;
+    table().show();
+    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Space, Qt::Key_unknown }) {
+        const int retries = stream->olderRetries;
+        stream->isAtEnd = true;
+        stream->setStatuses(posts(100, 2));
+        fail();
+        EXPECT_EQ(textOfLastRow(), QStringLiteral("Older posts could not be loaded. Try again"));
+        table().selectRow(3);
+        if (key == Qt::Key_unknown)
+            QTest::mouseClick(table().cellForRow(3), Qt::LeftButton);
+        else
+            QTest::keyClick(table().cellForRow(3), key);
+        EXPECT_EQ(stream->olderRetries, retries + 1);
+        EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
+    }
+    EXPECT_EQ(stream->olderLoads, 1) << "nothing is asked for twice";
+    stream->isAtEnd = true;
+    stream->didFailOlder = false;
     stream->setStatuses({});
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet"));
+}
+
+TEST_F(PelinorStatusListTest, AStreamAsksBelowAFailureAndAfterNothingDatedAhead)
+{
+    const auto real = KRMakeMainThreadObject<TwitterTimelineStream>(account->context().tables);
+    TwitterStatusList ahead { makeStatus(200, {}, author, -7 * 86400), makeStatus(150, {}, author, -3600) };
+    real->setStatuses(ahead + posts(100, 2));
+    EXPECT_EQ(real->sinceID(), u"150"_s) << "a clock may be an hour slow, and no post stops a timeline";
+    ahead.resize(1);
+    real->setStatuses(ahead);
+    EXPECT_EQ(real->sinceID(), u"200"_s);
+    int failures = 0;
+    const auto observation = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+        [&](const auto&) { ++failures; },
+        real.get());
+    const auto isFailedEnd = [&] {
+        const auto end = std::dynamic_pointer_cast<TwitterDummyEndOfStreamStatus>(real->statuses().last());
+        return end && end->isAfterFailure();
+    };
+    // There is no account to load with.
+    real->loadOlderAgain();
+    real->loadOlder();
+    EXPECT_TRUE(isFailedEnd());
+    real->loadOlder();
+    EXPECT_EQ(failures, 1);
+    real->loadOlderAgain();
+    EXPECT_EQ(failures, 2);
+    EXPECT_TRUE(isFailedEnd());
 }
 
 TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)
