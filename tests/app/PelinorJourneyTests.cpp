@@ -273,6 +273,7 @@ TEST_F(Journey, QuitsOnlyWhenNothingIsLostAndComesBackToTheSamePlace)
     ASSERT_TRUE(timelineIsFilled());
     window().topList()->tableView().scrollToRow(40, -7);
     const TwitterStatusPtr reading = window().topList()->statusForRow(40);
+    const QRect content = window().window().centralWidget()->geometry();
 
     m_delegate->newDocument();
     m_delegate->newDocument();
@@ -301,8 +302,10 @@ TEST_F(Journey, QuitsOnlyWhenNothingIsLostAndComesBackToTheSamePlace)
 
     end();
     start();
+    EXPECT_EQ(window().window().centralWidget()->geometry(), content) << "the menus have their room";
     EXPECT_EQ(window().selectedTwitterAccount()->username(), u"bob"_s);
     ASSERT_TRUE(timelineIsFilled());
+    EXPECT_EQ(window().window().centralWidget()->geometry(), content);
     const qint64 row = window().topList()->rowForStatus(*reading);
     EXPECT_EQ(window().topList()->tableView().relativeVisibleOffsetForRow(row), -7);
 }
@@ -381,6 +384,8 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     m_delegate->newDocument();
     EXPECT_TRUE(m_delegate->composeControllers().empty()) << "there is nobody to write as";
     EXPECT_TRUE(preferences.isVisible());
+    find<QAbstractButton>(window().window(), u"addAccountButton"_s)->click();
+    EXPECT_TRUE(find<QDialog>(window().window(), u"addAccountSheet"_s)->isVisible()) << "nor an empty window";
     EXPECT_LE((preferences.geometry().center() - preferences.screen()->availableGeometry().center())
                   .manhattanLength(),
         2);
