@@ -99,10 +99,10 @@ PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvi
     m_window->setMinimumSize(MinimumSize);
     m_window->setCentralWidget(m_contentView);
     new KRLiveResize(*m_window);
-    m_sideTabs->setObjectName(u"sideTabs"_s);
     m_sideTabs->setDelegate(this);
     m_switcher.setTargetView(m_contentView);
     m_status->setChangeHandler([this] { _statusDidChange(); });
+    _statusDidChange();
     m_accountsObservation = environment.notifications.observe<TwitterAccountsDidChangeNotification>(
         [this](const TwitterAccountsDidChangeNotification&) { accountsDidChange(); });
     _restoreState();
@@ -297,6 +297,15 @@ PelinorStatusListViewController* PelinorMainWindowController::topList() const
     if (const auto* const person = qobject_cast<PelinorUserDetailsViewController*>(top.get()))
         return person->list();
     return qobject_cast<PelinorStatusListViewController*>(top.get());
+}
+
+void PelinorMainWindowController::refresh()
+{
+    const KRViewControllerPtr top = topViewController();
+    if (auto* const person = qobject_cast<PelinorUserDetailsViewController*>(top.get()))
+        person->refresh();
+    else if (auto* const list = topList())
+        list->refresh();
 }
 
 void PelinorMainWindowController::accountTabsSelectAccount(PelinorAccountTabsView& tabs,

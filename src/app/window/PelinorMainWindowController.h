@@ -40,6 +40,10 @@ public:
     /// The list of posts that it is, or that a person has in it.
     [[nodiscard]] PelinorStatusListViewController* topList() const;
 
+    /// Asks anew for what the screen on top shows, which may belong to no account's refresh: a person, a
+    /// search, a conversation.
+    void refresh();
+
     void accountsDidChange();
     /// Builds the tab's screens anew and shows them. A direction of 1 is for what stands above what was
     /// selected before.

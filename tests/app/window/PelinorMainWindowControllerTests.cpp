@@ -18,6 +18,7 @@
 #include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -43,7 +44,9 @@ protected:
     std::unique_ptr<PelinorMainWindowController> makeWindow()
     {
         auto window = std::make_unique<PelinorMainWindowController>(environment, *twitter);
+        window->window().menuBar()->addAction(u"Menu"_s);
         window->showWindow();
+        firstContent = window->window().centralWidget()->geometry();
         EXPECT_TRUE(QTest::qWaitFor([&] { return window->topViewController() != nullptr; }))
             << "screens follow the window's first painting";
         return window;
@@ -55,6 +58,8 @@ protected:
     }
 
     KRManualClock clock;
+    // Where the content was when the window had not been painted yet.
+    QRect firstContent;
     std::shared_ptr<Twitter> twitter
         = std::make_shared<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
 };
@@ -99,6 +104,10 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     center.post(TwitterAccountsDidChangeNotification {});
     EXPECT_EQ(window->selectedTwitterAccount(), nullptr);
     EXPECT_EQ(window->topList(), nullptr);
+    bool wantsAccount = false;
+    window->setAddAccountHandler([&] { wantsAccount = true; });
+    window->window().findChild<QPushButton*>(u"addAccountButton"_s)->click();
+    EXPECT_TRUE(wantsAccount);
 }
 
 TEST_F(PelinorMainWindowControllerTest, ReturnGoesToTheUserOnce)
@@ -168,6 +177,8 @@ TEST_F(PelinorMainWindowControllerTest, RemembersWhereItWas)
     EXPECT_TRUE(window->window().close());
     window = makeWindow();
     EXPECT_EQ(window->window().size(), QSize(555, 666));
+    EXPECT_EQ(window->window().centralWidget()->geometry(), firstContent) << "the menus had their room";
+    EXPECT_GT(firstContent.y(), 0);
     EXPECT_EQ(autosaveName(*window), u"bob_____mentions"_s);
 
     window.reset();
@@ -221,11 +232,14 @@ TEST_F(PelinorMainWindowControllerTest, ErrorsStayForFourSecondsAndNoticesUntilT
     EXPECT_FALSE(strip.progressIndicator().isAnimating());
     center.post(KRBeginNetworkActivityNotification {});
     clock.advance(std::chrono::seconds(0));
-    EXPECT_TRUE(strip.progressIndicator().isVisible());
+    EXPECT_TRUE(strip.progressIndicator().isVisible() && strip.progressIndicator().isAnimating());
     EXPECT_EQ(strip.progressIndicator().width(), strip.progressIndicator().height());
     center.post(KREndNetworkActivityNotification {});
     clock.advance(std::chrono::seconds(0));
     EXPECT_FALSE(strip.progressIndicator().isVisible());
+    KRHTTPRequest::beginNetworkActivity();
+    EXPECT_TRUE(makeWindow()->statusStrip().progressIndicator().isAnimating()) << "requests were first";
+    KRHTTPRequest::endNetworkActivity();
 }
 
 } // namespace
