@@ -1,5 +1,4 @@
 #include "PelinorJourney.h"
-#include "app/PelinorMainMenu.h"
 #include "app/lists/PelinorStatusDetailsViewController.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
@@ -14,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMenuBar>
 #include <QPlainTextEdit>
 
 TEST_F(Journey, TheFirstLoginLeadsToTheTimeline)
@@ -389,26 +387,4 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     EXPECT_LE((preferences.geometry().center() - preferences.screen()->availableGeometry().center())
                   .manhattanLength(),
         2);
-}
-
-TEST_F(Journey, EveryMenuItemHasAKeyOfItsOwn)
-{
-    signIn(u"alice"_s, u"wonderland"_s);
-    end();
-    start();
-    QStringList titles;
-    QSet<QKeySequence> keys;
-    for (const QAction* const menu : window().window().menuBar()->actions()) {
-        titles.append(menu->text().remove(u'&'));
-        for (const QAction* const item : menu->menu()->actions()) {
-            if (item->shortcut().isEmpty())
-                continue;
-            EXPECT_FALSE(keys.contains(item->shortcut())) << item->text().toStdString();
-            keys.insert(item->shortcut());
-        }
-    }
-    EXPECT_EQ(titles.join(u' '), u"File Edit View Account Status Window Help"_s);
-    for (const char* const key :
-        { "Ctrl+N", "Ctrl+Shift+D", "Ctrl+R", "Ctrl+1", "Ctrl+4", "Ctrl+Up", "Ctrl+U", "Ctrl+," })
-        EXPECT_TRUE(keys.contains(QKeySequence(QLatin1String(key)))) << key;
 }

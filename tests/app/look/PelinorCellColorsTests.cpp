@@ -1,13 +1,16 @@
 #include "app/PelinorSeenPicture.h"
 #include "app/look/PelinorCellColors.h"
 #include "app/look/PelinorContrast.h"
+#include "app/look/PelinorDisplayPreferences.h"
 #include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
 #include "app/look/PelinorWindowColors.h"
+#include "foundation/KRUserDefaults.h"
 #include "text/render/KRColorConversion.h"
 
 #include <QPainter>
 #include <QPalette>
+#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cmath>
@@ -75,6 +78,16 @@ TEST(PelinorCellColorsTests, TextCanBeReadOnEveryBackground)
     PelinorContrast::setRaised(false);
 }
 
+TEST(PelinorDisplayPreferencesTests, AnythingButNothingDims)
+{
+    const QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(QStringLiteral("defaults.ini")));
+    for (const int value : { 0, 1, 2 }) {
+        defaults.setInteger("DimPreviouslySelectedTweets", value);
+        EXPECT_EQ(PelinorDisplayPreferences::fromDefaults(defaults).dimPreviouslySelectedTweets, value != 0);
+    }
+}
+
 // All colours of the four schemes, with what is drawn in them.
 TEST(PelinorCellColorsTests, TheSchemesAreThoseThatWereSeen)
 {
@@ -94,32 +107,11 @@ TEST(PelinorCellColorsTests, TheSchemesAreThoseThatWereSeen)
                 EXPECT_GT(cell.background.lightness(), 127) << "dark ink is for a light desktop";
                 continue;
             }
-            const QList<QColor> all = QList { cell.background,
-                cell.ownBackground,
-                cell.mentionBackground,
-                cell.selectedBackground,
-                cell.selectionMark,
-                cell.separator,
-                cell.name,
-                cell.text,
-                cell.secondaryText,
-                cell.dimmedText,
-                cell.placeholder,
-                cell.placeholderFigure,
-                cell.error,
-                cell.favorite,
-                window.column,
-                window.columnShade,
-                window.columnEnd,
-                window.columnIcon,
-                window.columnPlaceholder,
-                window.columnFocus,
-                window.strip,
-                window.stripLine,
-                window.stripText,
-                window.stripError,
-                window.screen,
-                window.statusItem }
+            const auto* const cellColors = reinterpret_cast<const QColor*>(&cell);
+            const auto* const windowColors = reinterpret_cast<const QColor*>(&window);
+            const QList<QColor> all
+                = QList<QColor>(cellColors, cellColors + offsetof(PelinorCellColors, spans) / sizeof(QColor))
+                + QList<QColor>(windowColors, windowColors + sizeof(window) / sizeof(QColor))
                 + spanColors(cell.spans) + spanColors(cell.selectedSpans) + spanColors(cell.dimmedSpans);
             for (int at = 0; at < all.size(); ++at)
                 painter.fillRect(at * Side, 0, Side, Side, all.at(at));

@@ -169,12 +169,7 @@ TEST_F(PelinorAccountTabsViewTest, NewsAreDotsOnTabsAndTiles)
     bringPost(tabs.accounts().first());
     EXPECT_TRUE(tabs.accountTabLayers()[0]->badged);
     EXPECT_FALSE(tabs.accountTabLayers()[1]->badged);
-    const QImage plain = tabs.grab({ 0, 226, 60, 66 }).toImage();
     bringPost(tabs.accounts().at(1));
-    const QImage dotted = tabs.grab({ 0, 226, 60, 66 }).toImage();
-    EXPECT_EQ(dotted.copy(0, 0, 60, 55), plain.copy(0, 0, 60, 55));
-    EXPECT_NE(dotted.copy(6, 55, 12, 11), plain.copy(6, 55, 12, 11)) << "the dot of tweets";
-    EXPECT_EQ(dotted.copy(18, 55, 42, 11), plain.copy(18, 55, 42, 11));
     EXPECT_EQ(tabs.accountLayers()[1]->accessibleName(), u"bob, something new"_s);
     EXPECT_EQ(tabs.accountLayers()[2]->accessibleName(), u"carol"_s);
 
@@ -258,6 +253,11 @@ TEST_F(PelinorAccountTabsViewTest, TheColumnScrollsAsFarAsItGoes)
     tabs.selectPreviousAccount();
     tabs.selectPreviousAccount();
     EXPECT_EQ(tabs.rectOf(*tabs.accountTabLayers()[0]).top(), 66);
+    wheel(-1000);
+    tabs.resize(60, 600);
+    // Which a hidden widget hears of when it is drawn.
+    tabs.grab();
+    EXPECT_EQ(tabs.scrollPosition(), 0) << "all of it finds room";
 }
 
 TEST_F(PelinorAccountTabsViewTest, AssistiveTechnologySeesTabs)
@@ -274,6 +274,7 @@ TEST_F(PelinorAccountTabsViewTest, AssistiveTechnologySeesTabs)
         EXPECT_EQ(bool(column->child(index)->state().selected), index <= 1) << index;
         EXPECT_TRUE(column->child(index)->state().focusable);
     }
+    EXPECT_TRUE(!column->child(-1) && !column->child(7));
     EXPECT_EQ(names, u"alice|Timeline|Mentions|Direct Messages|Searches|bob|carol"_s.split(u'|'));
     const QPoint third = tabs.mapToGlobal(QPoint(30, 120));
     EXPECT_EQ(column->childAt(third.x(), third.y()), column->child(2));

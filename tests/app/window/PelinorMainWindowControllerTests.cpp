@@ -1,3 +1,4 @@
+#include "app/PelinorSeenPicture.h"
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorRepliesListViewController.h"
 #include "app/window/PelinorGoToUserPanel.h"
@@ -69,6 +70,7 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     const auto window = makeWindow();
     EXPECT_EQ(window->window().windowTitle(), u"Pelinor"_s);
     EXPECT_EQ(autosaveName(*window), u"alice_____timeline"_s);
+    EXPECT_EQ(window->window().focusWidget(), &window->topList()->tableView());
     const QRect whole = window->window().centralWidget()->rect();
     EXPECT_EQ(window->mainViewRect(), QRect(60, 0, whole.width() - 60, whole.height() - 22));
     EXPECT_EQ(window->switcher().currentViewController()->view()->geometry(), window->mainViewRect());
@@ -178,6 +180,7 @@ TEST_F(PelinorMainWindowControllerTest, RemembersWhereItWas)
     window = makeWindow();
     EXPECT_EQ(window->window().size(), QSize(555, 666));
     EXPECT_EQ(window->window().centralWidget()->geometry(), firstContent) << "the menus had their room";
+    EXPECT_EQ(firstContent, QRect(0, firstContent.y(), 555, 666 - firstContent.y()));
     EXPECT_GT(firstContent.y(), 0);
     EXPECT_EQ(autosaveName(*window), u"bob_____mentions"_s);
 
@@ -240,6 +243,7 @@ TEST_F(PelinorMainWindowControllerTest, ErrorsStayForFourSecondsAndNoticesUntilT
     KRHTTPRequest::beginNetworkActivity();
     EXPECT_TRUE(makeWindow()->statusStrip().progressIndicator().isAnimating()) << "requests were first";
     KRHTTPRequest::endNetworkActivity();
+    expectAsSeen(strip.progressIndicator().grab().toImage(), u"progress"_s);
 }
 
 } // namespace
