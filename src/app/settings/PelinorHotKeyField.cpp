@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QKeySequenceEdit>
 #include <QLabel>
+#include <QLineEdit>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
@@ -42,6 +43,10 @@ PelinorHotKeyField::PelinorHotKeyField(PelinorHotKeys& hotKeys, PelinorHotKeys::
     , m_trouble(new QLabel(this))
 {
     m_recorder->setObjectName(u"recorder"_s);
+    // It is the field inside that has the keyboard, and the label is not its own.
+    if (auto* const field = m_recorder->findChild<QLineEdit*>())
+        field->setAccessibleName(type == PelinorHotKeys::ShowHidePelinor ? tr("Key to show or hide Pelinor")
+                                                                         : tr("Key for a new tweet"));
     if (const QKeyCombination key = hotKeys.hotKey(type); key.key())
         m_recorder->setKeySequence(key);
     connect(m_recorder, &QKeySequenceEdit::keySequenceChanged, this, &PelinorHotKeyField::_takeKey);
