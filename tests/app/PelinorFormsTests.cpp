@@ -1,4 +1,5 @@
 #include "PelinorJourney.h"
+#include "app/settings/PelinorHotKeyField.h"
 #include "app/settings/PelinorLoginWindowController.h"
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorStatusStrip.h"
@@ -8,11 +9,12 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QFile>
+#include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
-#include <QMetaProperty>
+#include <QToolButton>
 
 namespace {
 
@@ -178,4 +180,49 @@ TEST_F(Journey, ChoicesAreKept)
     EXPECT_EQ(find<QComboBox>(again, u"DisplayName"_s)->currentData(), 1);
     EXPECT_TRUE(find<QCheckBox>(again, u"OpenLinksInBackground"_s)->isChecked());
     EXPECT_EQ(find<QComboBox>(again, u"StatusCellFontSize"_s)->currentText(), u"Normal"_s);
+}
+
+TEST(PelinorHotKeyFieldTests, TakesOneCombinationThatIsNobodyElses)
+{
+    QTemporaryDir directory;
+    KRUserDefaults defaults(directory.filePath(u"defaults.ini"_s));
+    PelinorHotKeys keys(defaults, [](PelinorHotKeys::Type) {});
+    const auto kept = [&] {
+        return u"%1 %2"_s.arg(defaults.integerForKey("NewTweetHotkey_code"))
+            .arg(defaults.integerForKey("NewTweetHotkey_mods"), 0, 16);
+    };
+    PelinorHotKeyField field(keys, PelinorHotKeys::NewTweet, nullptr);
+    field.show();
+    auto* const recorder = field.findChild<QKeySequenceEdit*>();
+    const auto* const trouble = field.findChild<QLabel*>(u"hotKeyTrouble"_s);
+    const QString noDisplay = u"This desktop"_s;
+    const struct {
+        QString typed;
+        QString kept;
+        QString trouble;
+    } cases[] = {
+        { u"Ctrl+Alt+K"_s, u"75 c000000"_s, noDisplay },
+        { u"Ctrl+A, Ctrl+B"_s, u"66 4000000"_s, noDisplay },
+        { u"Shift+K"_s, u"0 0"_s, u"A hot key needs Ctrl, Alt or the Super key."_s },
+        { {}, u"0 0"_s, {} },
+        { u"Ctrl+F5"_s, u"16777268 4000000"_s, noDisplay },
+    };
+    for (const auto& test : cases) {
+        recorder->setKeySequence(QKeySequence(test.typed));
+        EXPECT_EQ(kept(), test.kept);
+        EXPECT_TRUE(trouble->text().startsWith(test.trouble)) << trouble->text().toStdString();
+        EXPECT_EQ(trouble->isVisible(), !test.trouble.isNull());
+        expectThatNothingOverlaps(field);
+    }
+    for (const Qt::Key alone : { Qt::Key_Control, Qt::Key_Shift, Qt::Key_Alt, Qt::Key_Meta })
+        QTest::keyClick(recorder, alone);
+    (void)keys.registerKeyCode(1, 2, 3);
+    EXPECT_EQ(kept(), cases[4].kept) << "a modifier alone is no hot key, and there is no third one";
+    EXPECT_EQ(PelinorHotKeyField(keys, PelinorHotKeys::NewTweet, nullptr)
+                  .findChild<QKeySequenceEdit*>()
+                  ->keySequence(),
+        QKeySequence(u"Ctrl+F5"_s));
+    field.findChild<QToolButton*>()->click();
+    EXPECT_EQ(kept(), u"0 0"_s);
+    EXPECT_EQ(defaults.integerForKey("ShowHidePelinorHotkey_code"), 0);
 }
