@@ -3,6 +3,7 @@
 #include "support/KRTestLog.h"
 #include "toolkit/KRActiveTextView.h"
 #include "toolkit/KRApplication.h"
+#include "toolkit/navigation/KRBarButton.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbView.h"
 #include "toolkit/navigation/KRNavigationController.h"
@@ -255,6 +256,28 @@ TEST_F(KRNavigationTests, TheBarDividesItsWidthInWholePoints)
 
     for (const QSize size : { QSize(0, 0), QSize(1, 1), QSize(16777215, 30) })
         switcher.currentViewController()->view()->resize(size);
+}
+
+TEST_F(KRNavigationTests, AButtonInTheBarIsPressedAnywhereAndLightsUpBehindItsWord)
+{
+    KRBarButton button(QStringLiteral("Save"), &window);
+    button.setGeometry(0, 0, 376, 26);
+    button.show();
+    int clicks = 0;
+    QObject::connect(&button, &QAbstractButton::clicked, [&] { ++clicks; });
+    EXPECT_LT(button.fieldRect().width(), 100);
+    const QPoint edge(3, 13);
+    const QPoint inField = button.fieldRect().topLeft() + QPoint(8, 2);
+    const auto look = [&button](QPoint point) { return button.grab().toImage().pixel(point); };
+    const QRgb plain = look(inField);
+    const QRgb plainEdge = look(edge);
+    QTest::mousePress(&button, Qt::LeftButton, {}, edge);
+    EXPECT_NE(look(inField), plain);
+    EXPECT_EQ(look(edge), plainEdge);
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, edge);
+    EXPECT_EQ(clicks, 1);
+    button.resize(30, 26);
+    EXPECT_LE(button.fieldRect().width(), 30);
 }
 
 TEST_F(KRNavigationTests, CrumbsThatFindNoRoomSlideOutPastTheStart)

@@ -44,6 +44,10 @@ public:
     /// The list of posts that it is, or that a person has in it.
     [[nodiscard]] PelinorStatusListViewController* topList() const;
 
+    /// Asks anew for what the screen on top shows, which may belong to no account's refresh: a person, a
+    /// search, a conversation.
+    void refresh();
+
     void accountsDidChange();
     /// Builds the tab's screens anew and shows them. A direction of 1 is for what stands above what was
     /// selected before.
@@ -63,6 +67,10 @@ public:
     /// window is closed.
     void saveState();
 
+    /// Called once the window has been painted and its first screen is there.
+    void setFirstScreenHandler(std::function<void()> handler) { m_firstScreenHandler = std::move(handler); }
+    /// Called when somebody wants to sign in where no account is.
+    void setAddAccountHandler(std::function<void()> handler) { m_addAccountHandler = std::move(handler); }
     /// Asked when the user closes the window; false keeps it open.
     void setShouldClose(std::function<bool()> shouldClose) { m_shouldClose = std::move(shouldClose); }
 
@@ -82,6 +90,7 @@ private:
     void _layOut();
     void _windowWasPainted();
     void _showTexts(bool areShown);
+    KRViewControllerPtr _screenWithoutAccount();
     void _restoreState();
     void _statusDidChange();
     void _goToUser(const QString& username);
@@ -99,6 +108,8 @@ private:
     PelinorGoToUserPanel* m_goToUserPanel = nullptr;
     KRViewControllerSwitcher m_switcher;
     std::shared_ptr<PelinorWindowStatus> m_status;
+    std::function<void()> m_firstScreenHandler;
+    std::function<void()> m_addAccountHandler;
     std::function<bool()> m_shouldClose;
     bool m_wasPainted = false;
     bool m_areScreensShown = false;
