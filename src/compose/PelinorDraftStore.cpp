@@ -118,10 +118,10 @@ std::shared_ptr<PelinorDraftFile> PelinorDraftStore::makeFile()
     return std::make_shared<PelinorDraftFile>(m_folder + u'/' + newName() + suffix);
 }
 
-QString PelinorDraftStore::newAttachmentPath()
+QString PelinorDraftStore::newAttachmentPath(const QString& suffix)
 {
     KRFileManager::createDirectoryIfNonExistent(m_attachmentsFolder);
-    return QDir(m_attachmentsFolder).filePath(newName() + u".png"_s);
+    return QDir(m_attachmentsFolder).filePath(newName() + u'.' + suffix);
 }
 
 void PelinorDraftStore::removeOwnAttachments(const QStringList& filenames) const

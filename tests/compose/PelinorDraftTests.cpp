@@ -194,9 +194,9 @@ TEST_F(PelinorDraftTest, ADiskThatTakesNothingIsToldAndTriedAgain)
 TEST_F(PelinorDraftTest, WhatCannotBeReadIsSetAsideAndWhatNobodyNeedsGoes)
 {
     const auto first = store();
-    const QString kept = first->newAttachmentPath();
-    const QString undone = first->newAttachmentPath();
-    const QString abandoned = first->newAttachmentPath();
+    const QString kept = first->newAttachmentPath(u"png"_s);
+    const QString undone = first->newAttachmentPath(u"png"_s);
+    const QString abandoned = first->newAttachmentPath(u"png"_s);
     const QString foreign = directory.filePath(u"my.png"_s);
     for (const QString& path : { kept, undone, abandoned, foreign })
         write(path, "x");
