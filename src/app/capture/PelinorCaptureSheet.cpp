@@ -16,6 +16,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize ViewSize(480, 360);
+// Where there is nothing but a sentence to see.
+constexpr QSize SmallViewSize(360, 140);
 
 } // namespace
 
@@ -143,6 +145,7 @@ void PelinorCaptureSheet::cameraDidShow(const QImage& picture)
 void PelinorCaptureSheet::cameraDidFail(const QString& reason)
 {
     m_view->setPicture({});
+    m_view->setMinimumSize(SmallViewSize);
     _setState(State::Failed);
     m_view->setSentence(reason);
 }

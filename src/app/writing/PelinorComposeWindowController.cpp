@@ -25,7 +25,6 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QStandardPaths>
-#include <QToolButton>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -33,6 +32,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int AppearanceSteps = 20;
+constexpr int CascadeStep = 28;
+constexpr int CascadeLength = 8;
 constexpr int TextSize = 14;
 constexpr int TextInset = 8;
 constexpr int BottomBorder = 37;
@@ -172,11 +173,9 @@ void PelinorComposeWindowController::_loadWindow()
 void PelinorComposeWindowController::_loadControls()
 {
     m_accountPopUpButton = new PelinorAccountMenu(m_twitter, m_window.get());
-    m_actionPopUpButton = new QToolButton(m_window.get());
+    m_actionPopUpButton = new QPushButton(tr("Add"), m_window.get());
     m_actionPopUpButton->setObjectName(u"actionPopUpButton"_s);
-    m_actionPopUpButton->setText(tr("Add"));
     m_actionPopUpButton->setAccessibleName(tr("Attachments and links"));
-    m_actionPopUpButton->setPopupMode(QToolButton::InstantPopup);
     m_actionPopUpButton->setFocusPolicy(Qt::TabFocus);
     m_composeProgressIndicator = new QProgressBar(m_window.get());
     m_composeProgressIndicator->setObjectName(u"composeProgressIndicator"_s);
@@ -270,7 +269,11 @@ void PelinorComposeWindowController::showWindow()
     m_textView->document()->clearUndoRedoStacks();
     m_window->setWindowModified(m_edits.isEdited());
     _updateRemainingField();
-    KRWindowAppearance::showWindow(*m_window, m_sourcePoint, AppearanceSteps);
+    const int steps = m_windowsBefore % CascadeLength;
+    KRWindowAppearance::showWindow(*m_window,
+        m_sourcePoint,
+        AppearanceSteps,
+        { steps * CascadeStep, steps * CascadeStep });
     m_textView->setFocus();
     if (m_draft.mayHaveGoneOut)
         _showSheet(m_draft.isDirectMessage ? PelinorSheet::messageMayHaveGoneOut(nullptr)
@@ -288,9 +291,12 @@ void PelinorComposeWindowController::_updateWindowTitle()
         m_postButton->setText(tr("Send"));
         return;
     }
-    m_window->setWindowTitle(tr("New Tweet") + u"[*]"_s);
-    if (m_draft.isDirectMessage)
+    if (m_draft.isDirectMessage) {
+        m_window->setWindowTitle(tr("New Direct Message") + u"[*]"_s);
+        m_postButton->setText(tr("Send"));
         return;
+    }
+    m_window->setWindowTitle(tr("New Tweet") + u"[*]"_s);
     if (!m_draft.inReplyToUsername.isEmpty()) {
         m_window->setWindowTitle(tr("In reply to %1").arg(m_draft.inReplyToFullName.simplified()) + u"[*]"_s);
         m_textView->insertPlainText(m_draft.replyPrefix());
@@ -308,7 +314,7 @@ void PelinorComposeWindowController::_promptForRecipient()
         _updateWindowTitle();
         _updateDraft();
     });
-    sheet->open();
+    KRWindowAppearance::openDialog(*sheet, *m_window);
 }
 
 // The text
@@ -408,7 +414,7 @@ void PelinorComposeWindowController::_capture(PelinorCaptureSheet::Kind kind)
         m_noticeField->setText(tr("The photo is in your pictures, as %1.").arg(QFileInfo(path).fileName()));
         m_noticeField->show();
     });
-    sheet->open();
+    KRWindowAppearance::openDialog(*sheet, *m_window);
 }
 
 void PelinorComposeWindowController::shortenURLs()
@@ -498,7 +504,7 @@ void PelinorComposeWindowController::_showSheet(const PelinorSheet& sheet)
     QPushButton* const cancel = box->addButton(sheet.cancelButton, QMessageBox::RejectRole);
     box->setDefaultButton(choice && sheet.isChoiceDefault ? choice : cancel);
     box->setEscapeButton(cancel);
-    box->open();
+    KRWindowAppearance::openDialog(*box, *m_window);
 }
 
 void PelinorComposeWindowController::_choose(PelinorSheet::Choice choice)

@@ -18,7 +18,6 @@ class PelinorTextView;
 class QLabel;
 class QProgressBar;
 class QPushButton;
-class QToolButton;
 
 /// Hears that a compose window is through. Main thread.
 class PelinorComposeWindowControllerDelegate {
@@ -58,6 +57,8 @@ public:
     void setSourcePoint(QPoint point) { m_sourcePoint = point; }
     void setDirectMessageUser(const TwitterUserPtr& user) { m_draft.setRecipient(user.get()); }
     void setPromptToDirectMessageUser(bool prompts) { m_draft.isDirectMessage = prompts; }
+    /// How many windows of its kind are open already: it is not to cover them.
+    void setWindowsBefore(int count) { m_windowsBefore = count; }
     /// The recorder opens with the window.
     void setForceVideo(bool forces) { m_forceVideo = forces; }
     /// What photos and movies are taken with; the computer's camera without this.
@@ -124,12 +125,13 @@ private:
     QPoint m_sourcePoint;
     PelinorCameraMaker m_cameraMaker = &PelinorMakeDeviceCamera;
     bool m_forceVideo = false;
+    int m_windowsBefore = 0;
 
     std::unique_ptr<Window> m_window;
     PelinorTextView* m_textView = nullptr;
     PelinorDraftHighlighter* m_highlighter = nullptr;
     PelinorAccountMenu* m_accountPopUpButton = nullptr;
-    QToolButton* m_actionPopUpButton = nullptr;
+    QPushButton* m_actionPopUpButton = nullptr;
     QProgressBar* m_composeProgressIndicator = nullptr;
     QLabel* m_noticeField = nullptr;
     QLabel* m_remainingField = nullptr;

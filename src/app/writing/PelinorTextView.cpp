@@ -6,12 +6,13 @@
 #include <QDataStream>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QGlyphRun>
 #include <QHelpEvent>
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QPainterPath>
+#include <QRawFont>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QToolTip>
@@ -329,13 +330,15 @@ void PelinorTextView::paintEvent(QPaintEvent* event)
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+        const QRectF seen = QRectF(event->rect())
+                                .translated(horizontalScrollBar()->value(), verticalScrollBar()->value());
         for (const KRRange& range : m_linkRanges)
-            _drawBackdrop(painter, range);
+            _drawBackdrop(painter, range, seen);
     }
     QTextEdit::paintEvent(event);
 }
 
-void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range) const
+void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range, const QRectF& seen) const
 {
     const PelinorDraftColors& colors = PelinorDraftColors::forPalette(palette());
     const QTextBlock block = document()->findBlock(int(range.location));
@@ -348,19 +351,22 @@ void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range) const
         const QTextLine line = block.layout()->lineAt(index);
         const int from = std::max(start, line.textStart());
         const int to = std::min(end, line.textStart() + line.textLength());
-        if (from >= to)
+        // Only the glyphs of lines that are drawn anyway are made.
+        if (from >= to || !seen.intersects(line.rect().translated(origin).adjusted(0, -1, 0, 1)))
             continue;
-        // From both edges of every character: in text of two directions the place behind the last one may be
-        // anywhere.
-        qreal left = line.cursorToX(from);
-        qreal right = left;
-        for (int place = from; place < to; ++place) {
-            for (const QTextLine::Edge edge : { QTextLine::Leading, QTextLine::Trailing }) {
-                const qreal x = line.cursorToX(place, edge);
+        // In text of two directions the cursor's places are not where the characters begin and end.
+        qreal left = line.width();
+        qreal right = 0;
+        for (const QGlyphRun& run : line.glyphRuns(from, to - from)) {
+            const QList<QPointF> advances = run.rawFont().advancesForGlyphIndexes(run.glyphIndexes());
+            for (qsizetype glyph = 0; glyph < advances.size(); ++glyph) {
+                const qreal x = run.positions().at(glyph).x();
                 left = std::min(left, x);
-                right = std::max(right, x);
+                right = std::max(right, x + advances.at(glyph).x());
             }
         }
+        if (right <= left)
+            continue;
         const QRectF fragment
             = QRectF(QPointF(left, line.y()), QSizeF(right - left, line.height())).translated(origin);
         painter.setBrush(colors.backdropRim);

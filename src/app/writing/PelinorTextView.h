@@ -51,7 +51,7 @@ private:
     void _insertPicture(const QImage& image);
     void _insertPieces(const QStringList& pieces);
     void _textDidChange();
-    void _drawBackdrop(QPainter& painter, KRRange range) const;
+    void _drawBackdrop(QPainter& painter, KRRange range, const QRectF& seen) const;
     [[nodiscard]] QString _attachmentAt(const QPoint& point) const;
 
     KRRangeList m_linkRanges;
