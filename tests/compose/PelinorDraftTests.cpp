@@ -99,15 +99,6 @@ TEST_F(PelinorDraftTest, AFewKeysAreNothingToAskAbout)
     }
 }
 
-TEST_F(PelinorDraftTest, LinksTakeThePlaceOfTheirFilesFromTheEnd)
-{
-    PelinorDraft draft = draftOf(u"\ufffca\ufffc\ufffcb"_s, { u"1"_s, u"2"_s });
-    draft.attachments[1].location = 3;
-    draft.replaceLastAttachment(u"http://x.example/2"_s);
-    draft.replaceLastAttachment(u"http://x.example/1"_s);
-    EXPECT_EQ(draft.text, u" http://x.example/1 a\ufffc http://x.example/2 b"_s);
-}
-
 TEST_F(PelinorDraftTest, OnlyPicturesAndMoviesCanBeAttached)
 {
     using Kind = PelinorAttachment::Kind;

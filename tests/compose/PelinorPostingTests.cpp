@@ -231,19 +231,3 @@ TEST_F(PelinorPostingTest, AnUploadCanBeCancelledAndAnAnswerCannotComeLater)
     EXPECT_EQ(events.size(), told);
     EXPECT_TRUE(requestsTo(update).isEmpty());
 }
-
-TEST_F(PelinorPostingTest, ThirtyFilesAndTwoWindowsAtOnce)
-{
-    begin(u""_s, QStringList(30, fileWith(u"1.png"_s, "one")));
-    const auto other = std::make_shared<PelinorPosting>(*twitter, &defaults, nullptr);
-    PelinorDraft words;
-    words.text = u"only words"_s;
-    other->post(words, account);
-    EXPECT_TRUE(run().startsWith(u"Message too long|"_s));
-    ASSERT_TRUE(KRWaitUntil([&] { return !other->isPosting(); }));
-    EXPECT_EQ(requestsTo(upload).size(), 30);
-    EXPECT_EQ(sent(update), words.text);
-    answer(longPost, 200, "<a><content>all of them</content></a>");
-    EXPECT_EQ(run(true), finished);
-    EXPECT_EQ(sent(longPost, u"message"_s), u" http://p.example/1 "_s.repeated(30));
-}
