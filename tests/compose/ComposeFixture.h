@@ -11,6 +11,7 @@
 
 #include <QTemporaryDir>
 
+#include <future>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -77,13 +78,12 @@ protected:
     /// From a handler: has it done before the answer goes out.
     static void runOnMainThread(const std::function<void()>& what)
     {
-        std::atomic<bool> isDone = false;
+        std::promise<void> done;
         KRRunLoop::main().post([&] {
             what();
-            isDone = true;
+            done.set_value();
         });
-        while (!isDone)
-            std::this_thread::yield();
+        done.get_future().wait();
     }
     /// Answers that were under way have come, and what follows them has run.
     static void settle()
