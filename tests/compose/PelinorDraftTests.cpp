@@ -144,6 +144,7 @@ TEST_F(PelinorDraftTest, IsWrittenInAPauseAndFoundByTheNextRun)
     }
     PelinorDraft message;
     message.setRecipient(bob.get());
+    EXPECT_EQ(message.recipientID + message.recipientUsername, u"7bob"_s);
     message.mayHaveGoneOut = true;
     PelinorDraftKeeper(first).keepNow(message);
     first.reset();
@@ -179,6 +180,7 @@ TEST_F(PelinorDraftTest, IsWrittenAlsoWithoutAPauseAndWhenItsWindowGoes)
     keeper.keep(draftOf(u"not wanted"_s));
     keeper.forget();
     keeper.keepNow(draftOf(u"late"_s));
+    EXPECT_FALSE(left[0].file->write(99, draftOf(u"from another thread"_s)).isError());
     clock.advance(PelinorDraftKeeper::longestWait);
     EXPECT_TRUE(files().isEmpty());
 }
@@ -186,18 +188,21 @@ TEST_F(PelinorDraftTest, IsWrittenAlsoWithoutAPauseAndWhenItsWindowGoes)
 TEST_F(PelinorDraftTest, ADiskThatTakesNothingIsToldAndTriedAgain)
 {
     write(folder, "a file where the folder should be");
-    PelinorDraftKeeper keeper(store());
+    std::optional<PelinorDraftKeeper> keeper(store());
     QStringList told;
-    keeper.setFailureHandler(
+    keeper->setFailureHandler(
         [&](const std::optional<KRError>& error) { told.append(error ? u"failed"_s : u"kept"_s); });
-    keeper.keep(draftOf(u"words"_s));
+    keeper->keep(draftOf(u"words"_s));
     clock.advance(PelinorDraftKeeper::pause);
     ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 1; }));
     ASSERT_TRUE(QFile::remove(folder));
     clock.advance(PelinorDraftKeeper::retryDelay);
     ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 2; }));
     EXPECT_EQ(told.join(u' '), u"failed kept"_s);
-    EXPECT_EQ(files().size(), 1);
+    ASSERT_EQ(files().size(), 1);
+    ASSERT_TRUE(QFile::remove(folder + u'/' + files()[0]));
+    keeper.reset();
+    EXPECT_TRUE(files().isEmpty()) << "what has been written is not written again";
 }
 
 TEST_F(PelinorDraftTest, WhatCannotBeReadIsSetAsideAndWhatNobodyNeedsGoes)

@@ -143,6 +143,7 @@ TEST_F(PelinorPostingTest, WhateverFailsEndsInASheetAndTheDraftIsSentOnce)
         const QString event = run();
         EXPECT_TRUE(event.startsWith(test.event)) << qPrintable(event);
         EXPECT_EQ(events.value(events.size() - 2), u"end"_s);
+        EXPECT_EQ(events.contains(u"send"_s), !isUpload) << "from where it cannot be called back";
         settle();
         EXPECT_EQ(requestsTo(target).size() - before, isUpload ? 0 : 1) << qPrintable(event);
         EXPECT_EQ(sheet.isCritical, !isUpload);
@@ -170,6 +171,8 @@ TEST_F(PelinorPostingTest, NothingIsSentWhereNobodyListens)
     useSite({ .hosts = hostsWith(u"127.0.0.1:1"_s) });
     begin(u"hello"_s);
     EXPECT_TRUE(run().startsWith(u"There was an error posting your tweet.|The server"_s)) << "not sent";
+    account->setPassword({});
+    EXPECT_TRUE(run().startsWith(u"There was an error posting your tweet.|"_s));
 }
 
 TEST_F(PelinorPostingTest, WhatIsTooLongForTheSiteIsOfferedToTheServiceForLongPosts)
@@ -182,7 +185,7 @@ TEST_F(PelinorPostingTest, WhatIsTooLongForTheSiteIsOfferedToTheServiceForLongPo
     draft.setInReplyTo(KRTestStatus(u"42"_s, bob).get());
     EXPECT_EQ(run(), tooLong.arg(140));
     EXPECT_EQ(sheet.cancelButton + u'|' + sheet.choiceButton, u"Cancel|Post with Twitlonger"_s);
-    EXPECT_FALSE(sheet.isChoiceDefault);
+    EXPECT_FALSE(sheet.isChoiceDefault || sheet.isCritical);
 
     const QByteArray content = "<a><content>%1</content></a>";
     for (const QByteArray& body : { QByteArray("<a><id>1</id></a>"),

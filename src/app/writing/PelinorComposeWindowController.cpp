@@ -371,7 +371,9 @@ void PelinorComposeWindowController::addImage()
 {
     if (m_posting->isPosting())
         return;
-    auto* const panel = new QFileDialog(m_window.get(), tr("Attach a File"));
+    auto* const panel = new QFileDialog(m_window.get(),
+        tr("Attach a File"),
+        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setNameFilters(

@@ -117,7 +117,6 @@ void PelinorTextView::setDraft(const PelinorDraft& draft)
         _insertAttachment(cursor, attachment.filename);
     }
     cursor.endEditBlock();
-    document()->clearUndoRedoStacks();
     moveCursor(QTextCursor::End);
 }
 
@@ -330,8 +329,8 @@ void PelinorTextView::paintEvent(QPaintEvent* event)
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
-        const QRectF seen = QRectF(event->rect())
-                                .translated(horizontalScrollBar()->value(), verticalScrollBar()->value());
+        const QRectF seen
+            = QRectF(event->rect()).translated(horizontalScrollBar()->value(), verticalScrollBar()->value());
         for (const KRRange& range : m_linkRanges)
             _drawBackdrop(painter, range, seen);
     }

@@ -1,3 +1,4 @@
+#include "app/look/PelinorDraftColors.h"
 #include "app/writing/PelinorComposeWindowController.h"
 #include "app/writing/PelinorTextView.h"
 #include "compose/ComposeFixture.h"
@@ -18,6 +19,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
@@ -150,6 +152,7 @@ protected:
 
 TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
 {
+    EXPECT_EQ(remaining(), u"140"_s);
     QTest::keyClicks(&view(), u"ab"_s);
     QMimeData dropped;
     const QString first = picture(u"1.png"_s);
@@ -194,6 +197,9 @@ TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
     EXPECT_TRUE(draft().isEmpty());
     key(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(draft(), before) << "cut and pasted with its files";
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(draft().isEmpty()) << "as one step";
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     key(Qt::Key_Escape);
     EXPECT_EQ(answerSheet(u"Discard"_s), u"Are you sure you want to discard this unsaved tweet?"_s);
     EXPECT_TRUE(isDismissed);
@@ -274,6 +280,9 @@ TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdit
     auto* const notice = controller->window().findChild<QLabel*>(u"noticeField"_s);
     ASSERT_TRUE(waitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().startsWith(u"Uploading file 1 of 1"_s));
+    EXPECT_EQ(notice->textFormat(), Qt::PlainText);
+    const auto* const indicator = controller->window().findChild<QProgressBar*>();
+    EXPECT_TRUE(indicator->isVisible() && indicator->value() <= indicator->maximum());
     key(Qt::Key_Escape);
     EXPECT_FALSE(view().isReadOnly());
     EXPECT_FALSE(isDismissed);
@@ -292,6 +301,8 @@ TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
     };
     type(u"a@b.org @BO"_s);
     EXPECT_EQ(list->count(), 2);
+    EXPECT_GE(list->y(), view().cursorRect().bottom()) << "below the line";
+    EXPECT_TRUE(list->parentWidget()->rect().contains(list->geometry()));
     key(Qt::Key_Return);
     EXPECT_EQ(draft().text, u"a@b.org @BO\n"_s) << "nothing was chosen";
     EXPECT_FALSE(list->isVisible());
@@ -306,6 +317,41 @@ TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
     EXPECT_EQ(sheet(), nullptr) << "it was for the list";
     key(Qt::Key_Escape);
     EXPECT_NE(sheet(), nullptr);
+}
+
+TEST_F(PelinorComposeWindowTest, LinksTagsAndNamesAreSeen)
+{
+    // Pixels of a colour in the picture of the text.
+    const auto count = [this](const QColor& color) {
+        const QImage image = view().viewport()->grab().toImage();
+        int found = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                found += image.pixel(x, y) == color.rgb();
+        }
+        return found;
+    };
+    const PelinorDraftColors& colors = PelinorDraftColors::forPalette(view().palette());
+    const struct {
+        QString text;
+        QColor ink;
+        bool isLink;
+    } cases[] = {
+        { u"plain words"_s, Qt::black, false },
+        { u"#####tag"_s, colors.hashtags, false },
+        { u"@mmmmmmm"_s, colors.usernames, false },
+        { u"http://www.example.org/"_s, colors.links, true },
+        { u"\u05e9\u05dc\u05d5\u05dd http://www.example.org/ \u05e9"_s, colors.links, true },
+    };
+    for (const auto& test : cases) {
+        view().setPlainText(test.text);
+        EXPECT_GT(count(test.ink), 5) << qPrintable(test.text);
+        EXPECT_EQ(count(colors.backdrop) > 500, test.isLink) << qPrintable(test.text);
+        EXPECT_EQ(count(colors.backdropRim) > 50, test.isLink) << qPrintable(test.text);
+    }
+    const int whole = count(colors.backdrop);
+    view().setPlainText(u"\u05e9\u05dc\u05d5\u05dd http://example.org/ \u05e9"_s);
+    EXPECT_LT(count(colors.backdrop), whole) << "as wide as the link";
 }
 
 TEST_F(PelinorComposeWindowTest, MoviesAreAttachedAndPhotosGoToThePictures)
