@@ -9,7 +9,9 @@
 #include <QDir>
 #include <QTemporaryDir>
 
+#include <csignal>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -35,6 +37,12 @@ protected:
         return std::make_shared<PelinorDraftStore>(folder, attachments);
     }
     QStringList files() const { return QDir(folder).entryList({ u"*.draft*"_s }, QDir::Files); }
+    /// The only draft there is.
+    QByteArray read() const
+    {
+        QFile file(folder + u'/' + files().value(0));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     QString write(const QString& path, const QByteArray& content = "x") const
     {
         QFile file(path);
@@ -185,21 +193,30 @@ TEST_F(PelinorDraftTest, IsWrittenAlsoWithoutAPauseAndWhenItsWindowGoes)
     EXPECT_TRUE(files().isEmpty());
 }
 
-TEST_F(PelinorDraftTest, ADiskThatTakesNothingIsToldAndTriedAgain)
+TEST_F(PelinorDraftTest, AFullDiskIsToldAndTriedAgain)
 {
-    write(folder, "a file where the folder should be");
     std::optional<PelinorDraftKeeper> keeper(store());
     QStringList told;
     keeper->setFailureHandler(
         [&](const std::optional<KRError>& error) { told.append(error ? u"failed"_s : u"kept"_s); });
+    keeper->keepNow(draftOf(u"before"_s));
+    const QByteArray before = read();
+    std::signal(SIGXFSZ, SIG_IGN);
+    const auto limitFiles = [](rlim_t size) {
+        const rlimit limit { size, RLIM_INFINITY };
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    };
+    limitFiles(8);
     keeper->keep(draftOf(u"words"_s));
     clock.advance(PelinorDraftKeeper::pause);
-    ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 1; }));
-    ASSERT_TRUE(QFile::remove(folder));
+    const bool isTold = KRWaitUntil([&] { return told.size() == 1; });
+    limitFiles(RLIM_INFINITY);
+    ASSERT_TRUE(isTold);
+    EXPECT_EQ(read(), before) << "rather than half of the new one";
     clock.advance(PelinorDraftKeeper::retryDelay);
     ASSERT_TRUE(KRWaitUntil([&] { return told.size() == 2; }));
     EXPECT_EQ(told.join(u' '), u"failed kept"_s);
-    ASSERT_EQ(files().size(), 1);
+    EXPECT_TRUE(read().contains("words"));
     ASSERT_TRUE(QFile::remove(folder + u'/' + files()[0]));
     keeper.reset();
     EXPECT_TRUE(files().isEmpty()) << "what has been written is not written again";
