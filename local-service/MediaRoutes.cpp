@@ -77,6 +77,11 @@ Answer uploadAttachment(Site& site, const Call& call)
     xml.element("atom:link", "", R"(rel="enclosure" href=")" + link + R"(/file" type=")" + type + "\"");
     xml.element("media_id", code);
     xml.element("media_id_string", code);
+    if (const auto size = mediaSize(file->content))
+        xml.element("image",
+            "",
+            "w=\"" + std::to_string(size->width) + "\" h=\"" + std::to_string(size->height)
+                + "\" image_type=\"" + type + "\"");
     xml.endElement();
     return xmlAnswer(xml.take());
 }

@@ -3,6 +3,9 @@
 #include "Files.h"
 #include "ShortLinkStore.h"
 
+#include <QBuffer>
+#include <QImageReader>
+
 #include <filesystem>
 
 namespace localservice {
@@ -27,6 +30,15 @@ std::string sniffedMediaType(std::string_view content)
     if (holds(4, "ftypqt") || holds(4, "moov") || holds(4, "mdat") || holds(4, "wide") || holds(4, "free"))
         return "video/quicktime";
     return holds(4, "ftyp") ? "video/mp4" : "";
+}
+
+std::optional<MediaSize> mediaSize(std::string_view content)
+{
+    QByteArray bytes = QByteArray::fromRawData(content.data(), qsizetype(content.size()));
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    const QSize size = QImageReader(&buffer).size();
+    return size.isEmpty() ? std::nullopt : std::optional(MediaSize { size.width(), size.height() });
 }
 
 std::string MediaStore::path(std::string_view service, std::string_view code) const

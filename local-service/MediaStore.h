@@ -38,4 +38,12 @@ private:
 // The type of a picture or movie, told from its first bytes; empty for anything else.
 [[nodiscard]] std::string sniffedMediaType(std::string_view content);
 
+struct MediaSize {
+    int width = 0;
+    int height = 0;
+};
+
+// Nothing for what is no picture of a usual kind.
+[[nodiscard]] std::optional<MediaSize> mediaSize(std::string_view content);
+
 } // namespace localservice

@@ -297,6 +297,7 @@ PelinorComposeWindowController& PelinorAppDelegate::_makeComposeController(const
     auto controller
         = std::make_unique<PelinorComposeWindowController>(m_twitter, m_defaults, m_draftStore, left);
     controller->setDelegate(this);
+    controller->setWindowsBefore(int(m_composeControllers.size()));
     controller->setAccount(account   ? account
             : m_mainWindowController ? m_mainWindowController->selectedTwitterAccount()
                                      : nullptr);
@@ -317,6 +318,16 @@ void PelinorAppDelegate::newDocument()
 {
     if (_hasAccount())
         newTweetFromAccount(nullptr, nullptr, {}, std::nullopt);
+}
+
+void PelinorAppDelegate::newVideoTweet()
+{
+    if (!_hasAccount())
+        return;
+    PelinorComposeWindowController& controller = _makeComposeController(nullptr);
+    controller.setForceVideo(true);
+    controller.setSourcePoint(QCursor::pos());
+    controller.showWindow();
 }
 
 void PelinorAppDelegate::newDirectMessage()

@@ -57,6 +57,7 @@ public:
 
     // What menus ask for.
     void newDocument();
+    void newVideoTweet();
     void newDirectMessage();
     void refreshAll() { m_twitter.refresh(); }
     void markAllAsRead();

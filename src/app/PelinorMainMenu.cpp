@@ -27,6 +27,7 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
     const auto inAllWindows = [](QAction* action) { action->setShortcutContext(Qt::ApplicationShortcut); };
     QMenu* const file = bar.addMenu(tr("&File"));
     inAllWindows(_add(file, tr("&New Tweet..."), u"Ctrl+N"_s, ask(&Delegate::newDocument)));
+    inAllWindows(_add(file, tr("New &Movie Tweet..."), {}, ask(&Delegate::newVideoTweet)));
     inAllWindows(
         _add(file, tr("New &Direct Message..."), u"Ctrl+Shift+D"_s, ask(&Delegate::newDirectMessage)));
     file->addSeparator();

@@ -93,6 +93,28 @@ std::optional<PelinorDraft> PelinorDraft::draftWithCoder(const KRKeyedUnarchiver
     return draft;
 }
 
+void PelinorDraftEdits::begin(const PelinorDraft& draft, bool wasLeft)
+{
+    m_initialText = draft.text;
+    m_text = draft.text;
+    m_wasLeft = wasLeft;
+    // What the window wrote was an edit too.
+    m_editCount = draft.isEmpty() ? 0 : 1;
+}
+
+void PelinorDraftEdits::note(const PelinorDraft& draft)
+{
+    m_editCount += draft.text == m_text ? 0 : 1;
+    m_text = draft.text;
+    m_hasAttachments = !draft.attachments.isEmpty();
+}
+
+bool PelinorDraftEdits::isEdited() const
+{
+    const bool isMore = m_text.size() > m_initialText.size() + fewEdits;
+    return m_wasLeft || (isChanged() && (m_editCount > fewEdits || isMore || m_hasAttachments));
+}
+
 PelinorDraftRanges::PelinorDraftRanges(QStringView text)
     : linkRanges(linksOf(text))
     , hashTagRanges(KRAdditions::arrayOfRangesForRegex(text, KRHashTagRegex))

@@ -70,6 +70,29 @@ public:
     [[nodiscard]] static std::optional<PelinorDraft> draftWithCoder(const KRKeyedUnarchiver& coder);
 };
 
+/// What has become of the text that a window put in itself.
+class PelinorDraftEdits {
+public:
+    /// So few edits make nothing that one would miss, ...
+    static constexpr int fewEdits = 3;
+
+    /// The window begins with this draft, which may be one that was left by an earlier run.
+    void begin(const PelinorDraft& draft, bool wasLeft);
+    /// The draft has changed, or not.
+    void note(const PelinorDraft& draft);
+    /// There is something to keep.
+    [[nodiscard]] bool isChanged() const { return m_wasLeft || m_text != m_initialText; }
+    /// There is something to ask about before it is dropped: ... unless they brought more than a key does.
+    [[nodiscard]] bool isEdited() const;
+
+private:
+    QString m_initialText;
+    QString m_text;
+    bool m_hasAttachments = false;
+    bool m_wasLeft = false;
+    int m_editCount = 0;
+};
+
 /// How much room is left, as a field beside the text shows it.
 struct PelinorDraftCount {
     /// The longest text is that of the account's site, 0 where there is no limit.

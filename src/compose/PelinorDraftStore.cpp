@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
 #include <QUuid>
 
 using namespace Qt::StringLiterals;
@@ -15,18 +16,13 @@ namespace {
 
 constexpr QLatin1String suffix(".draft");
 
-KRResult<PelinorDraft> readDraft(const QString& path)
+std::optional<PelinorDraft> readDraft(const QString& path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return errorWithDomain(QString::fromUtf16(KRFileErrorDomain), -1, file.errorString());
+        return std::nullopt;
     const KRResult<KRKeyedUnarchiver> coder = KRKeyedUnarchiver::unarchiverWithData(file.readAll());
-    if (coder.isError())
-        return coder.error();
-    const std::optional<PelinorDraft> draft = PelinorDraft::draftWithCoder(coder.value());
-    if (!draft)
-        return errorWithDomain(QString::fromUtf16(KRArchiveErrorDomain), -1, u"This is no draft"_s);
-    return *draft;
+    return coder.isError() ? std::nullopt : PelinorDraft::draftWithCoder(coder.value());
 }
 
 QString newName()
@@ -82,11 +78,10 @@ QList<PelinorDraftStore::Stored> PelinorDraftStore::takeLeftDrafts()
     const QFileInfoList files
         = QDir(m_folder).entryInfoList({ u"*"_s + suffix }, QDir::Files, QDir::Time | QDir::Reversed);
     for (const QFileInfo& file : files) {
-        const KRResult<PelinorDraft> draft = readDraft(file.filePath());
-        if (draft.isError())
-            KRSetAsideUnreadableFile(file.filePath());
+        if (const std::optional<PelinorDraft> draft = readDraft(file.filePath()))
+            found.append({ std::make_shared<PelinorDraftFile>(file.filePath()), *draft });
         else
-            found.append({ std::make_shared<PelinorDraftFile>(file.filePath()), draft.value() });
+            KRSetAsideUnreadableFile(file.filePath());
     }
     _removeAbandonedFiles(found);
     return found;
@@ -98,10 +93,10 @@ void PelinorDraftStore::_removeAbandonedFiles(const QList<Stored>& found) const
     const QDir folder(m_folder);
     for (const QString& name : folder.entryList({ u"*%1.??????"_s.arg(suffix) }, QDir::Files))
         QFile::remove(folder.filePath(name));
-    QStringList needed;
+    QSet<QString> needed;
     for (const Stored& stored : found) {
         for (const PelinorAttachment& attachment : stored.draft.attachments)
-            needed.append(attachment.filename);
+            needed.insert(attachment.filename);
     }
     // Somebody may yet read a draft that was set aside.
     if (!folder.entryList({ u"*%1.unreadable*"_s.arg(suffix) }, QDir::Files).isEmpty())
@@ -118,10 +113,10 @@ std::shared_ptr<PelinorDraftFile> PelinorDraftStore::makeFile()
     return std::make_shared<PelinorDraftFile>(m_folder + u'/' + newName() + suffix);
 }
 
-QString PelinorDraftStore::newAttachmentPath()
+QString PelinorDraftStore::newAttachmentPath(const QString& suffix)
 {
     KRFileManager::createDirectoryIfNonExistent(m_attachmentsFolder);
-    return QDir(m_attachmentsFolder).filePath(newName() + u".png"_s);
+    return QDir(m_attachmentsFolder).filePath(newName() + u'.' + suffix);
 }
 
 void PelinorDraftStore::removeOwnAttachments(const QStringList& filenames) const

@@ -48,8 +48,8 @@ public:
     /// it. What cannot be understood is set aside, and what nobody needs any more is deleted.
     [[nodiscard]] QList<Stored> takeLeftDrafts();
     [[nodiscard]] std::shared_ptr<PelinorDraftFile> makeFile();
-    /// The name of a new file for a picture that comes without one.
-    [[nodiscard]] QString newAttachmentPath();
+    /// The name of a new file for a picture or movie that comes without one.
+    [[nodiscard]] QString newAttachmentPath(const QString& suffix);
     /// Deletes those of the files that newAttachmentPath() named.
     void removeOwnAttachments(const QStringList& filenames) const;
 

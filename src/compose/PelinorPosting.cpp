@@ -193,7 +193,8 @@ void PelinorPosting::didPostLong(const KRResult<Twitlonger>& response, Step step
     if (step != m_step)
         return;
     const QString content = response.isError() ? QString() : response.value().content();
-    if (content.isEmpty() || content.size() > m_account->longestPost()) {
+    const qsizetype longest = m_account->longestPost();
+    if (content.isEmpty() || (longest > 0 && content.size() > longest)) {
         _endWithSheet(PelinorSheet::longPostFailed());
         return;
     }

@@ -20,6 +20,8 @@ const QStringList& UsernameAutocompletionDelegate::cachedUsernames()
         for (const TwitterUserPtr& user : m_twitter.cachedUsers())
             names.append(user->username().toLower());
         names.sort(Qt::CaseInsensitive);
+        // The same name at several sites.
+        names.removeDuplicates();
         m_cachedUsernames = names;
     }
     return *m_cachedUsernames;
@@ -27,7 +29,7 @@ const QStringList& UsernameAutocompletionDelegate::cachedUsernames()
 
 QString UsernameAutocompletionDelegate::completedString(const QString& typed)
 {
-    return completions(typed, 1).value(0);
+    return typed.isEmpty() ? QString() : completions(typed, 1).value(0);
 }
 
 QStringList UsernameAutocompletionDelegate::completions(const QString& typed, qsizetype most)

@@ -28,6 +28,8 @@ public:
     void updateUsernames() { m_cachedUsernames.reset(); }
     /// The first name that begins with what was typed, in any case; null when there is none.
     QString completedString(const QString& typed);
+    /// The place of a name among them; -1 when it is none.
+    qsizetype indexOfName(const QString& name) { return cachedUsernames().indexOf(name); }
     /// The names that begin so, no more than fit below a line.
     QStringList completions(const QString& typed, qsizetype most);
 

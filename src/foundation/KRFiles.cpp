@@ -22,9 +22,10 @@ KRError writeError(const QString& path, const QFileDevice& file)
 KRResult<void> KRWriteFileAtomically(const QString& path, const QByteArray& bytes)
 {
     QSaveFile file(path);
+    // What is still in its buffer when it commits may get lost on a full disk without a word.
     const bool written = file.open(QIODevice::WriteOnly)
         && file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-        && file.write(bytes) == bytes.size() && file.commit();
+        && file.write(bytes) == bytes.size() && file.flush() && file.commit();
     if (written)
         return {};
     return writeError(path, file);

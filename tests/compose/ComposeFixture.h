@@ -11,6 +11,7 @@
 
 #include <QTemporaryDir>
 
+#include <future>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -26,36 +27,45 @@ protected:
         KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
         settings.extraCAFile = KRTestAuthorityFile();
         KRHTTPTransportSettings::setCurrent(settings);
-        TwitterServiceHosts hosts;
-        hosts.setValueForKey(server.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
-        for (const char* key : { TwitterServiceHostKeys::YFrogAPIHost,
-                 TwitterServiceHostKeys::TwitPicAPIHost,
-                 TwitterServiceHostKeys::TwitlongerAPIHost,
-                 TwitterServiceHostKeys::TinyURLAPIHost,
-                 TwitterServiceHostKeys::IsGdAPIHost })
+        TwitterServiceHosts hosts = hostsWith(server.host());
+        namespace Keys = TwitterServiceHostKeys;
+        for (const char* key : { Keys::YFrogAPIHost,
+                 Keys::TwitPicAPIHost,
+                 Keys::TwitlongerAPIHost,
+                 Keys::TinyURLAPIHost,
+                 Keys::IsGdAPIHost })
             hosts.setValueForKey(QStringLiteral("https://%1/%2/").arg(server.host(), QLatin1String(key)),
                 QLatin1String(key));
         twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, hosts, false });
-        account = TwitterAccount::accountWithUsername(QStringLiteral("alice"),
-            QStringLiteral("wonderland"),
-            twitter->accountContext());
-        answer("/account/verify_credentials.xml", KRTestServer::always(200, "<nothing/>"));
-        twitter->addAccount(account);
+        _signIn(twitter->accountContext());
     }
 
+    static TwitterServiceHosts hostsWith(const QString& host)
+    {
+        TwitterServiceHosts hosts;
+        hosts.setValueForKey(host, QLatin1String(TwitterServiceHosts::RESTHostKey));
+        return hosts;
+    }
+    /// Another account in the place of this one.
+    void useSite(const TwitterSite& site)
+    {
+        twitter->removeAccount(account);
+        _signIn(twitter->accountContextForSite(site));
+    }
     void answer(const QByteArray& path, Handler handler)
     {
         std::scoped_lock guard(m_lock);
         m_handlers[path] = std::move(handler);
     }
+    void answer(const QByteArray& path, int status, const QByteArray& body)
+    {
+        answer(path, KRTestServer::always(status, body));
+    }
     /// The requests to the path, in order.
     QList<KRTestServer::Request> requestsTo(const QByteArray& path) const
     {
-        QList<KRTestServer::Request> found;
-        for (const KRTestServer::Request& request : server.requests()) {
-            if (request.target.startsWith(path))
-                found.append(request);
-        }
+        QList<KRTestServer::Request> found = server.requests();
+        found.removeIf([&](const auto& request) { return !request.target.startsWith(path); });
         return found;
     }
     QString fileWith(const QString& name, const QByteArray& content) const
@@ -64,6 +74,16 @@ protected:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
         return file.fileName();
+    }
+    /// From a handler: has it done before the answer goes out.
+    static void runOnMainThread(const std::function<void()>& what)
+    {
+        std::promise<void> done;
+        KRRunLoop::main().post([&] {
+            what();
+            done.set_value();
+        });
+        done.get_future().wait();
     }
     /// Answers that were under way have come, and what follows them has run.
     static void settle()
@@ -75,13 +95,20 @@ protected:
     }
 
 private:
+    void _signIn(const TwitterAccountContext& context)
+    {
+        account = TwitterAccount::accountWithUsername(QStringLiteral("alice"),
+            QStringLiteral("wonderland"),
+            context);
+        twitter->addAccount(account);
+    }
     void _answer(const KRTestServer::Request& request, KRTestServer::Connection& connection)
     {
         Handler handler = KRTestServer::always(200, "<nothing/>");
         {
             std::scoped_lock guard(m_lock);
-            const QByteArray path = request.target.split('?').first();
-            if (const auto found = m_handlers.find(path); found != m_handlers.end())
+            if (const auto found = m_handlers.find(request.target.split('?').first());
+                found != m_handlers.end())
                 handler = found->second;
         }
         handler(request, connection);

@@ -124,3 +124,25 @@ TEST_F(OutsideTest, ShortenersRefuseWhatIsNoLink)
     EXPECT_THAT(get(at("TinyURLAPIHost") + "/api-create.php?url=www.example.org").body,
         StartsWith("http://"));
 }
+
+TEST_F(OutsideTest, TheSitesOwnPictureStoreSaysWhatItTook)
+{
+    const std::string png
+        = QByteArray::fromBase64("iVBORw0KGgoAAAANSUhEUgAAAAIAAAADCAIAAAA2iEnWAAAADklEQVR4nGP4DwYMEAoA"
+                                 "U7oL9TCGTn8AAAAASUVORK5CYII=")
+              .toStdString();
+    const auto upload = [](Caller caller, const std::string& content) {
+        return caller.postBody("/api/statusnet/media/upload",
+            "--b\r\nContent-Disposition: form-data; name=\"media\"; filename=\"a.png\"\r\n\r\n" + content
+                + "\r\n--b--\r\n",
+            "multipart/form-data; boundary=b");
+    };
+    EXPECT_EQ(upload(nobody(), png).status, 401);
+    const Reply picture = upload(alice(), png);
+    EXPECT_THAT(picture.body, HasSubstr(R"(<image w="2" h="3" image_type="image/png">)"));
+    EXPECT_EQ(picture.text("rsp", "mediaurl"), picture.text("rsp", "media_url"));
+    EXPECT_THAT(picture.text("rsp", "mediaurl"), testing::EndsWith("/" + picture.text("rsp", "mediaid")));
+    const Reply words = upload(alice(), "words");
+    EXPECT_THAT(words.body, Not(HasSubstr("<image")));
+    EXPECT_EQ(words.text("rsp", "size"), "5");
+}

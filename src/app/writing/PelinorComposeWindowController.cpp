@@ -1,6 +1,8 @@
 #include "app/writing/PelinorComposeWindowController.h"
 
 #include "app/look/PelinorAlert.h"
+#include "app/look/PelinorDraftColors.h"
+#include "app/writing/PelinorAccountMenu.h"
 #include "app/writing/PelinorDraftHighlighter.h"
 #include "app/writing/PelinorNameCompletion.h"
 #include "app/writing/PelinorRecipientSheet.h"
@@ -10,27 +12,60 @@
 #include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QCloseEvent>
-#include <QComboBox>
+#include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QMenu>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
-#include <QToolButton>
+#include <QStandardPaths>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 constexpr int AppearanceSteps = 20;
+constexpr int CascadeStep = 28;
+constexpr int CascadeLength = 8;
 constexpr int TextSize = 14;
 constexpr int TextInset = 8;
 constexpr int BottomBorder = 37;
 constexpr QSize InitialSize(460, 190);
 constexpr QSize MinimumSize(360, 140);
+
+QPoint topCentreOfMainScreen()
+{
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    return { screen.left() + screen.width() / 2, screen.top() };
+}
+
+// Of the frame that the desktop draws. Unlike the widget's own flags these change without the window going
+// and coming back.
+void setFrameButtonsEnabled(const QWidget& window, bool isEnabled)
+{
+    const Qt::WindowFlags buttons
+        = Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint;
+    const Qt::WindowFlags flags = window.windowFlags();
+    if (QWindow* const handle = window.windowHandle())
+        handle->setFlags(
+            isEnabled ? flags : (flags & ~buttons) | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+}
+
+// A new file among the user's pictures.
+QString newPhotoPath(const QString& suffix)
+{
+    const QDir folder(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
+    folder.mkpath(u"."_s);
+    return folder.filePath(
+        u"Pelinor %1.%2"_s.arg(QDateTime::currentDateTime().toString(u"yyyy-MM-dd hh.mm.ss.zzz"), suffix));
+}
 
 } // namespace
 
@@ -51,6 +86,12 @@ protected:
         QWidget::closeEvent(event);
         m_controller._dismiss();
     }
+    void changeEvent(QEvent* event) override
+    {
+        QWidget::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange)
+            m_controller._paletteDidChange();
+    }
 
 private:
     PelinorComposeWindowController& m_controller;
@@ -67,6 +108,7 @@ PelinorComposeWindowController::PelinorComposeWindowController(Twitter& twitter,
     , m_keeper(store, left ? left->file : nullptr)
     , m_posting(
           std::make_shared<PelinorPosting>(twitter, &defaults, static_cast<PelinorPostingDelegate*>(this)))
+    , m_sourcePoint(topCentreOfMainScreen())
     , m_window(std::make_unique<Window>(*this))
     , m_wasLeft(left)
 {
@@ -79,9 +121,6 @@ PelinorComposeWindowController::PelinorComposeWindowController(Twitter& twitter,
             [this](KRRange range, const QString& link) { m_textView->replaceRange(range, link); },
             [this](bool isBusy) { _setBusy(isBusy); } });
     m_keeper.setFailureHandler([this](const std::optional<KRError>& error) { _showFailureToKeep(error); });
-    m_accountsObservation
-        = KRNotificationCenter::defaultCenter().observe<TwitterAccountsDidChangeNotification>(
-            [this](const auto&) { _buildAccountMenu(); });
 }
 
 PelinorComposeWindowController::~PelinorComposeWindowController()
@@ -110,8 +149,8 @@ void PelinorComposeWindowController::_loadWindow()
     m_textView->setFrameShape(QFrame::NoFrame);
     m_textView->setTabChangesFocus(true);
     m_textView->document()->setDocumentMargin(TextInset);
-    m_textView->setNewAttachmentPath([this] { return m_store->newAttachmentPath(); });
-    new PelinorDraftHighlighter(m_textView->document());
+    m_textView->setNewAttachmentPath([this] { return m_store->newAttachmentPath(u"png"_s); });
+    m_highlighter = new PelinorDraftHighlighter(m_textView->document());
     m_noticeField = new QLabel(m_window.get());
     m_noticeField->setObjectName(u"noticeField"_s);
     m_noticeField->setTextFormat(Qt::PlainText);
@@ -133,14 +172,10 @@ void PelinorComposeWindowController::_loadWindow()
 
 void PelinorComposeWindowController::_loadControls()
 {
-    m_accountPopUpButton = new QComboBox(m_window.get());
-    m_accountPopUpButton->setObjectName(u"accountPopUpButton"_s);
-    m_accountPopUpButton->setAccessibleName(tr("Post as"));
-    m_actionPopUpButton = new QToolButton(m_window.get());
+    m_accountPopUpButton = new PelinorAccountMenu(m_twitter, m_window.get());
+    m_actionPopUpButton = new QPushButton(tr("Add"), m_window.get());
     m_actionPopUpButton->setObjectName(u"actionPopUpButton"_s);
-    m_actionPopUpButton->setText(tr("Add"));
     m_actionPopUpButton->setAccessibleName(tr("Attachments and links"));
-    m_actionPopUpButton->setPopupMode(QToolButton::InstantPopup);
     m_actionPopUpButton->setFocusPolicy(Qt::TabFocus);
     m_composeProgressIndicator = new QProgressBar(m_window.get());
     m_composeProgressIndicator->setObjectName(u"composeProgressIndicator"_s);
@@ -171,10 +206,13 @@ void PelinorComposeWindowController::_loadControls()
     m_window->layout()->addWidget(border);
     connect(m_postButton, &QPushButton::clicked, this, &PelinorComposeWindowController::post);
     connect(m_cancelButton, &QPushButton::clicked, this, &PelinorComposeWindowController::cancel);
-    connect(m_accountPopUpButton, &QComboBox::activated, this, [this](int index) {
-        m_account = m_twitter.accounts().value(index, m_account);
-        _updateDraft();
-    });
+    connect(m_accountPopUpButton,
+        &PelinorAccountMenu::accountChosen,
+        this,
+        [this](const TwitterAccountPtr& account) {
+            m_account = account;
+            _updateDraft();
+        });
 }
 
 void PelinorComposeWindowController::_loadShortcuts()
@@ -187,32 +225,28 @@ void PelinorComposeWindowController::_loadShortcuts()
     onKeys(QKeySequence(Qt::Key_Escape), &PelinorComposeWindowController::cancel);
     auto* const menu = new QMenu(m_actionPopUpButton);
     const auto addAction = [&](const QString& title,
-                               Qt::Key key,
+                               const QKeySequence& keys,
                                const QString& name,
                                void (PelinorComposeWindowController::*method)()) {
-        QAction* const action = menu->addAction(title, QKeySequence(Qt::CTRL | Qt::SHIFT | key));
+        QAction* const action = menu->addAction(title, keys);
         action->setObjectName(name);
         connect(action, &QAction::triggered, this, method);
         // The menu is closed most of the time, and the keys are the window's.
         m_window->addAction(action);
     };
-    addAction(tr("&Attach a File..."), Qt::Key_A, u"addImage"_s, &PelinorComposeWindowController::addImage);
+    using Controller = PelinorComposeWindowController;
+    addAction(tr("&Attach a File..."), QKeySequence(u"Ctrl+Shift+A"_s), u"addImage"_s, &Controller::addImage);
+    addAction(tr("&Record a Movie..."),
+        QKeySequence(u"Ctrl+Shift+M"_s),
+        u"recordVideo"_s,
+        &Controller::recordVideo);
+    addAction(tr("Take a &Photo..."), {}, u"takePhoto"_s, &Controller::takePhoto);
+    menu->addSeparator();
     addAction(tr("&Shorten Links"),
-        Qt::Key_L,
+        QKeySequence(u"Ctrl+Shift+L"_s),
         u"shortenURLs"_s,
-        &PelinorComposeWindowController::shortenURLs);
+        &Controller::shortenURLs);
     m_actionPopUpButton->setMenu(menu);
-}
-
-void PelinorComposeWindowController::_buildAccountMenu()
-{
-    m_accountPopUpButton->clear();
-    for (const TwitterAccountPtr& account : m_twitter.accounts())
-        m_accountPopUpButton->addItem(account->qualifiedName());
-    m_accountPopUpButton->setCurrentIndex(int(m_twitter.accounts().indexOf(m_account)));
-    // Somebody whose account has gone needs another one.
-    m_accountPopUpButton->setVisible(
-        m_twitter.accounts().size() >= 2 || (m_account && !m_twitter.containsAccount(m_account)));
 }
 
 void PelinorComposeWindowController::showWindow()
@@ -223,23 +257,31 @@ void PelinorComposeWindowController::showWindow()
     }
     if (!m_account)
         KRLog(u"ERROR: compose screen up, no account set"_s);
-    _buildAccountMenu();
+    m_accountPopUpButton->setAccount(m_account);
     const PelinorDraft left = m_draft;
     _updateWindowTitle();
-    m_initialText = m_draft.text;
     if (m_wasLeft) {
         m_textView->setDraft(left);
         m_draft.mayHaveGoneOut = left.mayHaveGoneOut;
     }
-    m_window->setWindowModified(m_wasLeft);
+    // What the window put in itself is nothing to lose, and nothing to undo.
+    m_edits.begin(m_draft, m_wasLeft);
+    m_textView->document()->clearUndoRedoStacks();
+    m_window->setWindowModified(m_edits.isEdited());
     _updateRemainingField();
-    KRWindowAppearance::showWindow(*m_window, m_sourcePoint, AppearanceSteps);
+    const int steps = m_windowsBefore % CascadeLength;
+    KRWindowAppearance::showWindow(*m_window,
+        m_sourcePoint,
+        AppearanceSteps,
+        { steps * CascadeStep, steps * CascadeStep });
     m_textView->setFocus();
     if (m_draft.mayHaveGoneOut)
         _showSheet(m_draft.isDirectMessage ? PelinorSheet::messageMayHaveGoneOut(nullptr)
                                            : PelinorSheet::postMayHaveGoneOut(nullptr));
     else if (m_draft.isDirectMessage && m_draft.recipientUsername.isEmpty())
         _promptForRecipient();
+    else if (m_forceVideo)
+        recordVideo();
 }
 
 void PelinorComposeWindowController::_updateWindowTitle()
@@ -249,9 +291,12 @@ void PelinorComposeWindowController::_updateWindowTitle()
         m_postButton->setText(tr("Send"));
         return;
     }
-    m_window->setWindowTitle(tr("New Tweet") + u"[*]"_s);
-    if (m_draft.isDirectMessage)
+    if (m_draft.isDirectMessage) {
+        m_window->setWindowTitle(tr("New Direct Message") + u"[*]"_s);
+        m_postButton->setText(tr("Send"));
         return;
+    }
+    m_window->setWindowTitle(tr("New Tweet") + u"[*]"_s);
     if (!m_draft.inReplyToUsername.isEmpty()) {
         m_window->setWindowTitle(tr("In reply to %1").arg(m_draft.inReplyToFullName.simplified()) + u"[*]"_s);
         m_textView->insertPlainText(m_draft.replyPrefix());
@@ -262,15 +307,14 @@ void PelinorComposeWindowController::_updateWindowTitle()
 
 void PelinorComposeWindowController::_promptForRecipient()
 {
-    const QStringList names = UsernameAutocompletionDelegate(m_twitter).cachedUsernames();
-    auto* const sheet = new PelinorRecipientSheet(m_account, names, m_window.get());
+    auto* const sheet = new PelinorRecipientSheet(m_twitter, m_account, m_window.get());
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     connect(sheet, &PelinorRecipientSheet::recipientChosen, this, [this](const TwitterUserPtr& user) {
         m_draft.setRecipient(user.get());
         _updateWindowTitle();
         _updateDraft();
     });
-    sheet->open();
+    KRWindowAppearance::openDialog(*sheet, *m_window);
 }
 
 // The text
@@ -285,10 +329,13 @@ void PelinorComposeWindowController::_updateDraft()
 {
     m_textView->fillDraft(m_draft);
     m_draft.accountName = m_account ? m_account->qualifiedName() : QString();
-    const bool wasModified = m_window->isWindowModified();
-    m_window->setWindowModified(m_wasLeft || m_draft.text != m_initialText);
-    if (m_window->isVisible() && (wasModified || m_window->isWindowModified()))
-        m_keeper.keep(m_draft);
+    const bool wasChanged = m_edits.isChanged();
+    m_edits.note(m_draft);
+    if (m_window->isVisible()) {
+        m_window->setWindowModified(m_edits.isEdited());
+        if (wasChanged || m_edits.isChanged())
+            m_keeper.keep(m_draft);
+    }
     _updateRemainingField();
 }
 
@@ -309,22 +356,26 @@ void PelinorComposeWindowController::_updateRemainingField()
     m_remainingField->setText(QString::number(count.remaining));
     m_remainingField->setAccessibleName(tr("%1 characters left").arg(count.remaining));
     QPalette palette = m_window->palette();
-    QColor color = palette.color(QPalette::WindowText);
-    color.setAlphaF(0.5F);
-    if (count.isOver())
-        color = color.lightnessF() > 0.5F ? QColor(0xF2, 0x9A, 0x8E) : QColor::fromRgbF(0.5F, 0, 0, 0.8F);
-    palette.setColor(QPalette::WindowText, color);
+    const PelinorDraftColors& colors = PelinorDraftColors::forPalette(palette);
+    palette.setColor(QPalette::WindowText, count.isOver() ? colors.tooMany : colors.remaining);
     m_remainingField->setPalette(palette);
+}
+
+void PelinorComposeWindowController::_paletteDidChange()
+{
+    m_highlighter->rehighlight();
+    _updateRemainingField();
 }
 
 void PelinorComposeWindowController::addImage()
 {
     if (m_posting->isPosting())
         return;
-    auto* const panel = new QFileDialog(m_window.get(), tr("Attach a File"));
+    auto* const panel = new QFileDialog(m_window.get(),
+        tr("Attach a File"),
+        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation));
     panel->setAttribute(Qt::WA_DeleteOnClose);
     panel->setFileMode(QFileDialog::ExistingFile);
-
     panel->setNameFilters(
         { tr("Pictures and movies (*.png *.jpg *.jpeg *.gif *.webp *.bmp *.tif *.tiff *.svg "
              "*.mp4 *.mov *.webm *.mkv *.avi *.ogv *.mpg)"),
@@ -333,6 +384,39 @@ void PelinorComposeWindowController::addImage()
         m_textView->attachFile(path);
     });
     panel->open();
+}
+
+void PelinorComposeWindowController::recordVideo()
+{
+    _capture(PelinorCaptureSheet::Kind::Movie);
+}
+
+void PelinorComposeWindowController::takePhoto()
+{
+    _capture(PelinorCaptureSheet::Kind::Photo);
+}
+
+void PelinorComposeWindowController::_capture(PelinorCaptureSheet::Kind kind)
+{
+    if (m_posting->isPosting())
+        return;
+    const bool isMovie = kind == PelinorCaptureSheet::Kind::Movie;
+    const auto newMoviePath
+        = [store = m_store](const QString& suffix) { return store->newAttachmentPath(suffix); };
+    auto* const sheet = new PelinorCaptureSheet(kind,
+        m_cameraMaker(),
+        isMovie ? PelinorCaptureSheet::NewPath(newMoviePath) : &newPhotoPath,
+        m_window.get());
+    connect(sheet, &PelinorCaptureSheet::captured, this, [this, isMovie](const QString& path) {
+        if (isMovie) {
+            m_textView->attachFile(path);
+            return;
+        }
+        KRLog(u"got output image %1"_s.arg(path));
+        m_noticeField->setText(tr("The photo is in your pictures, as %1.").arg(QFileInfo(path).fileName()));
+        m_noticeField->show();
+    });
+    KRWindowAppearance::openDialog(*sheet, *m_window);
 }
 
 void PelinorComposeWindowController::shortenURLs()
@@ -353,6 +437,7 @@ void PelinorComposeWindowController::post()
 
 void PelinorComposeWindowController::_setPosting(bool isPosting)
 {
+    setFrameButtonsEnabled(*m_window, !isPosting);
     m_textView->setReadOnly(isPosting);
     m_postButton->setEnabled(!isPosting);
     m_accountPopUpButton->setEnabled(!isPosting);
@@ -421,7 +506,7 @@ void PelinorComposeWindowController::_showSheet(const PelinorSheet& sheet)
     QPushButton* const cancel = box->addButton(sheet.cancelButton, QMessageBox::RejectRole);
     box->setDefaultButton(choice && sheet.isChoiceDefault ? choice : cancel);
     box->setEscapeButton(cancel);
-    box->open();
+    KRWindowAppearance::openDialog(*box, *m_window);
 }
 
 void PelinorComposeWindowController::_choose(PelinorSheet::Choice choice)

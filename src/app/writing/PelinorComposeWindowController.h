@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/capture/PelinorCaptureSheet.h"
 #include "compose/PelinorDraftKeeper.h"
 #include "compose/PelinorLinkShortening.h"
 #include "compose/PelinorPosting.h"
@@ -11,12 +12,12 @@
 #include <memory>
 
 class PelinorComposeWindowController;
-class QComboBox;
+class PelinorAccountMenu;
+class PelinorDraftHighlighter;
+class PelinorTextView;
 class QLabel;
 class QProgressBar;
 class QPushButton;
-class QToolButton;
-class PelinorTextView;
 
 /// Hears that a compose window is through. Main thread.
 class PelinorComposeWindowControllerDelegate {
@@ -56,6 +57,12 @@ public:
     void setSourcePoint(QPoint point) { m_sourcePoint = point; }
     void setDirectMessageUser(const TwitterUserPtr& user) { m_draft.setRecipient(user.get()); }
     void setPromptToDirectMessageUser(bool prompts) { m_draft.isDirectMessage = prompts; }
+    /// How many windows of its kind are open already: it is not to cover them.
+    void setWindowsBefore(int count) { m_windowsBefore = count; }
+    /// The recorder opens with the window.
+    void setForceVideo(bool forces) { m_forceVideo = forces; }
+    /// What photos and movies are taken with; the computer's camera without this.
+    void setCameraMaker(PelinorCameraMaker maker) { m_cameraMaker = std::move(maker); }
 
     void showWindow();
     QWidget& window();
@@ -67,6 +74,10 @@ public:
     void cancel();
     /// Lets the user choose a file to attach.
     void addImage();
+    /// Records a movie and attaches it.
+    void recordVideo();
+    /// Takes a photo, which goes to the user's pictures and is not attached.
+    void takePhoto();
     void shortenURLs();
     /// The text is not wanted any more; the window stays.
     void discardDraft() { m_keeper.forget(); }
@@ -77,10 +88,11 @@ private:
     class Window;
 
     void _loadWindow();
-    void _buildAccountMenu();
     void _updateWindowTitle();
     void _textDidChange();
+    void _paletteDidChange();
     void _updateRemainingField();
+    void _capture(PelinorCaptureSheet::Kind kind);
     void _promptForRecipient();
     void _loadControls();
     void _loadShortcuts();
@@ -109,21 +121,23 @@ private:
     PelinorDraftKeeper m_keeper;
     std::shared_ptr<PelinorPosting> m_posting;
     std::shared_ptr<PelinorLinkShortening> m_shortening;
-    KRObservation m_accountsObservation;
     QString m_defaultText;
     QPoint m_sourcePoint;
+    PelinorCameraMaker m_cameraMaker = &PelinorMakeDeviceCamera;
+    bool m_forceVideo = false;
+    int m_windowsBefore = 0;
 
     std::unique_ptr<Window> m_window;
     PelinorTextView* m_textView = nullptr;
-    QComboBox* m_accountPopUpButton = nullptr;
-    QToolButton* m_actionPopUpButton = nullptr;
+    PelinorDraftHighlighter* m_highlighter = nullptr;
+    PelinorAccountMenu* m_accountPopUpButton = nullptr;
+    QPushButton* m_actionPopUpButton = nullptr;
     QProgressBar* m_composeProgressIndicator = nullptr;
     QLabel* m_noticeField = nullptr;
     QLabel* m_remainingField = nullptr;
     QPushButton* m_cancelButton = nullptr;
     QPushButton* m_postButton = nullptr;
-    // What the window put in itself is nothing to lose.
-    QString m_initialText;
+    PelinorDraftEdits m_edits;
     const bool m_wasLeft;
     int m_busyCount = 0;
     bool m_mayClose = false;

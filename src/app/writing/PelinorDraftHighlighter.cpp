@@ -1,29 +1,9 @@
 #include "app/writing/PelinorDraftHighlighter.h"
 
+#include "app/look/PelinorDraftColors.h"
 #include "compose/PelinorDraft.h"
 
 #include <QGuiApplication>
-#include <QPalette>
-
-namespace {
-
-struct Colors {
-    QColor links;
-    QColor hashtags;
-    QColor usernames;
-};
-
-Colors colors()
-{
-    // The blue of links is that of a light page; on a dark one it could not be read.
-    if (QGuiApplication::palette().color(QPalette::WindowText).lightnessF() > 0.5F)
-        return { QColor(0x6B, 0xB5, 0xFF), QColor(0x9E, 0xA6, 0xB0), QColor(0x6B, 0xB5, 0xFF) };
-    return { QColor::fromRgbF(0, 0.2F, 0.4F),
-        QColor::fromRgbF(0.7F, 0.7F, 0.7F),
-        QColor::fromRgbF(0, 0.5F, 1) };
-}
-
-} // namespace
 
 void PelinorDraftHighlighter::highlightBlock(const QString& text)
 {
@@ -32,9 +12,9 @@ void PelinorDraftHighlighter::highlightBlock(const QString& text)
             setFormat(int(range.location), int(range.length), color);
     };
     // Where they overlap the later one wins.
-    const Colors shown = colors();
+    const PelinorDraftColors& colors = PelinorDraftColors::forPalette(QGuiApplication::palette());
     const PelinorDraftRanges ranges(text);
-    mark(ranges.linkRanges, shown.links);
-    mark(ranges.hashTagRanges, shown.hashtags);
-    mark(ranges.usernameRanges, shown.usernames);
+    mark(ranges.linkRanges, colors.links);
+    mark(ranges.hashTagRanges, colors.hashtags);
+    mark(ranges.usernameRanges, colors.usernames);
 }

@@ -1,14 +1,18 @@
 #include "app/writing/PelinorTextView.h"
 
+#include "app/look/PelinorDraftColors.h"
+
 #include <QAbstractTextDocumentLayout>
+#include <QDataStream>
 #include <QFileIconProvider>
 #include <QFileInfo>
+#include <QGlyphRun>
 #include <QHelpEvent>
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QPainterPath>
+#include <QRawFont>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QToolTip>
@@ -21,7 +25,10 @@ namespace {
 /// The path of the file that a character stands for.
 constexpr int AttachedImageAttribute = QTextFormat::UserProperty + 1;
 constexpr int IconSize = 16;
-constexpr QSize LargestPreviewed(12'000, 12'000);
+// Most kinds of pictures are decoded whole to be shown small, which the user would have to wait for.
+constexpr qint64 MostPreviewedPixels = 24'000'000;
+/// A piece of a draft with its files: text and path in turns, text at both ends.
+constexpr QLatin1String PiecesMimeType("application/x-pelinor-draft");
 
 QImage iconForFile(const QString& path, qreal scale)
 {
@@ -32,7 +39,7 @@ QImage iconForFile(const QString& path, qreal scale)
     QImage preview;
     QImageReader reader(path);
     const QSize full = reader.size();
-    if (full.isValid() && full.boundedTo(LargestPreviewed) == full) {
+    if (full.isValid() && qint64(full.width()) * full.height() <= MostPreviewedPixels) {
         reader.setScaledSize(full.scaled(size, Qt::KeepAspectRatio).expandedTo({ 1, 1 }));
         preview = reader.read();
     }
@@ -57,6 +64,15 @@ bool hasFiles(const QMimeData* source)
 {
     const QList<QUrl> urls = source->urls();
     return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
+}
+
+// Whoever drags files here would lose them by another answer: a move is over when they have gone there.
+void answerCopy(QDropEvent& event)
+{
+    if (event.isAccepted() && hasFiles(event.mimeData())) {
+        event.setDropAction(Qt::CopyAction);
+        event.accept();
+    }
 }
 
 } // namespace
@@ -101,7 +117,6 @@ void PelinorTextView::setDraft(const PelinorDraft& draft)
         _insertAttachment(cursor, attachment.filename);
     }
     cursor.endEditBlock();
-    document()->clearUndoRedoStacks();
     moveCursor(QTextCursor::End);
 }
 
@@ -155,12 +170,18 @@ void PelinorTextView::_insertPicture(const QImage& image)
 
 bool PelinorTextView::canInsertFromMimeData(const QMimeData* source) const
 {
-    return hasFiles(source) || source->hasImage() || QTextEdit::canInsertFromMimeData(source);
+    return hasFiles(source) || source->hasImage() || source->hasFormat(PiecesMimeType)
+        || QTextEdit::canInsertFromMimeData(source);
 }
 
 void PelinorTextView::insertFromMimeData(const QMimeData* source)
 {
-    if (hasFiles(source)) {
+    if (source->hasFormat(PiecesMimeType)) {
+        QDataStream stream(source->data(PiecesMimeType));
+        QStringList pieces;
+        stream >> pieces;
+        _insertPieces(pieces);
+    } else if (hasFiles(source)) {
         for (const QUrl& url : source->urls())
             attachFile(url.toLocalFile());
     } else if (source->hasImage() && !source->hasText()) {
@@ -171,26 +192,75 @@ void PelinorTextView::insertFromMimeData(const QMimeData* source)
     }
 }
 
+void PelinorTextView::_insertPieces(const QStringList& pieces)
+{
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    for (qsizetype index = 0; index < pieces.size(); ++index) {
+        const QString& piece = pieces[index];
+        if (index % 2 == 0)
+            cursor.insertText(piece, QTextCharFormat());
+        else if (PelinorAttachment::kindOfFile(piece) != PelinorAttachment::Kind::None)
+            _insertAttachment(cursor, piece);
+    }
+    cursor.endEditBlock();
+    setTextCursor(cursor);
+    setCurrentCharFormat({});
+    ensureCursorVisible();
+}
+
 QMimeData* PelinorTextView::createMimeDataFromSelection() const
 {
     PelinorDraft draft;
     fillDraft(draft);
-    const KRRange selected { textCursor().selectionStart(),
-        textCursor().selectionEnd() - textCursor().selectionStart() };
-    QString text = KRSubstring(draft.text, selected);
-    text.remove(PelinorAttachmentCharacter);
-    auto* const copied = new QMimeData;
-    if (!text.isEmpty()) {
-        copied->setText(text);
-        return copied;
-    }
+    const qsizetype end = textCursor().selectionEnd();
+    qsizetype start = textCursor().selectionStart();
+    QStringList pieces;
     QList<QUrl> files;
     for (const PelinorAttachment& attachment : draft.attachments) {
-        if (selected.contains(attachment.location))
-            files.append(QUrl::fromLocalFile(attachment.filename));
+        if (attachment.location < start || attachment.location >= end)
+            continue;
+        pieces << draft.text.mid(start, attachment.location - start) << attachment.filename;
+        files.append(QUrl::fromLocalFile(attachment.filename));
+        start = attachment.location + 1;
     }
-    copied->setUrls(files);
+    pieces << draft.text.mid(start, end - start);
+
+    // Other programs take the words, or where there are none the files.
+    auto* const copied = new QMimeData;
+    QString text;
+    for (qsizetype index = 0; index < pieces.size(); index += 2)
+        text += pieces[index];
+    if (text.isEmpty())
+        copied->setUrls(files);
+    else
+        copied->setText(text);
+    if (!files.isEmpty()) {
+        QByteArray bytes;
+        QDataStream stream(&bytes, QIODevice::WriteOnly);
+        stream << pieces;
+        copied->setData(PiecesMimeType, bytes);
+    }
     return copied;
+}
+
+void PelinorTextView::dragEnterEvent(QDragEnterEvent* event)
+{
+    QTextEdit::dragEnterEvent(event);
+    answerCopy(*event);
+}
+
+void PelinorTextView::dragMoveEvent(QDragMoveEvent* event)
+{
+    QTextEdit::dragMoveEvent(event);
+    answerCopy(*event);
+}
+
+void PelinorTextView::dropEvent(QDropEvent* event)
+{
+    QTextEdit::dropEvent(event);
+    answerCopy(*event);
 }
 
 QString PelinorTextView::_attachmentAt(const QPoint& point) const
@@ -259,17 +329,17 @@ void PelinorTextView::paintEvent(QPaintEvent* event)
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.translate(-horizontalScrollBar()->value(), -verticalScrollBar()->value());
+        const QRectF seen
+            = QRectF(event->rect()).translated(horizontalScrollBar()->value(), verticalScrollBar()->value());
         for (const KRRange& range : m_linkRanges)
-            _drawBackdrop(painter, range);
+            _drawBackdrop(painter, range, seen);
     }
     QTextEdit::paintEvent(event);
 }
 
-void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range) const
+void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range, const QRectF& seen) const
 {
-    const bool isDark = palette().color(QPalette::Base).lightnessF() < 0.5F;
-    const QColor rim = isDark ? QColor(0x2E, 0x3E, 0x58) : QColor::fromRgbF(0.7F, 0.75F, 0.85F);
-    const QColor inside = isDark ? QColor(0x24, 0x30, 0x45) : QColor::fromRgbF(0.8F, 0.85F, 0.95F);
+    const PelinorDraftColors& colors = PelinorDraftColors::forPalette(palette());
     const QTextBlock block = document()->findBlock(int(range.location));
     if (!block.isValid() || !block.layout())
         return;
@@ -280,16 +350,27 @@ void PelinorTextView::_drawBackdrop(QPainter& painter, KRRange range) const
         const QTextLine line = block.layout()->lineAt(index);
         const int from = std::max(start, line.textStart());
         const int to = std::min(end, line.textStart() + line.textLength());
-        if (from >= to)
+        // Only the glyphs of lines that are drawn anyway are made.
+        if (from >= to || !seen.intersects(line.rect().translated(origin).adjusted(0, -1, 0, 1)))
             continue;
-        const qreal left = line.cursorToX(from);
-        const qreal right = line.cursorToX(to);
+        // In text of two directions the cursor's places are not where the characters begin and end.
+        qreal left = line.width();
+        qreal right = 0;
+        for (const QGlyphRun& run : line.glyphRuns(from, to - from)) {
+            const QList<QPointF> advances = run.rawFont().advancesForGlyphIndexes(run.glyphIndexes());
+            for (qsizetype glyph = 0; glyph < advances.size(); ++glyph) {
+                const qreal x = run.positions().at(glyph).x();
+                left = std::min(left, x);
+                right = std::max(right, x + advances.at(glyph).x());
+            }
+        }
+        if (right <= left)
+            continue;
         const QRectF fragment
-            = QRectF(QPointF(std::min(left, right), line.y()), QSizeF(std::abs(right - left), line.height()))
-                  .translated(origin);
-        painter.setBrush(rim);
+            = QRectF(QPointF(left, line.y()), QSizeF(right - left, line.height())).translated(origin);
+        painter.setBrush(colors.backdropRim);
         painter.drawRoundedRect(fragment.adjusted(-1, -1, 1, 1), 7, 7);
-        painter.setBrush(inside);
+        painter.setBrush(colors.backdrop);
         painter.drawRoundedRect(fragment, 6, 6);
     }
 }

@@ -39,6 +39,9 @@ protected:
     bool canInsertFromMimeData(const QMimeData* source) const override;
     void insertFromMimeData(const QMimeData* source) override;
     QMimeData* createMimeDataFromSelection() const override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     bool viewportEvent(QEvent* event) override;
@@ -46,8 +49,9 @@ protected:
 private:
     void _insertAttachment(QTextCursor& cursor, const QString& path);
     void _insertPicture(const QImage& image);
+    void _insertPieces(const QStringList& pieces);
     void _textDidChange();
-    void _drawBackdrop(QPainter& painter, KRRange range) const;
+    void _drawBackdrop(QPainter& painter, KRRange range, const QRectF& seen) const;
     [[nodiscard]] QString _attachmentAt(const QPoint& point) const;
 
     KRRangeList m_linkRanges;

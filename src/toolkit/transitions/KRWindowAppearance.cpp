@@ -2,17 +2,21 @@
 
 #include "toolkit/transitions/KRMotion.h"
 
+#include <QDialog>
 #include <QEasingCurve>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
 
-void KRWindowAppearance::showWindow(QWidget& window, const QPoint& sourcePoint, int steps)
+void KRWindowAppearance::showWindow(QWidget& window,
+    const QPoint& sourcePoint,
+    int steps,
+    const QPoint& offset)
 {
     const QScreen* const under = QGuiApplication::screenAt(sourcePoint);
     const QRect room = (under ? under : QGuiApplication::primaryScreen())->availableGeometry();
     const QPoint middle = window.rect().center();
-    const QPoint place = room.center() - middle;
+    const QPoint place = room.center() - middle + offset;
     if (KRMotion::isEnabled() && steps > 1) {
         new KRWindowAppearance(window, sourcePoint - middle, place, steps);
     } else {
@@ -21,6 +25,15 @@ void KRWindowAppearance::showWindow(QWidget& window, const QPoint& sourcePoint, 
     window.show();
     window.raise();
     window.activateWindow();
+}
+
+void KRWindowAppearance::openDialog(QDialog& dialog, const QWidget& window)
+{
+    if (const auto* const coming = window.findChild<const KRWindowAppearance*>()) {
+        dialog.adjustSize();
+        dialog.move(coming->m_to + window.rect().center() - dialog.rect().center());
+    }
+    dialog.open();
 }
 
 KRWindowAppearance::KRWindowAppearance(QWidget& window, const QPoint& from, const QPoint& to, int steps)

@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPoint>
 
+class QDialog;
 class QWidget;
 
 /// Lets a window come in from a point of the screen to its place, from transparent to opaque. Where motion is
@@ -17,8 +18,11 @@ public:
     static constexpr std::chrono::milliseconds StepInterval { 16 };
 
     /// Puts the window, which is not shown yet, into the middle of the screen that the point is on, and shows
-    /// it. The point is where its own middle comes from.
-    static void showWindow(QWidget& window, const QPoint& sourcePoint, int steps);
+    /// it. The point is where its own middle comes from. The offset keeps it from covering another one.
+    static void showWindow(QWidget& window, const QPoint& sourcePoint, int steps, const QPoint& offset = {});
+
+    /// Shows a dialog of the window in the middle of where that is, or will be when it has come.
+    static void openDialog(QDialog& dialog, const QWidget& window);
 
 private:
     KRWindowAppearance(QWidget& window, const QPoint& from, const QPoint& to, int steps);

@@ -1,26 +1,58 @@
+#include "app/look/PelinorDraftColors.h"
 #include "app/writing/PelinorComposeWindowController.h"
 #include "app/writing/PelinorTextView.h"
 #include "compose/ComposeFixture.h"
 #include "model/records/KRTestRecords.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTestLocalService.h"
 #include "toolkit/transitions/KRMotion.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTimer>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// Sees what it is told, and films nothing into a file.
+class FakeCamera final : public PelinorCamera {
+public:
+    void start(PelinorCameraListener& listener) override
+    {
+        seen = &listener;
+        pass([&listener] { listener.cameraDidShow(QImage(QSize(64, 48), QImage::Format_RGB32)); });
+    }
+    QString movieSuffix() const override { return u"mp4"_s; }
+    void beginRecording(const QString& path) override
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    void endRecording() override
+    {
+        pass([this] { seen->cameraDidRecord(); });
+    }
+
+private:
+    static void pass(std::function<void()> what) { QTimer::singleShot(0, qApp, std::move(what)); }
+    PelinorCameraListener* seen = nullptr;
+};
 
 constexpr char update[] = "/statuses/update.xml";
 constexpr char upload[] = "/YFrogAPIHost/api/upload";
@@ -37,17 +69,19 @@ protected:
     ~PelinorComposeWindowTest() override { KRMotion::setEnabledByProgram(true); }
 
     void open(const std::optional<PelinorDraftStore::Stored>& left = std::nullopt,
-        const TwitterStatusPtr& status = nullptr)
+        const std::function<void(PelinorComposeWindowController&)>& prepare = {})
     {
         isDismissed = false;
         controller = std::make_unique<PelinorComposeWindowController>(*twitter, defaults, store, left);
         controller->setDelegate(this);
         controller->setAccount(account);
-        controller->setInReplyToStatus(status);
+        if (prepare)
+            prepare(*controller);
         controller->showWindow();
         controller->window().activateWindow();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&controller->window()));
+        EXPECT_TRUE(isDialogOpen() || QTest::qWaitForWindowActive(&controller->window()));
     }
+    bool isDialogOpen() { return controller->window().findChild<QDialog*>(); }
     void composeWindowDismiss(PelinorComposeWindowController&) override { isDismissed = true; }
     void composeWindowShowTimeline(PelinorComposeWindowController&) override { showsTimeline = true; }
 
@@ -92,6 +126,17 @@ protected:
         EXPECT_TRUE(image.save(directory.filePath(name)));
         return directory.filePath(name);
     }
+    bool frameHasCloseButton()
+    {
+        return controller->window().windowHandle()->flags() & Qt::WindowCloseButtonHint;
+    }
+    template <class Widget>
+    Widget& find(const char* name)
+    {
+        auto* const found = controller->window().findChild<Widget*>(QLatin1String(name));
+        EXPECT_NE(found, nullptr) << name;
+        return *found;
+    }
     QStringList draftsOnDisk() const { return QDir(folder).entryList({ u"*.draft"_s }, QDir::Files); }
 
     KRQtRunLoopDriver driver;
@@ -107,6 +152,7 @@ protected:
 
 TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
 {
+    EXPECT_EQ(remaining(), u"140"_s);
     QTest::keyClicks(&view(), u"ab"_s);
     QMimeData dropped;
     const QString first = picture(u"1.png"_s);
@@ -117,8 +163,14 @@ TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
     QDragEnterEvent enter({ 5, 5 }, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(view().viewport(), &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop({ 400, 20 }, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop({ 400, 20 },
+        Qt::CopyAction | Qt::MoveAction,
+        &dropped,
+        Qt::LeftButton,
+        Qt::ShiftModifier);
+    drop.setDropAction(Qt::MoveAction);
     QApplication::sendEvent(view().viewport(), &drop);
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction) << "what is moved would be gone";
     EXPECT_EQ(draft().text, u"ab\ufffc\ufffc"_s);
     EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 2, first }, { 3, second } }));
     EXPECT_EQ(remaining(), u"76"_s);
@@ -139,6 +191,15 @@ TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
     while (view().document()->isUndoAvailable() && draft().attachments.size() < 3)
         key(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(draft().attachments.size(), 3) << "undone";
+    const PelinorDraft before = draft();
+    key(Qt::Key_A, Qt::ControlModifier);
+    key(Qt::Key_X, Qt::ControlModifier);
+    EXPECT_TRUE(draft().isEmpty());
+    key(Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(draft(), before) << "cut and pasted with its files";
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(draft().isEmpty()) << "as one step";
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     key(Qt::Key_Escape);
     EXPECT_EQ(answerSheet(u"Discard"_s), u"Are you sure you want to discard this unsaved tweet?"_s);
     EXPECT_TRUE(isDismissed);
@@ -151,9 +212,11 @@ TEST_F(PelinorComposeWindowTest, IsPostedWithItsPicturesByKeys)
     controller.reset();
     const TwitterUserPtr bob = KRTestUser(u"2"_s, u"bob"_s);
     bob->setFullName(u"Bob B."_s);
-    open(std::nullopt, KRTestStatus(u"42"_s, bob));
+    open(std::nullopt, [&](auto& made) { made.setInReplyToStatus(KRTestStatus(u"42"_s, bob)); });
     EXPECT_EQ(controller->window().windowTitle(), u"In reply to Bob B.[*]"_s);
     EXPECT_EQ(draft().text, u"@bob "_s);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_FALSE(controller->window().isWindowModified()) << "nothing to undo, nothing to lose";
     QTest::keyClicks(&view(), u"see http://long.example/page"_s);
     defaults.setInteger("URLShorteningServicePreferredService", 1);
     answer("/TinyURLAPIHost/api-create.php", KRTestServer::always(200, "http://s.example/1"));
@@ -163,8 +226,10 @@ TEST_F(PelinorComposeWindowTest, IsPostedWithItsPicturesByKeys)
     EXPECT_EQ(draft().text, u"@bob see http://long.example/page"_s);
     key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(view().attachFile(picture(u"1.png"_s)));
+    EXPECT_TRUE(frameHasCloseButton());
     key(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_TRUE(view().isReadOnly());
+    EXPECT_FALSE(frameHasCloseButton());
     ASSERT_TRUE(waitFor([this] { return isDismissed; }));
     ASSERT_EQ(requestsTo(update).size(), 1);
     const QByteArray body = requestsTo(update)[0].body;
@@ -215,6 +280,9 @@ TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdit
     auto* const notice = controller->window().findChild<QLabel*>(u"noticeField"_s);
     ASSERT_TRUE(waitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().startsWith(u"Uploading file 1 of 1"_s));
+    EXPECT_EQ(notice->textFormat(), Qt::PlainText);
+    const auto* const indicator = controller->window().findChild<QProgressBar*>();
+    EXPECT_TRUE(indicator->isVisible() && indicator->value() <= indicator->maximum());
     key(Qt::Key_Escape);
     EXPECT_FALSE(view().isReadOnly());
     EXPECT_FALSE(isDismissed);
@@ -233,6 +301,8 @@ TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
     };
     type(u"a@b.org @BO"_s);
     EXPECT_EQ(list->count(), 2);
+    EXPECT_GE(list->y(), view().cursorRect().bottom()) << "below the line";
+    EXPECT_TRUE(list->parentWidget()->rect().contains(list->geometry()));
     key(Qt::Key_Return);
     EXPECT_EQ(draft().text, u"a@b.org @BO\n"_s) << "nothing was chosen";
     EXPECT_FALSE(list->isVisible());
@@ -249,18 +319,175 @@ TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
     EXPECT_NE(sheet(), nullptr);
 }
 
-TEST_F(PelinorComposeWindowTest, EveryKeyIsHandledAtOnce)
+TEST_F(PelinorComposeWindowTest, LinksTagsAndNamesAreSeen)
 {
-    view().setPlainText(u"Words with http://example.org/page and #tags, @names. "_s.repeated(20));
-    view().moveCursor(QTextCursor::End);
-    QList<qint64> times;
-    for (int round = 0; round < 51; ++round) {
-        QElapsedTimer timer;
-        timer.start();
-        QTest::keyClick(&view(), Qt::Key_A);
-        times.append(timer.nsecsElapsed());
+    // Pixels of a colour in the picture of the text.
+    const auto count = [this](const QColor& color) {
+        const QImage image = view().viewport()->grab().toImage();
+        int found = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x)
+                found += image.pixel(x, y) == color.rgb();
+        }
+        return found;
+    };
+    const PelinorDraftColors& colors = PelinorDraftColors::forPalette(view().palette());
+    const struct {
+        QString text;
+        QColor ink;
+        bool isLink;
+    } cases[] = {
+        { u"plain words"_s, Qt::black, false },
+        { u"#####tag"_s, colors.hashtags, false },
+        { u"@mmmmmmm"_s, colors.usernames, false },
+        { u"http://www.example.org/"_s, colors.links, true },
+        { u"\u05e9\u05dc\u05d5\u05dd http://www.example.org/ \u05e9"_s, colors.links, true },
+    };
+    for (const auto& test : cases) {
+        view().setPlainText(test.text);
+        EXPECT_GT(count(test.ink), 5) << qPrintable(test.text);
+        EXPECT_EQ(count(colors.backdrop) > 500, test.isLink) << qPrintable(test.text);
+        EXPECT_EQ(count(colors.backdropRim) > 50, test.isLink) << qPrintable(test.text);
     }
-    std::sort(times.begin(), times.end());
-    RecordProperty("median_microseconds", int(times[25] / 1000));
-    EXPECT_LT(times[25], 20'000'000) << "far above what it takes on an idle machine";
+    const int whole = count(colors.backdrop);
+    view().setPlainText(u"\u05e9\u05dc\u05d5\u05dd http://example.org/ \u05e9"_s);
+    EXPECT_LT(count(colors.backdrop), whole) << "as wide as the link";
+}
+
+TEST_F(PelinorComposeWindowTest, MoviesAreAttachedAndPhotosGoToThePictures)
+{
+    controller.reset();
+    bool isThere = true;
+    open(std::nullopt, [&](auto& made) {
+        made.setForceVideo(true);
+        made.setCameraMaker(
+            [&] { return isThere ? std::make_unique<FakeCamera>() : std::unique_ptr<PelinorCamera>(); });
+    });
+    const auto press = [this](const QString& title) {
+        auto& button = find<QPushButton>("captureButton");
+        ASSERT_TRUE(waitFor([&] { return button.isEnabled() && button.text() == title; }));
+        button.click();
+    };
+    const QDir movies(directory.filePath(u"pictures"_s));
+    press(u"Record"_s);
+    EXPECT_EQ(movies.entryList(QDir::Files).size(), 1);
+    find<QDialog>("captureSheet").reject();
+    EXPECT_TRUE(waitFor([this] { return !isDialogOpen(); }));
+    EXPECT_TRUE(movies.isEmpty(QDir::Files)) << "not wanted";
+    key(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
+    press(u"Record"_s);
+    press(u"Stop"_s);
+    EXPECT_TRUE(waitFor([this] { return !isDialogOpen(); }));
+    ASSERT_EQ(draft().attachments.size(), 1);
+    EXPECT_EQ(QFileInfo(draft().attachments[0].filename).dir(), movies);
+    controller->takePhoto();
+    press(u"Take Photo"_s);
+    EXPECT_TRUE(log.contains(u"got output image "_s));
+    EXPECT_TRUE(find<QLabel>("noticeField").text().contains(u".jpg"));
+    EXPECT_EQ(draft().attachments.size(), 1);
+    EXPECT_TRUE(waitFor([this] { return !isDialogOpen(); }));
+    isThere = false;
+    controller->recordVideo();
+    EXPECT_FALSE(find<QPushButton>("captureButton").isVisible());
+}
+
+TEST_F(PelinorComposeWindowTest, TheRecipientIsCompletedOrLookedUp)
+{
+    for (const char16_t* name : { u"Bob", u"bonnie", u"carol" })
+        twitter->definitiveUser(KRTestUser(QString::fromUtf16(name), QString::fromUtf16(name)));
+    controller.reset();
+    open(std::nullopt, [](auto& made) { made.setPromptToDirectMessageUser(true); });
+    auto& field = *find<QComboBox>("directMessageUserComboBox").lineEdit();
+    QTest::keyClicks(&field, u"@bo"_s);
+    EXPECT_EQ(field.text() + u'|' + field.selectedText(), u"@bob|b"_s);
+    QTest::keyClick(&field, Qt::Key_Backspace);
+    EXPECT_EQ(field.text(), u"@bo"_s) << "what was deleted stays away";
+    QTest::keyClick(&field, Qt::Key_Down);
+    EXPECT_EQ(field.text(), u"bonnie"_s);
+    field.selectAll();
+    QTest::keyClicks(&field, u"dora"_s);
+    answer("/users/show/dora.xml", 404, "");
+    answer("/users/show.xml", 404, "");
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_FALSE(field.isEnabled());
+    EXPECT_TRUE(find<QWidget>("directMessageProgressIndicator").isVisible());
+    ASSERT_TRUE(waitFor([this] { return sheet() != nullptr; }));
+    delete sheet();
+    EXPECT_TRUE(field.isEnabled());
+    field.setText(u" @BOB "_s);
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(controller->window().windowTitle(), u"Direct Message: Bob[*]"_s);
+    EXPECT_EQ(find<QPushButton>("postButton").text(), u"Send"_s);
+}
+
+TEST_F(PelinorComposeWindowTest, TheAccountIsChosenAmongThoseThatAreThere)
+{
+    auto& menu = find<QComboBox>("accountPopUpButton");
+    EXPECT_FALSE(menu.isVisible());
+    const auto bob = TwitterAccount::accountWithUsername(u"bob"_s, u"x"_s, twitter->accountContext());
+    twitter->addAccount(bob);
+    EXPECT_EQ(menu.currentText(), u"alice"_s);
+    EXPECT_FALSE(menu.itemIcon(1).isNull());
+    QTest::keyClick(&menu, Qt::Key_Down);
+    EXPECT_EQ(controller->account(), bob);
+    twitter->removeAccount(bob);
+    EXPECT_TRUE(menu.isVisible()) << "another one is needed";
+    EXPECT_EQ(menu.currentIndex(), -1);
+    QTest::keyClicks(&view(), u"abcd"_s);
+    key(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(answerSheet(u"OK"_s), u"Error"_s);
+}
+
+// The whole road: a real service over TLS, its own picture store and a shortener beside it.
+TEST(PelinorComposeJourneyTest, AReplyWithTwoPicturesAndAShortLinkArrives)
+{
+    KRMotion::setEnabledByProgram(false);
+    KRQtRunLoopDriver driver;
+    KRTestLocalService service;
+    ASSERT_TRUE(service.isRunning());
+    KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+    settings.extraCAFile = service.authorityFile();
+    KRHTTPTransportSettings::setCurrent(settings);
+    const QTemporaryDir directory;
+    KRUserDefaults defaults { directory.filePath(u"pelinor.ini"_s) };
+    const TwitterServiceHosts hosts
+        = TwitterServiceHosts::hostsWithDefaults(defaults, service.servicesFile()).value();
+    const auto twitter = std::make_shared<Twitter>(TwitterEnvironment { &defaults, hosts, false });
+    const auto account = TwitterAccount::accountWithUsername(u"alice"_s,
+        u"wonderland"_s,
+        twitter->accountContextForSite({ .hosts = hosts, .takesUploads = true }));
+    twitter->addAccount(account);
+    const auto posts = [&] { return account->timelineStream()->storedStatuses(); };
+    account->refresh();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return posts().size() > 5; }, 20'000));
+    const TwitterStatusPtr answered = posts().first();
+
+    PelinorComposeWindowController controller(*twitter,
+        defaults,
+        std::make_shared<PelinorDraftStore>(directory.filePath(u"drafts"_s), directory.path()));
+    controller.setAccount(account);
+    controller.setInReplyToStatus(answered);
+    controller.showWindow();
+    PelinorTextView& view = controller.textView();
+    QTest::keyClicks(&view, u"look http://example.org/a/rather/long/address "_s);
+    for (const char* const name : { "1.png", "2.png" }) {
+        const QString path = directory.filePath(QLatin1String(name));
+        QImage image(4, 4, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        ASSERT_TRUE(image.save(path) && view.attachFile(path));
+    }
+    controller.shortenURLs();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !view.toPlainText().contains(u"address"); }, 20'000));
+    controller.post();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !controller.window().isVisible(); }, 20'000));
+    account->refresh();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return posts().first()->text().contains(u"look"); }, 20'000));
+    const QRegularExpression expected(
+        u"^@%1 look http://\\S+/\\S+  https://%2/attachment/\\S+  https://%2/attachment/\\S+$"_s.arg(
+            answered->fromUser()->username(),
+            QRegularExpression::escape(service.httpsHost())));
+    EXPECT_TRUE(expected.match(posts().first()->text().trimmed()).hasMatch())
+        << qPrintable(posts().first()->text());
+    EXPECT_EQ(posts().first()->inReplyToStatusID(), answered->statusID());
+    KRMotion::setEnabledByProgram(true);
 }
