@@ -1,10 +1,5 @@
 #include "api/TwitterAnswers.h"
-
-#include <QString>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
+#include "support/KRTest.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
 #include "TwitterAPIFixture.h"
 #include "api/TwitterSearchAPI.h"
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class TwitterSearchAPITest : public TwitterAPIFixture {
@@ -38,7 +36,7 @@ constexpr char JSONType[] = "Content-Type: application/json\r\n";
 
 TEST_F(TwitterSearchAPITest, SendsWhatWasGivenAndNothingElse)
 {
-    answer(200, realAnswer(u"search_classic.word.body.json"_s), JSONType);
+    answer(200, KRTestSite::realAnswer(u"search_classic.word.body.json"_s), JSONType);
     ASSERT_EQ(resultsOfSearch(u"a&b #c é"_s).value().size(), 12);
     const auto all = searchResultOf<TwitterStatusList>([](auto& operations) {
         operations.search(u"x"_s, TwitterAPIMaxSearchCount, 2, u"404"_s, u"51,0,1km"_s);
@@ -89,7 +87,7 @@ TEST_F(TwitterSearchAPITest, CollectsEveryTrendsName)
 
 TEST_F(TwitterSearchAPITest, ErrorsCanBeRead)
 {
-    answer(501, realAnswer(u"trends.body.json"_s), "Content-Type: text/html; charset=UTF-8\r\n");
+    answer(501, KRTestSite::realAnswer(u"trends.body.json"_s), "Content-Type: text/html; charset=UTF-8\r\n");
     EXPECT_EQ(trends().error(),
         errorWithDomain(QString::fromUtf16(KRHTTPRequestErrorDomain),
             501,
@@ -111,8 +109,8 @@ TEST_F(TwitterSearchAPITest, RepliesReachTheLogAlone)
 {
     KRTestLog log;
     answer(200, R"({"results":[{"id":9,"from_user":"bob"}]})", JSONType);
-    const auto receiver = std::make_shared<TestReceiver<TwitterStatusList>>();
-    TwitterSearchAPI::request(hosts, Callback(receiver, &TestReceiver<TwitterStatusList>::received))
+    const auto receiver = std::make_shared<KRTestReceiver<TwitterStatusList>>();
+    TwitterSearchAPI::request(hosts, Callback(receiver, &KRTestReceiver<TwitterStatusList>::took))
         ->repliesToStatusID(u"8"_s, u"alice"_s, 3);
     ASSERT_TRUE(KRWaitUntil([&] { return log.contains(u"need to filter these by statusID 8"_s); }));
     EXPECT_TRUE(log.contains(u"all results to username: [TwitterStatus:"_s));

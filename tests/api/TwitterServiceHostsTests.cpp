@@ -1,12 +1,6 @@
 #include "api/TwitterServiceHosts.h"
 #include "foundation/KRUserDefaults.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
+#include "support/KRTest.h"
 
 namespace {
 

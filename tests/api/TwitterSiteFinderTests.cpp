@@ -1,12 +1,9 @@
 #include "api/TwitterSiteFinder.h"
-#include "support/KRTestCertificates.h"
+#include "support/KRTest.h"
 #include "support/KRTestSite.h"
-#include "transport/KRHTTPConnection.h"
+#include "transport/KRTestRequest.h"
 
 #include <future>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 TEST(TwitterSiteFinder, TakesWhatPeopleType)
 {
@@ -84,9 +81,7 @@ class TwitterSiteFinderTest : public testing::Test {
 protected:
     TwitterSiteFinderTest()
     {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
+        KRTestTrustAuthority();
         // What a site does not have.
         for (const QByteArray& folder : { QByteArray("/"), QByteArray("/social/") })
             for (const char* const path : { "",

@@ -5,12 +5,6 @@
 
 #include <QJsonArray>
 
-#include <algorithm>
-#include <cstdio>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class Commands : public testing::Test {

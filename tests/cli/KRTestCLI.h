@@ -1,13 +1,10 @@
 #pragma once
 
+#include "support/KRTest.h"
 #include "support/KRTestLocalService.h"
 
-#include <QByteArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QList>
-#include <QString>
-#include <QTemporaryDir>
 
 /// The command-line program, run as people run it, against a local service of its own.
 class KRTestCLI {

@@ -3,11 +3,6 @@
 
 #include <QJsonArray>
 
-#include <algorithm>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class MessageCommands : public testing::Test {

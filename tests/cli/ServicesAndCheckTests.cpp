@@ -3,12 +3,6 @@
 #include "support/KRTestSite.h"
 #include "transport/KRHTTPConnection.h"
 
-#include <QFile>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class ServiceCommands : public testing::Test {

@@ -3,58 +3,16 @@
 #include "core/Twitter.h"
 #include "foundation/KRUserDefaults.h"
 #include "model/records/KRTestRecords.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "support/KRTestSite.h"
-#include "support/KRTestWait.h"
-#include "transport/KRBackgroundThread.h"
-#include "transport/KRHTTPConnection.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-/// Keeps what a callback brings.
-template <class T>
-struct KRTestReceiver {
-    std::atomic<int> count = 0;
-    std::atomic<bool> wasOnMainThread = false;
-    std::optional<KRResult<T>> result;
-    void took(const KRResult<T>& value)
-    {
-        result.emplace(value);
-        wasOnMainThread = KRRunLoop::isMainThread();
-        ++count;
-    }
-};
-
-/// Counts what is posted, about an object or at all.
-template <class Notification>
-struct KRTestCounter {
-    KRTestCounter()
-        : observation(
-            KRNotificationCenter::defaultCenter().observe<Notification>([this](const auto&) { ++count; }))
-    {
-    }
-    template <class Object>
-    explicit KRTestCounter(const Object& object)
-        : observation(
-            KRNotificationCenter::defaultCenter().observe<Notification>([this](const auto&) { ++count; },
-                object.get()))
-    {
-    }
-    mutable int count = 0;
-    KRObservation observation;
-};
+#include "transport/KRTestRequest.h"
 
 /// A test's site, a root object that knows it, and an account named "Alice" that is in no list.
 class KRTestAccount : public testing::Test {
 protected:
     KRTestAccount()
     {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
+        KRTestTrustAuthority();
         m_hosts.setValueForKey(m_site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
         m_hosts.setValueForKey(QStringLiteral("https://") + m_site.host(),
             QLatin1String(TwitterServiceHosts::searchHostKey));
@@ -87,23 +45,17 @@ protected:
     {
         return KRTestStatus(id, KRTestUser({}, author), date, QStringLiteral("x"));
     }
-    /// Every list of the site is empty.
+    /// What comes for every list of an account.
+    void answerLists(const KRTestSite::AnswerFunction& answer)
+    {
+        for (const char* list :
+            { "statuses/home_timeline", "statuses/replies", "direct_messages", "direct_messages/sent" })
+            m_site.answer(QByteArray("/") + list + ".xml", answer);
+    }
     void answerWithNothing()
     {
-        for (const char* path : { "/statuses/home_timeline.xml",
-                 "/statuses/replies.xml",
-                 "/direct_messages.xml",
-                 "/direct_messages/sent.xml" })
-            m_site.answer(path, "<nothing/>");
+        answerLists([](const auto&) { return KRTestSite::Answer { 200, "<nothing/>" }; });
         m_site.answer("/search.json", "{}");
-    }
-    /// Answers that were under way have come, and what they posted has run.
-    static void settle()
-    {
-        std::atomic<bool> isPast = false;
-        performOnSharedBackgroundThread([&] { isPast = true; });
-        ASSERT_TRUE(KRWaitUntil([&] { return isPast.load(); }));
-        KRRunLoop::main().runPending();
     }
 
     KRTestLog m_log;

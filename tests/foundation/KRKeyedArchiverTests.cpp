@@ -1,11 +1,7 @@
 #include "foundation/KRKeyedArchiver.h"
+#include "support/KRTest.h"
 
 #include <QRandomGenerator>
-#include <QStringList>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

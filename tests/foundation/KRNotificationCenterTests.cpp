@@ -1,11 +1,5 @@
 #include "foundation/KRNotificationCenter.h"
-
-#include <QString>
-
-#include <gtest/gtest.h>
-#include <thread>
-
-using namespace Qt::StringLiterals;
+#include "support/KRTest.h"
 
 namespace {
 

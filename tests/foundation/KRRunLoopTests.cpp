@@ -1,11 +1,5 @@
-#include "foundation/KRBlockingRunLoopDriver.h"
 #include "foundation/KRMainThreadObject.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestWait.h"
-
-#include <gtest/gtest.h>
-
-using namespace std::chrono_literals;
+#include "support/KRTest.h"
 
 TEST(KRRunLoop, RunsCallsInOrderAndLeavesLaterOnesToTheNextPass)
 {

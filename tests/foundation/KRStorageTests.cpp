@@ -1,15 +1,7 @@
 #include "foundation/KRFileManager.h"
 #include "foundation/KRFiles.h"
 #include "foundation/KRUserDefaults.h"
-#include "support/KRTestLog.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
+#include "support/KRTest.h"
 
 namespace {
 

@@ -3,7 +3,6 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
-#include <iterator>
 #include <sstream>
 #include <sys/stat.h>
 

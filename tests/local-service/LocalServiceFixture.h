@@ -1,14 +1,9 @@
 #pragma once
 
 #include "LocalService.h"
+#include "support/KRTest.h"
 
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 #include <httplib.h>
-#include <memory>
-#include <string>
-#include <vector>
 
 // A service in this process, in a folder of its own that goes away with it.
 class ServiceUnderTest {

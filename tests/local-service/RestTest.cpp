@@ -1,9 +1,7 @@
 #include "LocalServiceFixture.h"
 
-#include <algorithm>
 #include <gmock/gmock.h>
 #include <sstream>
-#include <thread>
 
 using testing::Contains;
 using testing::ElementsAre;

@@ -1,6 +1,6 @@
 #include "Text.h"
 
-#include <gtest/gtest.h>
+#include "support/KRTest.h"
 
 using namespace localservice;
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QStringList>
-
-#include <gtest/gtest.h>
+#include "support/KRTest.h"
 
 /// Writes down how a parser calls its handlers, as "label:call", a call in the words of the test's function.
 template <class Parser>

@@ -1,8 +1,5 @@
 #include "KRCallRecorder.h"
 #include "parsing/KRJSONParser.h"
-#include "support/KRTestLog.h"
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "parsing/KRXMLForbiddenCharacters.h"
 #include "parsing/KRXMLParser.h"
+#include "support/KRTest.h"
 
-#include <gtest/gtest.h>
 #include <random>
 
 using namespace std::string_literals;

@@ -1,10 +1,7 @@
 #include "KRCallRecorder.h"
 #include "parsing/KRXMLParser.h"
-#include "support/KRTestLog.h"
 
 #include <malloc.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -5,10 +5,6 @@
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRHTTPRequest.h"
 
-#include <QDir>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 using namespace TwitterServiceHostKeys;

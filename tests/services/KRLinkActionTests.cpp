@@ -1,11 +1,8 @@
 #include "api/TwitterServiceHostKeys.h"
 #include "api/TwitterServiceHosts.h"
 #include "services/KRLinkAction.h"
+#include "support/KRTest.h"
 #include "text/KRActiveTextRanges.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -3,8 +3,6 @@
 #include "support/KRTestLocalService.h"
 #include "transport/KRHTTPRequest.h"
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// The services as the local service plays them, found through the table that it writes.

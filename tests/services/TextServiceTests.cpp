@@ -4,8 +4,6 @@
 #include "services/Twitlonger.h"
 #include "transport/KRHTTPRequest.h"
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class TextServiceTest : public ServicesFixture {

@@ -4,8 +4,6 @@
 #include "services/URLShorteningService.h"
 #include "transport/KRHTTPRequest.h"
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class URLShorteningServiceTest : public ServicesFixture {

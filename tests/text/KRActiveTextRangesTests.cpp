@@ -1,15 +1,11 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/KRActiveTextRanges.h"
 
-#include <QStringList>
-
 #include <future>
-#include <gtest/gtest.h>
 #include <random>
 #include <unicode/uregex.h>
 
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/KRManualClock.h"
+#include "support/KRTest.h"
 #include "text/KRDataAdditions.h"
 #include "text/KRDateAdditions.h"
 #include "text/KRParameters.h"
@@ -7,10 +7,7 @@
 
 #include <QRegularExpression>
 
-#include <gtest/gtest.h>
-
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,14 +1,9 @@
+#include "support/KRTest.h"
 #include "text/KRArrayAdditions.h"
 
-#include <QString>
-
 #include <compare>
-#include <gtest/gtest.h>
-#include <memory>
-#include <optional>
 
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 

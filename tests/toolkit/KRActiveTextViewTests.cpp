@@ -1,3 +1,4 @@
+#include "support/KRTest.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "toolkit/KRActiveTextView.h"
 
@@ -9,8 +10,6 @@
 #include <QVBoxLayout>
 
 #include <gmock/gmock.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRApplication.h"
 
 #include <QAction>
@@ -8,8 +8,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QVBoxLayout>
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,9 +1,8 @@
+#include "support/KRTest.h"
 #include "toolkit/images/KRGradient.h"
 
 #include <QImage>
 #include <QPainter>
-
-#include <gtest/gtest.h>
 
 namespace {
 

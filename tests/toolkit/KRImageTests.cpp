@@ -1,10 +1,8 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/images/KRImage.h"
 
 #include <QImage>
 #include <QPainter>
-
-#include <gtest/gtest.h>
 
 namespace {
 

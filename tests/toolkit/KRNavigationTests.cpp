@@ -1,6 +1,5 @@
 #include "KRTestScreen.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRActiveTextView.h"
 #include "toolkit/KRApplication.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
@@ -17,7 +16,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using Crumb = KRNavigationBarBreadcrumbItemView;
 

@@ -1,6 +1,4 @@
-#include "foundation/KRRunLoop.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRLiveResize.h"
 #include "toolkit/KRScroller.h"
 #include "toolkit/KRTableView.h"
@@ -19,7 +17,6 @@
 
 namespace {
 
-using namespace Qt::StringLiterals;
 using testing::ElementsAre;
 
 class RowCell final : public KRTableViewCell {

@@ -1,6 +1,5 @@
 #include "KRTestScreen.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRApplication.h"
 #include "toolkit/navigation/KRViewControllerSwitcher.h"
 #include "toolkit/transitions/KRMotion.h"
@@ -13,8 +12,6 @@
 #include <gmock/gmock.h>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 bool isUserIgnored()
 {

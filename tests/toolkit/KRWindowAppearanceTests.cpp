@@ -1,12 +1,10 @@
-#include "support/KRManualClock.h"
+#include "support/KRTest.h"
 #include "toolkit/transitions/KRMotion.h"
 #include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
-
-#include <gtest/gtest.h>
 
 namespace {
 

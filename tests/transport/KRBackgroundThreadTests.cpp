@@ -1,11 +1,10 @@
+#include "support/KRTest.h"
 #include "support/KRTestServer.h"
-#include "support/KRTestWait.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRHTTPRequest.h"
 #include "transport/KRSocketPair.h"
 
 #include <csignal>
-#include <gtest/gtest.h>
 #include <pthread.h>
 #include <set>
 

@@ -1,13 +1,7 @@
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
+#include "support/KRTest.h"
 #include "transport/KRBackgroundProxy.h"
 #include "transport/KRCallback.h"
 #include "transport/KRMutableReference.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include "KRTestRequest.h"
 #include "support/KRTestServer.h"
 
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 using Connection = KRTestServer::Connection;

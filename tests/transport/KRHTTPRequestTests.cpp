@@ -1,20 +1,13 @@
 #include "KRTestRequest.h"
 #include "foundation/KRFileManager.h"
 #include "foundation/KRNotificationCenter.h"
-#include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
 #include "text/KRDataAdditions.h"
 #include "transport/KRBackgroundThread.h"
 #include "transport/KRInputStream.h"
 #include "transport/KRNetworkCache.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryFile>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,24 +1,15 @@
 #include "KRTestRequest.h"
 #include "foundation/KRFileManager.h"
 #include "foundation/KRKeyedArchiver.h"
-#include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
 #include "transport/KRHTTPMultipartFormData.h"
 #include "transport/KRInputStream.h"
 #include "transport/KRMutableMultiDictionary.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-
 #include <csignal>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <thread>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,12 +1,7 @@
 #include "KRTestRequest.h"
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRUserDefaults.h"
-#include "support/KRTestLog.h"
 #include "support/KRTestServer.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

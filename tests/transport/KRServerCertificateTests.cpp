@@ -3,10 +3,6 @@
 #include "transport/KRHTTPConnection.h"
 #include "transport/KRServerCertificate.h"
 
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Trusts nothing any more when it ends.

@@ -1,25 +1,17 @@
 #include "model/records/TwitterDirectMessage.h"
 #include "model/records/TwitterStatus.h"
+#include "support/KRTest.h"
+#include "support/KRTestSite.h"
 #include "text/KRArrayAdditions.h"
 
-#include <QDir>
-#include <QFile>
-
-#include <gtest/gtest.h>
-
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 // What a real site answers, read into records.
 namespace {
 
-const QString folder = QStringLiteral(PELINOR_TEST_DATA "/gnu-social/");
-
 QByteArray answer(const QString& name)
 {
-    QFile file(folder + name + u".body.xml"_s);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
-    return file.readAll();
+    return KRTestSite::realAnswer(name + u".body.xml"_s);
 }
 
 template <class Record>
@@ -176,7 +168,7 @@ TEST(RealAnswers, SingleMessages)
 
 TEST(RealAnswers, ErrorDocumentsHoldNoRecords)
 {
-    const QStringList names = QDir(folder).entryList({ u"*.xml"_s });
+    const QStringList names = QDir(QStringLiteral(PELINOR_TEST_DATA "/gnu-social")).entryList({ u"*.xml"_s });
     int count = 0;
     for (QString name : names) {
         const QByteArray body = answer(name.remove(u".body.xml"_s));

@@ -1,13 +1,8 @@
 #include "foundation/KRNotificationCenter.h"
 #include "model/records/TwitterUser.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "support/KRTestServer.h"
-#include "support/KRTestWait.h"
 #include "transport/KRBackgroundThread.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

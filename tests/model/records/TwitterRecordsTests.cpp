@@ -1,16 +1,12 @@
 #include "foundation/KRKeyedArchiver.h"
 #include "foundation/KRNotificationCenter.h"
 #include "model/records/KRTestRecords.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/KRArrayAdditions.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
 #include <random>
 
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 

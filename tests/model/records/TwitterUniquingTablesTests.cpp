@@ -1,12 +1,7 @@
 #include "model/records/KRTestRecords.h"
 #include "model/records/TwitterUniquingTables.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/KRArrayAdditions.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

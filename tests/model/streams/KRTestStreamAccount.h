@@ -4,19 +4,16 @@
 #include "model/records/KRTestRecords.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterStreamAccount.h"
+#include "support/KRTest.h"
 #include "support/KRTestSite.h"
-#include "support/KRTestWait.h"
-#include "transport/KRBackgroundThread.h"
-#include "transport/KRHTTPConnection.h"
+#include "transport/KRTestRequest.h"
 
 /// An account named "me" that loads from a test's site.
 class KRTestStreamAccount final : public TwitterStreamAccount, public TwitterCredentials {
 public:
     explicit KRTestStreamAccount(const KRTestSite& site)
     {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
+        KRTestTrustAuthority();
         m_hosts.setValueForKey(site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
         m_hosts.setValueForKey(QStringLiteral("https://") + site.host(),
             QLatin1String(TwitterServiceHosts::searchHostKey));
@@ -58,17 +55,6 @@ private:
     TwitterServiceHosts m_hosts;
     std::shared_ptr<TwitterUniquingTables> m_tables = std::make_shared<TwitterUniquingTables>();
 };
-
-/// What responses have posted to the main thread has run once the background thread is past them.
-[[nodiscard]] inline bool KRTestSettle()
-{
-    std::atomic<bool> isPast = false;
-    performOnSharedBackgroundThread([&] { isPast = true; });
-    if (!KRWaitUntil([&] { return isPast.load(); }))
-        return false;
-    KRRunLoop::main().runPending();
-    return true;
-}
 
 /// A real status.
 inline TwitterStatusPtr KRTestStatus(int id,

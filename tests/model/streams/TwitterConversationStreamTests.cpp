@@ -3,12 +3,6 @@
 #include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterConversationStream.h"
 #include "model/streams/TwitterDummyStatus.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

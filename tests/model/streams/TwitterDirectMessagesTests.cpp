@@ -1,13 +1,8 @@
 #include "KRTestStreamAccount.h"
 #include "foundation/KRMainThreadObject.h"
 #include "model/streams/TwitterDirectMessagesConversationManager.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
 
 #include <future>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

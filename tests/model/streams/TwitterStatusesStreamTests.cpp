@@ -5,12 +5,8 @@
 #include "model/streams/TwitterAccountStream.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterStatusStreamFilter.h"
-#include "support/KRTestLog.h"
 
-#include <gtest/gtest.h>
 #include <typeinfo>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

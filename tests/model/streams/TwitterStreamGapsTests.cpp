@@ -5,13 +5,8 @@
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterSearchStream.h"
 #include "model/streams/TwitterUserStream.h"
-#include "support/KRTestLog.h"
 
 #include <QUrlQuery>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

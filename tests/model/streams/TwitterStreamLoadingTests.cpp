@@ -6,12 +6,7 @@
 #include "model/streams/TwitterStatusStreamFilter.h"
 #include "model/streams/TwitterUserStream.h"
 
-#include <QTemporaryDir>
 #include <QUrlQuery>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

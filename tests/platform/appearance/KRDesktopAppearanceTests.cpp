@@ -1,16 +1,15 @@
 #include "platform/appearance/KRDesktopAppearance.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTest.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstring>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>

@@ -1,15 +1,13 @@
 #include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTest.h"
 
 #include <QElapsedTimer>
 #include <QTest>
 
 #include <ctime>
 #include <gmock/gmock.h>
-#include <thread>
 
 namespace {
-
-using namespace std::chrono_literals;
 
 // Far beyond what any of this takes, for a test to fail on.
 constexpr int Limit = 20000;

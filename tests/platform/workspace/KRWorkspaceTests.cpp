@@ -1,10 +1,5 @@
 #include "platform/workspace/KRWorkspace.h"
-#include "support/KRTestWait.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "support/KRTest.h"
 
 namespace {
 

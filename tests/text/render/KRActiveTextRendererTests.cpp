@@ -1,4 +1,4 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "text/render/KRActiveTextStyle.h"
 
@@ -6,8 +6,6 @@
 #include <QPainter>
 
 #include <gmock/gmock.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,3 +1,4 @@
+#include "support/KRTest.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "text/render/KRColorConversion.h"
 #include "text/render/KRTextHeightCache.h"
@@ -6,7 +7,6 @@
 #include <QGuiApplication>
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
