@@ -9,7 +9,7 @@
 /// Starts a request and waits for its end; counts the callbacks.
 class KRTestRequest {
 public:
-    explicit KRTestRequest(const QUrl& url, const QString& method = QStringLiteral("GET"))
+    explicit KRTestRequest(const QUrl& url, const QString& method = u"GET"_s)
     {
         m_request->setUrl(url);
         m_request->setMethod(method);
@@ -78,7 +78,7 @@ std::shared_ptr<KRTestReceiver<T>> KRTestReceive(Operation operation)
     EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }) && KRTestSettle());
     EXPECT_EQ(receiver->count, 1);
     if (!receiver->result)
-        receiver->result.emplace(errorWithDomain({}, 0, QStringLiteral("no result")));
+        receiver->result.emplace(errorWithDomain({}, 0, u"no result"_s));
     return receiver;
 }
 
