@@ -1,6 +1,5 @@
 #include "KRTestStreamAccount.h"
 #include "foundation/KRKeyedArchiver.h"
-#include "foundation/KRMainThreadObject.h"
 #include "model/streams/TwitterSearch.h"
 
 namespace {
