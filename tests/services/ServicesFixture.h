@@ -1,6 +1,7 @@
 #pragma once
 
 #include "api/TwitterCredentials.h"
+#include "api/TwitterServiceHostKeys.h"
 #include "foundation/KRUserDefaults.h"
 #include "services/TwitterServiceContext.h"
 #include "support/KRTest.h"
@@ -8,8 +9,7 @@
 #include "transport/KRTestRequest.h"
 
 struct TestCredentials final : TwitterCredentials {
-    explicit TestCredentials(const QString& name = QStringLiteral("alice"),
-        const QString& word = QStringLiteral("wonderland"))
+    explicit TestCredentials(const QString& name = u"alice"_s, const QString& word = u"wonderland"_s)
         : m_username(name)
         , m_password(word)
     {
@@ -29,6 +29,19 @@ KRResult<T> resultOf(Operation operation)
     return *KRTestReceive<T>(operation)->result;
 }
 
+/// The hosts of links to pictures and movies.
+inline void KRTestSetLinkHosts(TwitterServiceHosts& hosts)
+{
+    using namespace TwitterServiceHostKeys;
+    for (const auto& [key, host] : { std::pair(TwitPicLinkHost, u"tp.example"_s),
+             std::pair(YFrogLinkHost, u"yf.example"_s),
+             std::pair(YFrogSecondLinkHost, u"yf2.example"_s),
+             std::pair(TwitgooLinkHost, u"tg.example"_s),
+             std::pair(ImgLyLinkHost, u"il.example"_s),
+             std::pair(PixImLinkHost, u"www.px.example/f"_s) })
+        hosts.setValueForKey(host, QLatin1String(key));
+}
+
 /// A server that answers every request in the same way, until told otherwise, and the tables around it.
 class ServicesFixture : public testing::Test, protected KRTestAnswers {
 protected:
@@ -40,6 +53,6 @@ protected:
     }
 
     QTemporaryDir folder;
-    KRUserDefaults defaults { folder.filePath(QStringLiteral("defaults.ini")) };
+    KRUserDefaults defaults { folder.filePath(u"defaults.ini"_s) };
     TwitterServiceContext context { {}, &defaults };
 };

@@ -1,5 +1,4 @@
 #include "ServicesFixture.h"
-#include "api/TwitterServiceHostKeys.h"
 #include "services/Tweetshrink.h"
 #include "services/Twitlonger.h"
 #include "transport/KRHTTPRequest.h"
