@@ -6,9 +6,15 @@
 #include "transport/KRTestRequest.h"
 
 struct TestCredentials final : TwitterCredentials {
-    QString username() const override { return QStringLiteral("joe"); }
-    QString password() const override { return QStringLiteral("secret"); }
+    QString username() const override { return u"joe"_s; }
+    QString password() const override { return u"secret"_s; }
 };
+
+/// An error of the program's own.
+inline KRError KRTestError(const QString& text)
+{
+    return errorWithDomain(QStringLiteral("com.kestrin.pelinor"), -1, text);
+}
 
 /// A service on a TLS server of the test's own: it answers every request in the same way, until told
 /// otherwise.
@@ -17,7 +23,7 @@ protected:
     TwitterAPIFixture()
         : KRTestAnswers(KRTestCertificate::Good)
     {
-        hosts.setValueForKey(server.host() + QStringLiteral("/api"), QStringLiteral("RESTHost"));
+        hosts.setValueForKey(server.host() + u"/api"_s, u"RESTHost"_s);
     }
 
     /// What an operation sent with the callback delivers.
@@ -42,7 +48,7 @@ protected:
     template <class T, class Operation>
     KRResult<T> resultFrom(const QString& name, Operation operation)
     {
-        answer(200, KRTestSite::realAnswer(name + QStringLiteral(".body.xml")));
+        answer(200, KRTestSite::realAnswer(name + u".body.xml"_s));
         return resultOf<T>(operation);
     }
 

@@ -1,4 +1,5 @@
 #include "TwitterAPIFixture.h"
+#include "api/TwitterAnswers.h"
 #include "text/KRArrayAdditions.h"
 
 namespace {
@@ -254,9 +255,7 @@ TEST_F(TwitterAPITest, NobodyIsAskedForWithoutANameOrAnID)
     const auto expectRefused = [](const auto& result) {
         ASSERT_TRUE(result.isError());
         EXPECT_EQ(result.error(),
-            errorWithDomain(u"com.kestrin.pelinor"_s,
-                -1,
-                u"This person has no name that the service could be asked for"_s));
+            KRTestError(u"This person has no name that the service could be asked for"_s));
     };
     for (const QString& nobody : { QString(), u""_s }) {
         expectRefused(resultOf<TwitterStatusList>(
@@ -286,11 +285,28 @@ TEST_F(TwitterAPITest, WithoutAHostThereIsAnErrorAndNoRequest)
     hosts = {};
     const auto result = resultOf<TwitterStatusList>([](auto& api) { api.publicTimeline(); });
     ASSERT_TRUE(result.isError());
-    EXPECT_EQ(result.error(),
-        errorWithDomain(u"com.kestrin.pelinor"_s,
-            -1,
-            u"No service is set up: RESTHost has no value in ServiceHosts"_s));
+    EXPECT_EQ(result.error(), KRTestError(u"No service is set up: RESTHost has no value in ServiceHosts"_s));
     EXPECT_EQ(server.connectionCount(), 0);
+}
+
+TEST(ErrorText, IsFitToBeShown)
+{
+    const std::pair<QByteArray, QString> cases[] = {
+        { "<hash><error>Gone.</error><request>/x</request></hash>", u"Gone."_s },
+        { "<errors><error code='32'>First.</error><error>Second.</error></errors>", u"Second."_s },
+        { "<hash><error>two\n   lines &amp; &lt;b&gt;</error></hash>", u"two lines & <b>"_s },
+        { "<hash><error>a\x01\xff</error></hash>", u"a\uFFFD\uFFFD"_s },
+        // What came before the document broke off counts.
+        { "<hash><error>Cut</error><req", u"Cut"_s },
+        { "<hash><error> </error></hash>", QString() },
+        { "<error>" + QByteArray(300, 'x') + "</error>", QString(300, u'x') },
+        { "<error>" + QByteArray(301, 'x') + "</error>", QString(299, u'x') + u'…' },
+        { "<error>" + QByteArray("word ").repeated(99) + "</error>", u"word "_s.repeated(59) + u"word…"_s },
+        { "not xml", QString() },
+        { "", QString() },
+    };
+    for (const auto& [document, text] : cases)
+        EXPECT_EQ(TwitterAnswers::errorText(document), text) << document.constData();
 }
 
 } // namespace

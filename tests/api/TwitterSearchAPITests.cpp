@@ -52,26 +52,19 @@ TEST_F(TwitterSearchAPITest, SendsWhatWasGivenAndNothingElse)
 
 TEST_F(TwitterSearchAPITest, SpeaksPlainHTTPToAHostWithoutAScheme)
 {
-    KRTestServer plain([](const KRTestServer::Request&, KRTestServer::Connection& connection) {
-        connection.respond(200, R"({"trends":[{"name":"one"}]})");
-    });
+    KRTestServer plain(KRTestServer::always(200, R"({"trends":[{"name":"one"}]})"));
     useHost(plain.host());
     EXPECT_EQ(trends().value(), QStringList(u"one"_s));
     EXPECT_EQ(plain.requestCount(), 1);
     useHost({});
     EXPECT_EQ(trends().error(),
-        errorWithDomain(u"com.kestrin.pelinor"_s,
-            -1,
-            u"No service is set up: SearchHost has no value in ServiceHosts"_s));
+        KRTestError(u"No service is set up: SearchHost has no value in ServiceHosts"_s));
     EXPECT_TRUE(resultsOfSearch(u"x"_s).isError());
 }
 
 TEST_F(TwitterSearchAPITest, CollectsEveryTrendsName)
 {
-    const struct {
-        QByteArray body;
-        QStringList names;
-    } cases[] = {
+    const std::pair<QByteArray, QStringList> cases[] = {
         { R"({"trends":[{"name":"#b","url":"u"},{"name":"a \u00e9"}],"as_of":"now"})",
             { u"#b"_s, u"a é"_s } },
         { R"({"trends":{"2009-01-01":[{"query":"q","name":"x"}]},"name":"y"})", { u"x"_s, u"y"_s } },
@@ -79,9 +72,9 @@ TEST_F(TwitterSearchAPITest, CollectsEveryTrendsName)
         { R"({"trends":[{"name":"one"},{"name":"tw)", { u"one"_s } },
         { R"({"trends":[]})", {} },
     };
-    for (const auto& test : cases) {
-        answer(200, test.body, JSONType);
-        EXPECT_EQ(trends().value(), test.names) << test.body.constData();
+    for (const auto& [body, names] : cases) {
+        answer(200, body, JSONType);
+        EXPECT_EQ(trends().value(), names) << body.constData();
     }
 }
 
