@@ -35,7 +35,7 @@ public:
         EXPECT_FALSE(Parser::parseData(document, handler).isError()) << document.constData();
         return m_calls.join(u' ');
     }
-    QString callsFor(const QByteArray& document) { return callsFor(document, handler(QStringLiteral("h"))); }
+    QString callsFor(const QByteArray& document) { return callsFor(document, handler(u"h"_s)); }
 
 private:
     QString (*m_describe)(const Parser&);

@@ -75,10 +75,7 @@ TEST(ActiveText, SpansOfEachKind)
 
 TEST(ActiveText, KindOfAWholeString)
 {
-    const struct {
-        const char16_t* text;
-        KRActiveStringType type;
-    } cases[] = {
+    const std::pair<const char16_t*, KRActiveStringType> cases[] = {
         { u"http://example.org", KRActiveStringTypeLink },
         { u"#tag", KRActiveStringTypeHashtag },
         { u"@bob", KRActiveStringTypeUsername },
@@ -89,8 +86,8 @@ TEST(ActiveText, KindOfAWholeString)
         { u"@bob@example", KRActiveStringTypeNone },
         { u"", KRActiveStringTypeNone },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(activeStringType(test.text), test.type) << qPrintable(QString::fromUtf16(test.text));
+    for (const auto& [text, type] : cases)
+        EXPECT_EQ(activeStringType(text), type) << qPrintable(QString::fromUtf16(text));
 }
 
 TEST(ActiveText, FindsExactlyWhatThePatternsSay)
