@@ -1,25 +1,9 @@
-#include "core/Twitter.h"
-#include "foundation/KRUserDefaults.h"
-#include "support/KRTest.h"
+#include "KRTestAccount.h"
 
 #include <cstdlib>
 #include <random>
 
-namespace {
-
-class AccountList : public testing::Test {
-protected:
-    std::shared_ptr<Twitter> makeTwitter()
-    {
-        return std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, TwitterServiceHosts(), false });
-    }
-
-    KRTestLog m_log;
-    QTemporaryDir m_directory;
-    KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
-};
-
-} // namespace
+using AccountList = KRTestProgram;
 
 TEST_F(AccountList, SurvivesBeingKilledAtAnyMoment)
 {
@@ -50,7 +34,7 @@ TEST_F(AccountList, SetsUnreadableDataAsideAndStartsEmpty)
     m_defaults.setData("accounts", garbage);
     const auto twitter = makeTwitter();
     EXPECT_TRUE(twitter->accounts().isEmpty());
-    twitter->addAccount(TwitterAccount::accountWithUsername(u"new"_s, u"pw"_s, twitter->accountContext()));
+    add(*twitter, u"new"_s, u"pw"_s);
     EXPECT_EQ(m_defaults.dataForKey("accounts.unreadable"), garbage);
     EXPECT_EQ(makeTwitter()->accounts().size(), 1);
 }
@@ -60,7 +44,7 @@ TEST_F(AccountList, WithoutASecretServicePasswordsLiveInMemory)
     // This program runs in a session bus without a Secret Service.
     const auto twitter = makeTwitter();
     for (const QString& name : { u"one"_s, u"two"_s })
-        twitter->addAccount(TwitterAccount::accountWithUsername(name, u"pw"_s, twitter->accountContext()));
+        add(*twitter, name, u"pw"_s);
     EXPECT_EQ(twitter->accounts().first()->password(), u"pw"_s);
     EXPECT_TRUE(makeTwitter()->accounts().first()->password().isNull());
     EXPECT_FALSE(m_log.lines().join(u' ').contains(u"\"pw\""));

@@ -7,27 +7,43 @@
 #include "support/KRTestSite.h"
 #include "transport/KRTestRequest.h"
 
+/// A program of the test's own.
+class KRTestProgram : public testing::Test {
+protected:
+    std::shared_ptr<Twitter> makeTwitter(bool runsHeartbeat = false)
+    {
+        return std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, m_hosts, runsHeartbeat });
+    }
+    static TwitterAccountPtr add(Twitter& twitter, const QString& name, const QString& password)
+    {
+        const auto account = TwitterAccount::accountWithUsername(name, password, twitter.accountContext());
+        twitter.addAccount(account);
+        return account;
+    }
+
+    KRTestLog m_log;
+    QTemporaryDir m_directory;
+    KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
+    TwitterServiceHosts m_hosts;
+};
+
 /// A test's site, a root object that knows it, and an account named "Alice" that is in no list.
-class KRTestAccount : public testing::Test {
+class KRTestAccount : public KRTestProgram {
 protected:
     KRTestAccount()
     {
         KRTestTrustAuthority();
         m_hosts.setValueForKey(m_site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
-        m_hosts.setValueForKey(QStringLiteral("https://") + m_site.host(),
+        m_hosts.setValueForKey(u"https://"_s + m_site.host(),
             QLatin1String(TwitterServiceHosts::searchHostKey));
         m_twitter = makeTwitter();
         m_context = m_twitter->accountContext();
         m_account = makeAccount();
     }
 
-    std::shared_ptr<Twitter> makeTwitter(bool runsHeartbeat = false)
+    TwitterAccountPtr makeAccount(const QString& name = u"Alice"_s) const
     {
-        return std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, m_hosts, runsHeartbeat });
-    }
-    TwitterAccountPtr makeAccount(const QString& name = QStringLiteral("Alice")) const
-    {
-        return TwitterAccount::accountWithUsername(name, QStringLiteral("pw"), m_context);
+        return TwitterAccount::accountWithUsername(name, u"pw"_s, m_context);
     }
     void addAccounts(const QStringList& names)
     {
@@ -43,7 +59,7 @@ protected:
     }
     static TwitterStatusPtr status(const QString& id, const QString& author, const QDateTime& date)
     {
-        return KRTestStatus(id, KRTestUser({}, author), date, QStringLiteral("x"));
+        return KRTestStatus(id, KRTestUser({}, author), date, u"x"_s);
     }
     /// What comes for every list of an account.
     void answerLists(const KRTestSite::AnswerFunction& answer)
@@ -58,11 +74,7 @@ protected:
         m_site.answer("/search.json", "{}");
     }
 
-    KRTestLog m_log;
     KRTestSite m_site;
-    QTemporaryDir m_directory;
-    KRUserDefaults m_defaults { m_directory.filePath(QStringLiteral("pelinor.ini")) };
-    TwitterServiceHosts m_hosts;
     std::shared_ptr<Twitter> m_twitter;
     TwitterAccountContext m_context;
     TwitterAccountPtr m_account;

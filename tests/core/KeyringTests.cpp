@@ -44,19 +44,8 @@ QString inKeychain(const QString& name)
     return KRKeychain::passwordForUsername(name, keychainService, nullptr);
 }
 
-/// A program that knows no site.
-class Keyring : public testing::Test {
+class Keyring : public KRTestProgram {
 protected:
-    std::shared_ptr<Twitter> makeTwitter()
-    {
-        return std::make_shared<Twitter>(TwitterEnvironment { &m_defaults, TwitterServiceHosts(), false });
-    }
-    static TwitterAccountPtr add(Twitter& twitter, const QString& name, const QString& password)
-    {
-        const auto account = TwitterAccount::accountWithUsername(name, password, twitter.accountContext());
-        twitter.addAccount(account);
-        return account;
-    }
     /// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the
     /// daemon is a new one, as after an update of it. Waits until that was told and the condition holds.
     template <class Condition>
@@ -72,11 +61,9 @@ protected:
         })) << m_log.lines().join(u'\n').toStdString();
         KRRunLoop::main().runPending();
         EXPECT_EQ(told.count, 1) << "many waited for one unlocking";
+        EMKeychainProxy::sharedProxy().unlockKeychain();
+        EXPECT_TRUE(KRWaitUntil([&] { return told.count == 2; })) << "it is open, whoever asks again";
     }
-
-    KRTestLog m_log;
-    QTemporaryDir m_directory;
-    KRUserDefaults m_defaults { m_directory.filePath(u"pelinor.ini"_s) };
 };
 
 } // namespace
@@ -91,6 +78,7 @@ TEST_F(Keyring, StoresFindsAndReplaces)
     ASSERT_FALSE(KRKeychain::setPassword(u"other"_s, u"bob"_s, service).isError());
     EXPECT_EQ(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr), password);
     EXPECT_EQ(KRKeychain::passwordForUsername(u"bob"_s, service, nullptr), u"other"_s);
+    EXPECT_EQ(m_log.lines(), QStringList()) << "nobody asked for errors";
     // Replaced, not added: when the one item has gone, none is left.
     ASSERT_EQ(KRSecretService::remove(attributesOf(u"alice"_s)).status, KRSecretService::Status::Done);
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
@@ -144,6 +132,7 @@ TEST_F(Keyring, KeepsItsPasswordInTheKeychainOnly)
     const auto twitter = makeTwitter();
     ASSERT_EQ(twitter->accounts().size(), 1);
     EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
+    EXPECT_EQ(m_log.lines(), QStringList()) << "all went well";
 }
 
 TEST_F(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)

@@ -202,21 +202,18 @@ TEST_F(TwitterTest, AnyObserverMayRemoveTheAccount)
         m_account = makeAccount();
         m_account->setNotificationOptions(~0U);
         const std::weak_ptr<TwitterAccount> watched = m_account;
-        using Receiver = KRTestReceiver<TwitterStatusPtr>;
-        const auto receiver = std::make_shared<Receiver>();
+        const auto receiver = std::make_shared<KRTestReceiver<TwitterStatusPtr>>();
         // A stream lives until its last answer has come.
         std::vector<std::weak_ptr<void>> streams;
         const KRObservation observation = observe();
         m_twitter->addAccount(std::exchange(m_account, nullptr));
         if (const TwitterAccountPtr account = watched.lock()) {
             const auto& messages = account->directMessagesManager();
-            streams = { account->timelineStream(),
-                account->repliesStream(),
-                messages->receivedStream(),
-                messages->sentStream() };
+            streams = { account->timelineStream(), account->repliesStream(), messages->sentStream() };
+            streams.push_back(messages->receivedStream());
             account->addSavedSearch(makeSearch(u"tea"_s));
             account->user();
-            account->update(u"x"_s, {}, Callback(receiver, &Receiver::took));
+            account->update(u"x"_s, {}, Callback(receiver, &KRTestReceiver<TwitterStatusPtr>::took));
         } else {
             receiver->count = 1;
         }
