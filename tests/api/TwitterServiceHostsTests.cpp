@@ -6,14 +6,7 @@ namespace {
 
 class ServiceHosts : public testing::Test {
 protected:
-    QString fileWith(const QByteArray& content)
-    {
-        const QString path = m_folder.filePath(u"services.ini"_s);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return path;
-    }
+    QString fileWith(const QByteArray& content) { return KRTestFile(m_folder, content, u"services.ini"_s); }
 
     QTemporaryDir m_folder;
     KRUserDefaults m_defaults { m_folder.filePath(u"defaults.ini"_s) };

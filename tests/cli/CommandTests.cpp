@@ -147,20 +147,14 @@ TEST(CommandLine, RefusesWhatMakesNoSense)
     EXPECT_EQ(dashes.value().arguments, QStringList { u"--json is a text here"_s });
 }
 
-namespace {
-
-QByteArray outputOf(const QByteArray& command)
+static QByteArray outputOf(const QByteArray& command)
 {
-    std::FILE* pipe = ::popen(command.constData(), "r");
-    QByteArray output;
-    for (int c = pipe ? std::fgetc(pipe) : EOF; c != EOF; c = std::fgetc(pipe))
-        output += static_cast<char>(c);
-    if (pipe)
-        ::pclose(pipe);
+    std::FILE* const pipe = ::popen(command.constData(), "r");
+    QFile file;
+    const QByteArray output = file.open(pipe, QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    ::pclose(pipe);
     return output.trimmed();
 }
-
-} // namespace
 
 TEST(CommandDocuments, ComeFromTheTable)
 {

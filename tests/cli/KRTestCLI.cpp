@@ -30,16 +30,11 @@ KRTestCLI::Outcome KRTestCLI::runAs(const QByteArray& user,
 KRTestCLI::Outcome KRTestCLI::run(const QByteArray& arguments, const QByteArray& input)
 {
     const QTemporaryDir directory;
-    QFile in(directory.filePath(u"input"_s));
-    if (!in.open(QIODevice::WriteOnly) || in.write(input) != input.size())
-        return {};
-    in.close();
+    (void)KRTestFile(directory, input, u"input"_s);
     const QByteArray command
         = "cd " + directory.path().toUtf8() + " && " PELINOR_CLI " " + arguments + " <input >output 2>errors";
     const int status = std::system(command.constData());
-    const auto contentOf = [&directory](const QString& name) {
-        QFile file(directory.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    };
-    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(u"output"_s), contentOf(u"errors"_s) };
+    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+        KRTestContent(directory.filePath(u"output"_s)),
+        KRTestContent(directory.filePath(u"errors"_s)) };
 }

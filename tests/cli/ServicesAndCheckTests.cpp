@@ -9,12 +9,7 @@ namespace {
 
 class ServiceCommands : public KRTestCLI {
 protected:
-    QByteArray fileWith(const QByteArray& content) const
-    {
-        QFile file(m_folder.filePath(u"file"_s));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-        return file.fileName().toUtf8();
-    }
+    QByteArray fileWith(const QByteArray& content) const { return KRTestFile(m_folder, content).toUtf8(); }
 
     /// The option that names a table of hosts with these lines.
     QByteArray servicesWith(const QByteArray& lines) const

@@ -3,18 +3,8 @@
 #include "foundation/KRUserDefaults.h"
 #include "support/KRTest.h"
 
-namespace {
-
 constexpr auto ownerOnly
     = QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ReadUser | QFileDevice::WriteUser;
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 TEST(KRUserDefaults, KeepsValuesAcrossInstancesInAPrivateFile)
 {
@@ -70,7 +60,7 @@ TEST(KRUserDefaults, SetsAsideWhatCannotBeReadUnderANewNameEachTime)
     const QByteArray garbage("\x01\x02 no preferences at all [[[\n\xff\xfe=\n[");
     ASSERT_FALSE(KRWriteFileAtomically(path, garbage).isError());
     KRUserDefaults defaults(path);
-    EXPECT_EQ(contentOf(path + u".unreadable"_s), garbage);
+    EXPECT_EQ(KRTestContent(path + u".unreadable"_s), garbage);
     EXPECT_TRUE(log.contains(u"set aside"_s));
     for (const char* content : { "first", "second" }) {
         defaults.setData("accounts", content);
@@ -89,7 +79,7 @@ TEST(KRFiles, ReplacesAFileOrLeavesItAndSaysWhy)
     const QString path = directory.filePath(u"file"_s);
     ASSERT_FALSE(KRWriteFileAtomically(path, "one").isError());
     ASSERT_FALSE(KRWriteFileAtomically(path, "two").isError());
-    EXPECT_EQ(contentOf(path), QByteArray("two"));
+    EXPECT_EQ(KRTestContent(path), QByteArray("two"));
     EXPECT_EQ(QFile::permissions(path), ownerOnly);
     const auto failed = KRWriteFileAtomically(directory.filePath(u"no/such/folder"_s), "x");
     ASSERT_TRUE(failed.isError());

@@ -8,9 +8,7 @@
 
 #include <gmock/gmock.h>
 
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
+using namespace testing;
 
 namespace {
 

@@ -3,25 +3,11 @@
 #include <gmock/gmock.h>
 #include <sstream>
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
-
-namespace {
-
+using namespace testing;
 using RestTest = LocalServiceTest;
+using std::to_string;
 
-const std::string home = "/statuses/home_timeline.xml";
-
-std::string number(long long value)
-{
-    return std::to_string(value);
-}
-
-} // namespace
+static const std::string home = "/statuses/home_timeline.xml";
 
 TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
 {
@@ -43,11 +29,11 @@ TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
         EXPECT_EQ(ids("page=1"), plain);
 
         EXPECT_THAT(ids("count=3&page=2"), ElementsAre(plain[3], plain[4], plain[5]));
-        EXPECT_THAT(ids("count=2&max_id=" + number(plain[7])), ElementsAre(plain[7], plain[8]));
-        EXPECT_THAT(ids("since_id=" + number(plain[3])), ElementsAre(plain[0], plain[1], plain[2]));
-        EXPECT_THAT(ids("since_id=" + number(plain[3]) + "&max_id=" + number(plain[1])),
+        EXPECT_THAT(ids("count=2&max_id=" + to_string(plain[7])), ElementsAre(plain[7], plain[8]));
+        EXPECT_THAT(ids("since_id=" + to_string(plain[3])), ElementsAre(plain[0], plain[1], plain[2]));
+        EXPECT_THAT(ids("since_id=" + to_string(plain[3]) + "&max_id=" + to_string(plain[1])),
             ElementsAre(plain[1], plain[2]));
-        EXPECT_THAT(ids("since_id=" + number(plain[0])), IsEmpty());
+        EXPECT_THAT(ids("since_id=" + to_string(plain[0])), IsEmpty());
         EXPECT_THAT(ids("since_id=99999999999999999999999999"), IsEmpty());
         EXPECT_THAT(ids("page=99999999999999999999999999"), IsEmpty());
         EXPECT_EQ(ids("since_id=&max_id=x&count=-5&page=two"), plain);
@@ -92,7 +78,7 @@ TEST_F(RestTest, UpdateShowsUpInEveryPlaceItBelongsTo)
     EXPECT_EQ(nobody().get("/statuses/user_timeline.xml?screen_name=alice").ids().front(), id);
     EXPECT_EQ(nobody().get("/statuses/public_timeline.xml").ids().front(), id);
 
-    const Reply shown = nobody().get("/statuses/show/" + number(id) + ".xml");
+    const Reply shown = nobody().get("/statuses/show/" + to_string(id) + ".xml");
     EXPECT_EQ(shown.text("status", "text"), text);
     EXPECT_EQ(shown.text("status", "source"), "pelinor");
     EXPECT_EQ(shown.text("user", "screen_name"), "alice");
@@ -102,7 +88,7 @@ TEST_F(RestTest, UpdateShowsUpInEveryPlaceItBelongsTo)
     const long long answer = bob().update("@alice Cake? Where?", id);
     const Reply reply = alice().get("/statuses/replies.xml?count=1");
     EXPECT_THAT(reply.ids(), ElementsAre(answer));
-    EXPECT_EQ(reply.text("status", "in_reply_to_status_id"), number(id));
+    EXPECT_EQ(reply.text("status", "in_reply_to_status_id"), to_string(id));
     EXPECT_EQ(reply.text("status", "in_reply_to_screen_name"), "alice");
 }
 
@@ -149,7 +135,7 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
 {
     Caller priya(service(), "priya", "fourteenacross");
     const long long id = priya.update("only for friends @bob");
-    const std::string show = "/statuses/show/" + number(id) + ".xml";
+    const std::string show = "/statuses/show/" + to_string(id) + ".xml";
     const std::string timeline = "/statuses/user_timeline.xml?screen_name=priya";
     EXPECT_EQ(alice().get(show).status, 200);
     EXPECT_EQ(alice().get(timeline).ids().front(), id);
@@ -161,8 +147,8 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
         EXPECT_EQ(profile.text("user", "protected"), "true");
         EXPECT_THAT(profile.body, Not(HasSubstr("only for friends")));
         EXPECT_THAT(stranger.get("/statuses/public_timeline.xml").ids(), Not(Contains(id)));
-        EXPECT_THAT(stranger.get("/priya/status/" + number(id)).body, Not(HasSubstr("only for")));
+        EXPECT_THAT(stranger.get("/priya/status/" + to_string(id)).body, Not(HasSubstr("only for")));
     }
     EXPECT_THAT(bob().get("/statuses/replies.xml").ids(), Not(Contains(id)));
-    EXPECT_EQ(bob().post("/favorites/create/" + number(id) + ".xml").status, 403);
+    EXPECT_EQ(bob().post("/favorites/create/" + to_string(id) + ".xml").status, 403);
 }

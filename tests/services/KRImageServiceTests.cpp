@@ -17,9 +17,6 @@ protected:
             { TwitPicAPIHost, YFrogAPIHost, TwitgooAPIHost, PosterousAPIHost, ImgLyAPIHost, PixImAPIHost })
             setHost(key, u"https://"_s + server.host());
         KRTestSetLinkHosts(context.hosts);
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("picture\r\n");
         answer(200, "<rsp><mediaurl>http://a.example/1</mediaurl></rsp>");
     }
     ~KRImageServiceTest() override
@@ -42,7 +39,7 @@ protected:
         });
     }
 
-    QString path = folder.filePath(u"a file.png"_s);
+    QString path = KRTestFile(folder, "picture\r\n", u"a file.png"_s);
 };
 
 QByteArray form(const QByteArray& name, const QByteArray& filename, const QByteArray& type)

@@ -18,6 +18,22 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+/// The path of a file that is written into the folder.
+inline QString
+KRTestFile(const QTemporaryDir& folder, const QByteArray& content, const QString& name = u"file"_s)
+{
+    QFile file(folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    return file.fileName();
+}
+
+/// What is in a file; nothing when there is none.
+inline QByteArray KRTestContent(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 /// Hears what is posted at the default center, about an object or at all.
 template <class Notification, class... Arguments>
 KRObservation KRTestObserve(const Arguments&... handlerAndObject)
