@@ -25,6 +25,8 @@ struct KRLinkAction {
         Search,
         /// The user of the name `text`.
         ShowUser,
+        /// The post of the ID `text`, or the page at `url` if that is not to be had.
+        ShowStatus,
         /// A new mail, to the address in `url`.
         Mail,
     };

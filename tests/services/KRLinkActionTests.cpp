@@ -76,6 +76,41 @@ TEST(KRLinkActionTests, AClickOnASpanMeans)
         EXPECT_EQ(KRActionForActiveString(hosts(), text, type, preview), action) << qPrintable(text);
 }
 
+TEST(KRLinkActionTests, PagesOfTheAccountsOwnSiteStayInTheProgram)
+{
+    TwitterServiceHosts site = hosts();
+    site.setValueForKey(u"https://social.example/site"_s, QLatin1String(TwitterServiceHosts::webHostKey));
+    const auto shows = [](Kind kind, const QString& text) { return KRLinkAction { kind, text, {} }; };
+    const std::pair<QString, KRLinkAction> cases[] = {
+        { u"/bob"_s, shows(Kind::ShowUser, u"bob"_s) },
+        { u"/bob/"_s, shows(Kind::ShowUser, u"bob"_s) },
+        { u"/tag/rain"_s, shows(Kind::Search, u"#rain"_s) },
+        { u"/bob/status/17"_s, shows(Kind::ShowStatus, u"17"_s) },
+        { u"/bob/statuses/17"_s, shows(Kind::ShowStatus, u"17"_s) },
+        { u"/notice/17"_s, shows(Kind::ShowStatus, u"17"_s) },
+        { u"/notice/x17"_s, {} },
+        { u"/bob/status/x"_s, {} },
+        { u"/bob/all"_s, {} },
+        { u"/Settings"_s, {} },
+        { u"/bob?x=1"_s, {} },
+        { u"/böb"_s, {} },
+        { u"/"_s, {} },
+    };
+    for (const QString& root : { u"http://social.example/site"_s, u"https://social.example/site"_s }) {
+        for (const auto& [path, action] : cases) {
+            KRLinkAction expected = action.kind == Kind::Nothing ? open(root + path) : action;
+            if (action.kind == Kind::ShowStatus)
+                expected.url = QUrl(root + path);
+            EXPECT_EQ(KRActionForActiveString(site, root + path, 1, Off), expected) << qPrintable(path);
+        }
+    }
+    for (const QString& elsewhere : { u"https://social.example/bob"_s,
+             u"https://other.example/site/bob"_s,
+             u"https://social.example:8/site/bob"_s,
+             u"ftp://social.example/site/bob"_s })
+        EXPECT_EQ(KRActionForActiveString(site, elsewhere, 1, Off), open(elsewhere)) << qPrintable(elsewhere);
+}
+
 TEST(KRLinkActionTests, TextsBecomeAddresses)
 {
     // What is opened; nothing when empty.

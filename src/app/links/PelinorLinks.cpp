@@ -60,6 +60,9 @@ void perform(const KRLinkAction& action, const PelinorLinkEnvironment& environme
     case Kind::ShowUser:
         environment.presenter.pushUserDetailsView(action.text);
         break;
+    case Kind::ShowStatus:
+        environment.presenter.pushStatusDetailsView(action.text, action.url);
+        break;
     case Kind::Mail:
         environment.workspace.openURL(action.url, KRWorkspace::Launch::Normal);
         break;

@@ -27,6 +27,9 @@ public:
     virtual void pushSearchView(const QString& query) = 0;
     /// Pushes a view that loads and shows the user, animated.
     virtual void pushUserDetailsView(const QString& screenName) = 0;
+    /// Pushes a view of the post, animated, once it has been loaded; opens its page in the browser where it
+    /// cannot be.
+    virtual void pushStatusDetailsView(const QString& statusID, const QUrl& page) = 0;
 };
 
 /// What following one link works with. The presenter and the hosts are those of the click; the rest outlives

@@ -54,6 +54,39 @@ void PelinorScreenLinkPresenter::pushUserDetailsView(const QString& screenName)
         screenName));
 }
 
+namespace {
+
+// A post on its way to the screen; what was clicked may be gone when it comes.
+struct StatusOpening {
+    PelinorScreenEnvironment environment;
+    TwitterAccountPtr account;
+    QPointer<KRNavigationController> navigation;
+    QUrl page;
+
+    void statusResponse(const KRResult<TwitterStatusPtr>& response)
+    {
+        if (response.isError())
+            environment.workspace.openURL(page, KRWorkspace::Launch::Normal);
+        else if (navigation)
+            navigation->pushViewController(
+                environment.screens.makeStatusDetailsView(account, response.value()),
+                KRAnimated::Yes);
+    }
+};
+
+} // namespace
+
+void PelinorScreenLinkPresenter::pushStatusDetailsView(const QString& statusID, const QUrl& page)
+{
+    if (const TwitterStatusPtr known = m_account->cachedStatusWithID(statusID)) {
+        _push(m_environment.screens.makeStatusDetailsView(m_account, known));
+        return;
+    }
+    const auto opening = std::make_shared<StatusOpening>(
+        StatusOpening { m_environment, m_account, m_navigationController, page });
+    m_account->requestStatusWithID(statusID, Callback(opening, &StatusOpening::statusResponse));
+}
+
 void PelinorScreenLinkPresenter::_open(const QUrl& url)
 {
     m_environment.workspace.openURL(url, KRWorkspace::Launch::Normal);

@@ -27,6 +27,7 @@ public:
     void openShortLinkChecker(const QString& urlString) override;
     void pushSearchView(const QString& query) override;
     void pushUserDetailsView(const QString& screenName) override;
+    void pushStatusDetailsView(const QString& statusID, const QUrl& page) override;
 
 private:
     PelinorLinkEnvironment _links();

@@ -90,9 +90,7 @@ void PelinorPeopleListViewController::tableViewDidShowRows(KRTableView& /*tableV
 void PelinorPeopleListViewController::_activateRow(qint64 row)
 {
     if (row < m_rows.size()) {
-        KRNavigationController* const navigation = navigationController();
-        if (navigation)
-            push(environment().screens.makeUserDetailsView(account(), m_rows.at(row), {}));
+        push(environment().screens.makeUserDetailsView(account(), m_rows.at(row), {}));
     } else {
         m_people->loadMore();
     }

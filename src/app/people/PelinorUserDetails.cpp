@@ -62,25 +62,32 @@ void PelinorUserDetails::userResponse(const KRResult<TwitterUserPtr>& response)
     _changed();
 }
 
+TwitterUserPtr PelinorUserDetails::_me() const
+{
+    if (TwitterUserPtr known = m_account->user())
+        return known;
+    auto me = std::make_shared<TwitterUser>();
+    me->setUsername(m_account->username());
+    return me;
+}
+
 void PelinorUserDetails::_loadFriendships()
 {
     if (isMe())
         return;
-    TwitterUserPtr me = m_account->user();
-    if (!me) {
-        me = std::make_shared<TwitterUser>();
-        me->setUsername(m_account->username());
-    }
     const auto proxy = weakMainThreadProxy(shared_from_this());
-    m_account->checkIfUserFollows(*me, *m_user, Callback(proxy, &PelinorUserDetails::followingResponse));
-    m_account->checkIfUserFollows(*m_user, *me, Callback(proxy, &PelinorUserDetails::followsMeResponse));
+    m_account->checkIfUserFollows(*_me(), *m_user, Callback(proxy, &PelinorUserDetails::followingResponse));
+    m_account->checkIfUserFollows(*m_user, *_me(), Callback(proxy, &PelinorUserDetails::followsMeResponse));
 }
 
 void PelinorUserDetails::followingResponse(const KRResult<bool>& response)
 {
-    if (response.isError() || m_following != Following::Unknown)
+    if (m_following != Following::Unknown)
         return;
-    m_following = response.value() ? Following::Yes : Following::No;
+    if (response.isError())
+        m_followError = response.error();
+    else
+        m_following = response.value() ? Following::Yes : Following::No;
     _changed();
 }
 
@@ -92,17 +99,42 @@ void PelinorUserDetails::followsMeResponse(const KRResult<bool>& response)
 
 void PelinorUserDetails::toggleFollowing()
 {
-    if (m_following != Following::Yes && m_following != Following::No)
-        return;
-    const bool follows = m_following == Following::No;
-    m_following = Following::Changing;
     m_followError.reset();
-    const auto callback
-        = Callback(weakMainThreadProxy(shared_from_this()), &PelinorUserDetails::followResponse, follows);
-    if (follows)
-        m_account->follow(*m_user, callback);
-    else
-        m_account->stopFollowing(*m_user, callback);
+    if (m_following == Following::Unknown && m_user) {
+        _loadFriendships();
+    } else if (m_following == Following::No) {
+        m_following = Following::Changing;
+        m_account->follow(*m_user,
+            Callback(weakMainThreadProxy(shared_from_this()), &PelinorUserDetails::followResponse, true));
+    } else if (m_following == Following::Yes) {
+        m_following = Following::Ending;
+        m_unfollowing
+            = KRRunLoop::main().scheduleTimer(timeToUndo, KRRunLoop::Repeats::No, [this] { _unfollow(); });
+    }
+    _changed();
+}
+
+void PelinorUserDetails::undoUnfollowing()
+{
+    if (m_following != Following::Ending)
+        return;
+    m_unfollowing.invalidate();
+    m_following = Following::Yes;
+    _changed();
+}
+
+void PelinorUserDetails::finish()
+{
+    if (m_following == Following::Ending)
+        _unfollow();
+}
+
+void PelinorUserDetails::_unfollow()
+{
+    m_unfollowing.invalidate();
+    m_following = Following::Changing;
+    m_account->stopFollowing(*m_user,
+        Callback(weakMainThreadProxy(shared_from_this()), &PelinorUserDetails::followResponse, false));
     _changed();
 }
 
@@ -111,6 +143,19 @@ void PelinorUserDetails::followResponse(const KRResult<TwitterUserPtr>& response
     if (response.isError())
         m_followError = response.error();
     m_following = response.isError() == follows ? Following::No : Following::Yes;
+    // Whom one may not read without being let in, one follows only once they agree.
+    if (m_following == Following::Yes && m_user->isProtected().value_or(false))
+        m_account->checkIfUserFollows(*_me(),
+            *m_user,
+            Callback(weakMainThreadProxy(shared_from_this()), &PelinorUserDetails::requestedResponse));
+    _changed();
+}
+
+void PelinorUserDetails::requestedResponse(const KRResult<bool>& response)
+{
+    if (response.isError() || response.value() || m_following != Following::Yes)
+        return;
+    m_following = Following::Requested;
     _changed();
 }
 

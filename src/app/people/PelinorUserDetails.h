@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/TwitterAccount.h"
+#include "foundation/KRRunLoop.h"
 
 #include <functional>
 #include <optional>
@@ -15,7 +16,14 @@ public:
         Yes,
         /// Asked for and not answered yet.
         Changing,
+        /// No longer wanted; the service is told in a moment, unless that is taken back.
+        Ending,
+        /// A protected person has been asked.
+        Requested,
     };
+
+    /// So long somebody who stops following can take it back: protected people would have to agree again.
+    static constexpr KRClock::Duration timeToUndo = std::chrono::seconds(6);
 
     /// Without a user the one of that name is loaded.
     PelinorUserDetails(TwitterAccountPtr account, TwitterUserPtr user, QString loadUsername);
@@ -42,14 +50,21 @@ public:
     Following following() const { return m_following; }
     [[nodiscard]] bool followsMe() const { return m_followsMe; }
 
-    /// Follows, or stops. Nothing while the state is not known.
+    /// Follows, or stops, which can be taken back for a while; where the state is not known it is asked for
+    /// anew.
     void toggleFollowing();
+    void undoUnfollowing();
+    /// What was to be done in a moment is done now.
+    void finish();
 
 private:
     void userResponse(const KRResult<TwitterUserPtr>& response);
     void followingResponse(const KRResult<bool>& response);
     void followsMeResponse(const KRResult<bool>& response);
     void followResponse(const KRResult<TwitterUserPtr>& response, bool follows);
+    void requestedResponse(const KRResult<bool>& response);
+    void _unfollow();
+    [[nodiscard]] TwitterUserPtr _me() const;
     void _take(const TwitterUserPtr& user);
     void _loadFriendships();
     void _changed();
@@ -62,6 +77,7 @@ private:
     std::optional<KRError> m_followError;
     Following m_following = Following::Unknown;
     bool m_followsMe = false;
+    KRTimer m_unfollowing;
     KRObservation m_userObservation;
     std::function<void()> m_didChange;
 };

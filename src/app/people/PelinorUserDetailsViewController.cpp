@@ -2,6 +2,7 @@
 
 #include "app/links/PelinorScreenLinkPresenter.h"
 #include "app/look/PelinorDisplayPreferences.h"
+#include "app/people/PelinorPeopleListViewController.h"
 #include "app/people/PelinorUserHeaderView.h"
 #include "app/people/PelinorUserListViewControllers.h"
 #include "toolkit/navigation/KRNavigationController.h"
@@ -32,6 +33,8 @@ void PelinorUserDetailsViewController::loadView()
     m_tabs->setDrawBase(false);
     m_tabs->addTab(tr("Posts"));
     m_tabs->addTab(tr("Favorites"));
+    m_tabs->addTab(tr("Following"));
+    m_tabs->addTab(tr("Followers"));
     m_layout = new QVBoxLayout(view.get());
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSpacing(0);
@@ -55,7 +58,12 @@ void PelinorUserDetailsViewController::viewDidLoad()
         links().openURLString(m_details->user()->url().toString(QUrl::FullyEncoded), view());
     });
     connect(m_header, &PelinorUserHeaderView::retryClicked, this, [this] { refresh(); });
-    connect(m_header, &PelinorUserHeaderView::followClicked, this, [this] { m_details->toggleFollowing(); });
+    connect(m_header, &PelinorUserHeaderView::followClicked, this, [this] {
+        if (m_details->following() == PelinorUserDetails::Following::Ending)
+            m_details->undoUnfollowing();
+        else
+            m_details->toggleFollowing();
+    });
     connect(m_header, &PelinorUserHeaderView::mentionClicked, this, [this] {
         m_environment.screens.newTweetFromAccount(m_account,
             nullptr,
@@ -86,6 +94,7 @@ void PelinorUserDetailsViewController::viewWillDisappear(bool animated)
 {
     m_isVisible = false;
     m_preferencesObservation.invalidate();
+    m_details->finish();
     if (m_list)
         m_list->viewWillDisappear(animated);
 }
@@ -94,8 +103,13 @@ void PelinorUserDetailsViewController::refresh()
 {
     m_details->load();
     _detailsDidChange();
-    if (m_list)
-        m_list->refresh();
+    if (PelinorStatusListViewController* const posts = list())
+        posts->refresh();
+}
+
+PelinorStatusListViewController* PelinorUserDetailsViewController::list() const
+{
+    return qobject_cast<PelinorStatusListViewController*>(m_list.get());
 }
 
 void PelinorUserDetailsViewController::_detailsDidChange()
@@ -118,8 +132,13 @@ void PelinorUserDetailsViewController::_showList(int tab)
         list->setParentViewController(this);
         m_list = list;
     };
+    using Kind = PelinorPeople::Kind;
     if (tab == FavoritesTab)
         make(std::make_shared<PelinorUserFavoritesListViewController>(m_environment));
+    else if (tab == FollowingTab)
+        make(std::make_shared<PelinorPeopleListViewController>(m_environment, Kind::Following));
+    else if (tab == FollowersTab)
+        make(std::make_shared<PelinorPeopleListViewController>(m_environment, Kind::Followers));
     else
         make(std::make_shared<PelinorUserTweetsListViewController>(m_environment));
     // The stretch that holds the place, or the former list's remains, is the last item.

@@ -4,11 +4,12 @@
 #include "app/people/PelinorUserDetails.h"
 
 class PelinorStatusListViewController;
+class PelinorTableViewController;
 class PelinorUserHeaderView;
 class QTabBar;
 class QVBoxLayout;
 
-/// One person: who they are, and below that what they have posted and what they like. Main thread.
+/// One person: who they are, and below that what they have posted, what they like, and whom they know. Main thread.
 class PelinorUserDetailsViewController final : public KRViewController {
     Q_OBJECT
 
@@ -26,14 +27,14 @@ public:
     void viewWillAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
 
-    /// The list below; null until the person is known.
-    PelinorStatusListViewController* list() const { return m_list.get(); }
+    /// The list of posts below; null while there is another one, or none.
+    PelinorStatusListViewController* list() const;
 
     /// Asks anew for the posts below, and for the person where that has failed.
     void refresh();
 
 private:
-    enum ListTab : int { TweetsTab, FavoritesTab };
+    enum ListTab : int { TweetsTab, FavoritesTab, FollowingTab, FollowersTab };
 
     void _detailsDidChange();
     void _showList(int tab);
@@ -46,7 +47,7 @@ private:
     QPointer<PelinorUserHeaderView> m_header;
     QPointer<QTabBar> m_tabs;
     QPointer<QVBoxLayout> m_layout;
-    std::shared_ptr<PelinorStatusListViewController> m_list;
+    std::shared_ptr<PelinorTableViewController> m_list;
     bool m_isVisible = false;
     KRObservation m_preferencesObservation;
 };

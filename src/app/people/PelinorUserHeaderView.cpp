@@ -207,12 +207,31 @@ void PelinorUserHeaderView::_showFollowing(const PelinorUserDetails& details)
     m_followButton->setVisible(isSomebodyElse);
     m_mentionButton->setVisible(isSomebodyElse);
     m_messageButton->setVisible(isSomebodyElse);
-    m_followButton->setEnabled(following == Following::Yes || following == Following::No);
-    m_followButton->setText(following == Following::Yes ? tr("Unfollow") : tr("Follow"));
+    m_followButton->setEnabled(following != Following::Changing && following != Following::Requested
+        && (following != Following::Unknown || details.followError()));
+    switch (following) {
+    case Following::Unknown:
+        m_followButton->setText(details.followError() ? tr("Try Again") : tr("Follow"));
+        break;
+    case Following::Yes:
+        m_followButton->setText(tr("Unfollow"));
+        break;
+    case Following::Ending:
+        m_followButton->setText(tr("Undo"));
+        break;
+    case Following::Requested:
+        m_followButton->setText(tr("Requested"));
+        break;
+    default:
+        m_followButton->setText(tr("Follow"));
+        break;
+    }
     if (details.followError())
         m_state->setLine(details.followError()->description);
     else if (details.isMe())
         m_state->setLine(tr("This is you"));
+    else if (following == Following::Ending)
+        m_state->setLine(tr("No longer followed"));
     else
         m_state->setLine(details.followsMe() ? tr("Follows you") : QString());
 }

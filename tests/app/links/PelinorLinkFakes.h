@@ -39,6 +39,10 @@ public:
     void openShortLinkChecker(const QString& url) override { m_log.append(QStringLiteral("check ") + url); }
     void pushSearchView(const QString& query) override { m_log.append(QStringLiteral("search ") + query); }
     void pushUserDetailsView(const QString& name) override { m_log.append(QStringLiteral("user ") + name); }
+    void pushStatusDetailsView(const QString& statusID, const QUrl& page) override
+    {
+        m_log.append(QStringLiteral("status %1 of %2").arg(statusID, page.toString()));
+    }
 
 private:
     QStringList& m_log;

@@ -27,6 +27,7 @@ protected:
                  std::pair(YFrogSecondLinkHost, u"yf2.example"_s),
                  std::pair(BitlyLinkHost, u"bit.example"_s) })
             hosts.setValueForKey(host, QLatin1String(key));
+        hosts.setValueForKey(u"web.example"_s, QLatin1String(TwitterServiceHosts::webHostKey));
     }
     QString taken() { return std::exchange(events, {}).join(u'|'); }
 
@@ -57,6 +58,7 @@ TEST_F(PelinorLinksTest, EveryKindIsCarriedOut)
             u"image http://tp.example/show/iphone/a of http://tp.example/a"_s },
         { u"http://yf2.example/z"_s, 1, true, u"movie http://yf2.example/z:iphone"_s },
         { u"http://bit.example/a"_s, 1, true, u"check http://bit.example/a"_s },
+        { u"http://web.example/notice/7"_s, 1, true, u"status 7 of http://web.example/notice/7"_s },
         { u"#tag"_s, 2, true, u"search #tag"_s },
         { u"bob"_s, 3, true, u"user bob"_s },
         { u"$SYM"_s, 4, true, u"search $SYM"_s },
