@@ -131,7 +131,7 @@ TEST_F(Keyring, KeepsItsPasswordInTheKeychainOnly)
     const auto twitter = makeTwitter();
     ASSERT_EQ(twitter->accounts().size(), 1);
     EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
-    EXPECT_EQ(m_log.lines(), QStringList()) << "all went well";
+    EXPECT_FALSE(m_log.contains(u"Error getting password"_s));
 }
 
 TEST_F(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)

@@ -57,12 +57,12 @@ TEST(KRHTTPFaults, EndInOneErrorAndSendAPostOnce)
     };
     EXPECT_EQ(KRHTTPStallSeconds, 60);
     EXPECT_EQ(KRHTTPMaxRedirects, 20);
-    // Impatient, so that silence and drip end within the patience of a test.
-    KRTestTransportSettings settings([](KRHTTPTransportSettings& values) {
-        values.stallSeconds = 1;
-        values.extraCAFile = KRTestAuthorityFile();
-    });
     for (const auto& fault : faults) {
+        // Impatient, so that silence and drip end within the patience of a test, and no busy machine is taken for one.
+        KRTestTransportSettings settings([&](KRHTTPTransportSettings& values) {
+            values.stallSeconds = fault.text == late ? 2 : KRHTTPStallSeconds;
+            values.extraCAFile = KRTestAuthorityFile();
+        });
         for (const bool isEncrypted : { false, true }) {
             const auto server = isEncrypted
                 ? std::make_unique<KRTestServer>(fault.handler, KRTestCertificate::Good)

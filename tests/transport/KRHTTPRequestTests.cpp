@@ -8,11 +8,7 @@
 
 #include <QTemporaryFile>
 
-namespace {
-
-const KRTestServer::Handler answerOK = KRTestServer::always(200, "fine");
-
-} // namespace
+static const KRTestServer::Handler answerOK = KRTestServer::always(200, "fine");
 
 TEST(KRHTTPRequest, SendsWhatItWasGiven)
 {

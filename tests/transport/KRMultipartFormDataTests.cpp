@@ -42,9 +42,7 @@ protected:
 
     QString fileWith(const QByteArray& content, const QString& name = u"picture"_s)
     {
-        QFile file(folder.filePath(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
-        return file.fileName();
+        return KRTestFile(folder, content, name);
     }
 
     QTemporaryDir folder;
