@@ -268,9 +268,12 @@ TEST_F(PelinorStatusListTest, AReloadMeasuresOnlyWhatIsNew)
 
 TEST_F(PelinorStatusListTest, DatesAreReadAgainEveryMinuteWhileTheListIsShown)
 {
-    stream->posts = { makeStatus(1, QStringLiteral("x"), author, 60) };
+    // The other is from before the clock was set back an hour.
+    stream->posts = { makeStatus(2, QStringLiteral("y"), author, -3600),
+        makeStatus(1, QStringLiteral("x"), author, 60) };
     list.viewWillAppear(false);
-    const auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(1));
+    EXPECT_EQ(table().cellForRow(1)->accessibleName(), QStringLiteral("An Author: y, 0 seconds ago"));
+    const auto* const cell = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(2));
     ASSERT_NE(cell, nullptr);
     EXPECT_EQ(cell->accessibleName(), QStringLiteral("An Author: x, 1 minute ago"));
     clock.advance(std::chrono::minutes(4));
