@@ -34,7 +34,7 @@ QStringList outline(QWidget& window)
     static const QByteArrayList properties = QByteArray(
         "objectName text checkable checked default autoDefault echoMode placeholderText editable "
         "insertPolicy textFormat wordWrap textInteractionFlags readOnly tabChangesFocus minimumWidth "
-        "layoutDirection focusPolicy alignment autoRaise")
+        "layoutDirection focusPolicy alignment autoRaise dragDropMode")
                                                  .split(' ');
     static const QStringList usual
         = u"0 false Normal AutoText LinksAccessibleByMouse LeftToRight StrongFocus "

@@ -55,6 +55,17 @@ TEST_F(Journey, ASiteOneOnlyHasToName)
     const auto answer = [&] { return find<QLabel>(login.window(), u"serverAnswer"_s)->text(); };
     find<QLineEdit>(login.window(), u"usernameField"_s)->setText(u"alice"_s);
     find<QLineEdit>(login.window(), u"passwordField"_s)->setText(u"wonderland"_s);
+    const auto maySignUp = [&] {
+        login.help();
+        auto* const sheet = find<QMessageBox>(login.window(), {});
+        const auto buttons = sheet->buttons();
+        const bool may = std::any_of(buttons.begin(), buttons.end(), [](const QAbstractButton* button) {
+            return button->text() == u"Sign up..." && button->isEnabled();
+        });
+        delete sheet;
+        return may;
+    };
+    EXPECT_FALSE(maySignUp()) << "nobody knows where";
     server->setEditText(u"nobody is here"_s);
     login.login();
     EXPECT_TRUE(waitFor([&] { return answer().contains(u"is no server's address"); }));
@@ -63,6 +74,7 @@ TEST_F(Journey, ASiteOneOnlyHasToName)
     login.login();
     EXPECT_TRUE(waitFor([&] { return answer().startsWith(u"Found: "); }));
     EXPECT_TRUE(answer().contains(host)) << answer().toStdString();
+    EXPECT_TRUE(maySignUp());
     EXPECT_EQ(m_delegate->mainWindowController(), nullptr) << "no password was sent before that was seen";
     login.login();
     ASSERT_TRUE(waitFor([this] { return m_delegate->mainWindowController() != nullptr; }));
@@ -375,6 +387,7 @@ TEST_F(Journey, PreferencesApplyAtOnce)
     KRNotificationCenter::defaultCenter().post(KRKeychainUnavailableNotification());
     auto* const asking = find<QDialog>(window().window(), u"addAccountSheet"_s);
     EXPECT_EQ(find<QLineEdit>(*asking, u"usernameField"_s)->text(), u"alice"_s);
+    EXPECT_FALSE(find<QLineEdit>(*asking, u"usernameField"_s)->isEnabled());
     find<QLineEdit>(*asking, u"passwordField"_s)->setText(u"wonderland"_s);
     find<QAbstractButton>(*asking, u"addAccountButton"_s)->click();
     EXPECT_TRUE(waitFor([this] { return m_twitter->accounts().first()->password() == u"wonderland"; }));

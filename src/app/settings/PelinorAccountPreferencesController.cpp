@@ -28,7 +28,10 @@ QIcon iconOf(TwitterAccount& account)
         pixmap.rect(),
         image,
         PelinorCellColors::forPalette(QGuiApplication::palette()));
-    return pixmap;
+    QIcon icon(pixmap);
+    // Styles would make a selected one grey.
+    icon.addPixmap(pixmap, QIcon::Selected);
+    return icon;
 }
 
 } // namespace

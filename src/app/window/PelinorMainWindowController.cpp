@@ -31,6 +31,8 @@ constexpr QSize MinimumSize(400, 360);
 constexpr QSize InitialSize(480, 760);
 constexpr char GeometryKey[] = "MainWindowGeometry";
 constexpr char MenuBarHeightKey[] = "MainWindowMenuBarHeight";
+// With the usual fonts; a first start cannot know.
+constexpr int UsualMenuBarHeight = 22;
 constexpr char SelectedAccountKey[] = "MainWindowSelectedAccount";
 constexpr char SelectedTabKey[] = "MainWindowSelectedTab";
 
@@ -136,8 +138,7 @@ QMainWindow& PelinorMainWindowController::window()
 
 void PelinorMainWindowController::showWindow()
 {
-    // Where it is not known how high the menu bar is, it is there from the beginning.
-    if (!m_wasPainted && m_environment.defaults.integerForKey(MenuBarHeightKey) > 0)
+    if (!m_wasPainted)
         _showTexts(false);
     m_window->show();
     m_window->raise();
@@ -211,10 +212,9 @@ void PelinorMainWindowController::_showTexts(bool areShown)
     if (!menus)
         return;
     // Its room is kept, so that nothing moves when it comes.
-    m_window->setContentsMargins(0,
-        areShown ? 0 : m_environment.defaults.integerForKey(MenuBarHeightKey),
-        0,
-        0);
+    const int known = m_environment.defaults.integerForKey(MenuBarHeightKey);
+    const int room = known > 0 ? known : UsualMenuBarHeight;
+    m_window->setContentsMargins(0, areShown ? 0 : room, 0, 0);
     menus->setVisible(areShown);
 }
 

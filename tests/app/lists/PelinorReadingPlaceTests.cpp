@@ -352,6 +352,9 @@ private:
             default:
                 mouse.ry() += _between(-40, 40);
                 QTest::mouseMove(scroller, mouse);
+                // No post is there twice while the knob is held.
+                if (!isLaidOut)
+                    _checkCells();
                 break;
             }
         }
