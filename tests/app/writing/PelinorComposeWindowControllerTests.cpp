@@ -23,6 +23,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QToolTip>
@@ -401,7 +402,11 @@ TEST_F(PelinorComposeWindowTest, TheRecipientIsCompletedOrLookedUp)
 {
     know({ u"Bob"_s, u"bonnie"_s, u"carol"_s });
     controller.reset();
+    KRMotion::setEnabledByProgram(true);
     open(std::nullopt, [](auto& made) { made.setPromptToDirectMessageUser(true); });
+    const QPoint middle = controller->window().screen()->availableGeometry().center();
+    EXPECT_LT(controller->window().geometry().top(), middle.y() / 2) << "on its way from the top";
+    EXPECT_LT((find<QDialog>("directMessageUserPanel").geometry().center() - middle).manhattanLength(), 9);
     auto& field = *find<QComboBox>("directMessageUserComboBox").lineEdit();
     QTest::keyClicks(&field, u"@bo"_s);
     EXPECT_EQ(field.text() + u'|' + field.selectedText(), u"@bob|b"_s);
