@@ -33,6 +33,11 @@ int lineCount(qint64 row)
     return int(detail(row).count(u'\n')) + 1;
 }
 
+QString titleOf(qint64 row)
+{
+    return QStringLiteral("Row %1").arg(QLocale().toString(row + 1));
+}
+
 class RowCell final : public KRTableViewCell {
 public:
     RowCell()
@@ -43,7 +48,7 @@ public:
     void show(qint64 row)
     {
         m_shownRow = row;
-        setAccessibleName(_title());
+        setAccessibleName(titleOf(row));
         update();
     }
 
@@ -77,7 +82,7 @@ protected:
             | int(isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft);
         painter.setPen(look.text);
         painter.setFont(GalleryLook::font(10, true));
-        painter.drawText(area({ TextX, 9, width() - TextX - 16, 20 }), side, _title());
+        painter.drawText(area({ TextX, 9, width() - TextX - 16, 20 }), side, titleOf(m_shownRow));
         painter.setPen(look.secondaryText);
         painter.setFont(GalleryLook::font(9));
         int y = 29;
@@ -88,8 +93,6 @@ protected:
     }
 
 private:
-    QString _title() const { return QStringLiteral("Row %1").arg(QLocale().toString(m_shownRow + 1)); }
-
     qint64 m_shownRow = 0;
 };
 
@@ -121,6 +124,11 @@ int GalleryTablePage::numberOfRowsInTableView(KRTableView& /*tableView*/)
 int GalleryTablePage::tableViewHeightForRow(KRTableView& /*tableView*/, qint64 row)
 {
     return ShortHeight + (lineCount(row) - 1) * LineHeight;
+}
+
+QString GalleryTablePage::tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row)
+{
+    return titleOf(row);
 }
 
 KRTableViewCell* GalleryTablePage::tableViewCellForRow(KRTableView& tableView, qint64 row)

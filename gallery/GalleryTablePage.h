@@ -13,6 +13,7 @@ public:
 private:
     int numberOfRowsInTableView(KRTableView& tableView) override;
     int tableViewHeightForRow(KRTableView& tableView, qint64 row) override;
+    QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
 
     QPointer<KRTableView> m_table;

@@ -7,6 +7,7 @@
 #include "app/look/PelinorContrast.h"
 #include "app/look/PelinorImages.h"
 #include "app/look/PelinorProfileImage.h"
+#include "app/messages/PelinorReadMarks.h"
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchViewController.h"
 #include "app/settings/PelinorAddAccountSheet.h"
@@ -14,6 +15,7 @@
 #include "app/settings/PelinorPreferencesWindowController.h"
 #include "app/window/PelinorMainWindowController.h"
 #include "app/window/PelinorStatusStrip.h"
+#include "core/EMKeychainProxy.h"
 #include "core/KRKeychain.h"
 #include "foundation/KRUserDefaults.h"
 #include "toolkit/transitions/KRMotion.h"
@@ -87,7 +89,8 @@ void PelinorAppDelegate::_firstLoginResponse(const TwitterAccountPtr& account)
 
 void PelinorAppDelegate::_openMainWindow()
 {
-    m_mainWindowController = std::make_unique<PelinorMainWindowController>(m_environment, m_twitter);
+    m_mainWindowController
+        = std::make_unique<PelinorMainWindowController>(m_environment, m_twitter, m_draftStore);
     m_mainWindowController->setShouldClose([this] {
         terminate();
         return m_mayTerminate;
@@ -99,22 +102,39 @@ void PelinorAppDelegate::_openMainWindow()
                 tr("No keyring answers. Your password is kept in memory and asked for again next time."));
             _askForPasswords();
         });
+    m_unlockingObservation
+        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnlockingDidEndNotification>(
+            [this](const auto&) { _askForPasswords(); });
+    m_mainWindowController->setFirstScreenHandler([this] { _askForPasswords(); });
+    m_mainWindowController->setAddAccountHandler(
+        [this] { _openSheet(*new PelinorAddAccountSheet(m_twitter, _frontWindow())); });
     m_mainWindowController->showWindow();
     // What the user was writing stands before what there is to read.
     _openLeftDrafts();
 }
 
+void PelinorAppDelegate::_openSheet(PelinorAddAccountSheet& sheet)
+{
+    sheet.setAttribute(Qt::WA_DeleteOnClose);
+    sheet.open();
+}
+
 void PelinorAppDelegate::_askForPasswords()
 {
+    // An open keyring may know them; and one sheet at a time.
+    if (m_passwordSheet || EMKeychainProxy::sharedProxy().isUnlocking())
+        return;
     const auto isLacking = [](const TwitterAccountPtr& account) { return account->password().isNull(); };
     const QList<TwitterAccountPtr>& accounts = m_twitter.accounts();
     const auto account = std::find_if(accounts.begin(), accounts.end(), isLacking);
     if (account == accounts.end())
         return;
-    auto* const sheet = new PelinorAddAccountSheet(m_twitter, *account, &m_mainWindowController->window());
-    sheet->setAttribute(Qt::WA_DeleteOnClose);
-    connect(sheet, &QDialog::accepted, this, [this] { _askForPasswords(); });
-    sheet->open();
+    m_passwordSheet = new PelinorAddAccountSheet(m_twitter, *account, &m_mainWindowController->window());
+    connect(m_passwordSheet, &QDialog::accepted, this, [this] {
+        m_passwordSheet = nullptr;
+        _askForPasswords();
+    });
+    _openSheet(*m_passwordSheet);
 }
 
 bool PelinorAppDelegate::applicationShouldTerminate()
@@ -199,6 +219,13 @@ void PelinorAppDelegate::_hotKeyWasPressed(PelinorHotKeys::Type type)
         showHidePelinor();
     else if (type == PelinorHotKeys::NewTweet)
         newDocumentFromDock();
+}
+
+void PelinorAppDelegate::markAllAsRead()
+{
+    for (const TwitterAccountPtr& account : m_twitter.accounts())
+        PelinorReadMarks(m_defaults, *account).noteAllRead();
+    m_twitter.markAllAsRead();
 }
 
 void PelinorAppDelegate::newDocumentFromDock()

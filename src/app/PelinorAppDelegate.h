@@ -16,6 +16,7 @@
 #include <memory>
 #include <vector>
 
+class PelinorAddAccountSheet;
 class PelinorLoginWindowController;
 class PelinorMainMenu;
 class PelinorMainWindowController;
@@ -59,7 +60,7 @@ public:
     void newVideoTweet();
     void newDirectMessage();
     void refreshAll() { m_twitter.refresh(); }
-    void markAllAsRead() { m_twitter.markAllAsRead(); }
+    void markAllAsRead();
     void showPreferences();
     void showMainPelinorWindow();
     void showShortcuts();
@@ -88,6 +89,8 @@ public:
         const TwitterSearchPtr& search) override;
 
 private:
+    /// It deletes itself when it is closed.
+    static void _openSheet(PelinorAddAccountSheet& sheet);
     /// For one account after the other that has none.
     void _askForPasswords();
     /// Without an account shows where to add one.
@@ -119,8 +122,10 @@ private:
     PelinorHotKeys m_hotKeys;
     std::unique_ptr<PelinorMenuStatusItem> m_menuStatusItem;
     QList<QPointer<QWidget>> m_hiddenWindows;
+    QPointer<PelinorAddAccountSheet> m_passwordSheet;
     KRObservation m_accountObservation;
     KRObservation m_keychainObservation;
+    KRObservation m_unlockingObservation;
     std::unique_ptr<KRDesktopAppearance> m_desktopAppearance;
     bool m_mayTerminate = false;
 };

@@ -45,9 +45,7 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
     view->addSeparator();
     _add(view, tr("&Refresh"), u"Ctrl+R"_s, [this] {
         m_delegate.refreshAll();
-        // It may show what belongs to no account's refresh: a person, a search, a conversation.
-        if (auto* const list = m_window.topList())
-            list->refresh();
+        m_window.refresh();
     });
     _add(view, tr("Mark All as R&ead"), u"Ctrl+Shift+K"_s, ask(&Delegate::markAllAsRead));
 

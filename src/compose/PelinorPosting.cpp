@@ -222,7 +222,11 @@ void PelinorPosting::didMessage(const KRResult<TwitterDirectMessagePtr>& respons
 {
     const std::shared_ptr<PelinorPosting> self = shared_from_this();
     if (!response.isError()) {
-        _finish();
+        _end();
+        if (m_delegate)
+            m_delegate->postingDidSendMessage(response.value());
+        if (m_delegate)
+            m_delegate->postingDidFinish();
         return;
     }
     const KRError& error = response.error();

@@ -26,6 +26,8 @@ public:
     virtual void postingWillSend() { }
     /// After it has ended: something to tell the user.
     virtual void postingShowSheet(const PelinorSheet& sheet) = 0;
+    /// After it has ended, and before the next: the message as the service has it now.
+    virtual void postingDidSendMessage(const TwitterDirectMessagePtr& /*message*/) { }
     /// After it has ended: it has gone out.
     virtual void postingDidFinish() = 0;
 };

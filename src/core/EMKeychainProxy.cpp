@@ -133,8 +133,11 @@ void EMKeychainProxy::unlockKeychain()
 
 void EMKeychainProxy::_unlock(const QString& item)
 {
-    KRSecretService::unlockInBackground(item, [](bool isUnlocked) {
+    m_isUnlocking = true;
+    KRSecretService::unlockInBackground(item, [this](bool isUnlocked) {
+        m_isUnlocking = false;
         if (isUnlocked)
             KRNotificationCenter::defaultCenter().post(KRKeychainDidUnlockNotification());
+        KRNotificationCenter::defaultCenter().post(KRKeychainUnlockingDidEndNotification());
     });
 }

@@ -16,6 +16,9 @@ public:
     /// Whether the Secret Service answered when it was asked last.
     bool isAvailable() const { return m_isAvailable; }
 
+    /// Whether the user is being asked to open a locked keyring.
+    bool isUnlocking() const { return m_isUnlocking; }
+
     /// Null for an empty name, and when there is no such item.
     std::unique_ptr<EMGenericKeychainItem> genericKeychainItemForService(const QString& service,
         const QString& username);
@@ -47,4 +50,5 @@ private:
 
     bool m_logsErrors = false;
     bool m_isAvailable = true;
+    bool m_isUnlocking = false;
 };

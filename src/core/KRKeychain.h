@@ -10,6 +10,12 @@ struct KRKeychainDidUnlockNotification {
     static constexpr char name[] = "KRKeychainDidUnlockNotification";
 };
 
+/// The user was asked to open a locked keyring, and that is over, whether it is open now or not. Posted on the
+/// main thread, after KRKeychainDidUnlockNotification.
+struct KRKeychainUnlockingDidEndNotification {
+    static constexpr char name[] = "KRKeychainUnlockingDidEndNotification";
+};
+
 /// There is no Secret Service, so passwords live in memory for this run. Posted once a run, on the main
 /// thread.
 struct KRKeychainUnavailableNotification {

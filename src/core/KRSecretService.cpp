@@ -299,7 +299,7 @@ public:
             pending->done.notify_one();
         });
         std::unique_lock guard(pending->lock);
-        if (pending->done.wait_for(guard, KRSecretService::answerLimit, [&] {
+        if (pending->done.wait_for(guard, KRSecretService::answerLimit(), [&] {
                 return pending->answer.has_value();
             }))
             return *pending->answer;
@@ -410,9 +410,21 @@ private:
     std::thread m_thread;
 };
 
+KRClock::Duration s_answerLimit = std::chrono::seconds(3);
+
 } // namespace
 
 namespace KRSecretService {
+
+KRClock::Duration answerLimit()
+{
+    return s_answerLimit;
+}
+
+void setAnswerLimit(KRClock::Duration limit)
+{
+    s_answerLimit = limit;
+}
 
 Answer lookUp(const Attributes& attributes)
 {

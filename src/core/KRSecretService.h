@@ -37,8 +37,9 @@ struct Answer {
     QString error;
 };
 
-/// How long a call may take before it counts as not answered.
-inline constexpr KRClock::Duration answerLimit = std::chrono::seconds(3);
+/// How long a call may take before it counts as not answered; three seconds unless somebody sets another limit.
+KRClock::Duration answerLimit();
+void setAnswerLimit(KRClock::Duration limit);
 
 Answer lookUp(const Attributes& attributes);
 /// Makes an item, or replaces the password of the one with the same attributes.

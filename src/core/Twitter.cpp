@@ -378,8 +378,11 @@ void Twitter::updateTrends()
 void Twitter::trendsResponse(const KRResult<QStringList>& response)
 {
     m_loadingTrends = false;
-    if (response.isError())
+    if (response.isError()) {
+        KRNotificationCenter::defaultCenter().post(
+            TwitterTrendsDidFailNotification { this, response.error() });
         return;
+    }
     m_trends = response.value();
     KRNotificationCenter::defaultCenter().post(TwitterTrendsDidUpdateNotification { this });
 }

@@ -25,6 +25,13 @@ struct TwitterTrendsDidUpdateNotification {
     const Twitter* object;
 };
 
+/// Trends could not be loaded; the old ones are still there.
+struct TwitterTrendsDidFailNotification {
+    static constexpr char name[] = "TwitterTrendsDidFailNotification";
+    const Twitter* object;
+    KRError error;
+};
+
 /// What the root object works with.
 struct TwitterEnvironment {
     KRUserDefaults* defaults = nullptr;

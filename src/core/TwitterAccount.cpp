@@ -403,6 +403,31 @@ void TwitterAccount::removeSavedSearch(const TwitterSearchPtr& search)
     _postArchiveDidChange();
 }
 
+void TwitterAccount::renameSavedSearch(const TwitterSearchPtr& search, const QString& name)
+{
+    if (!m_savedSearches.contains(search))
+        return;
+    const QString trimmed = name.trimmed();
+    search->setDisplayName(trimmed.isEmpty() ? QString() : trimmed);
+    _savedSearchesDidChange();
+}
+
+void TwitterAccount::moveSavedSearch(const TwitterSearchPtr& search, qsizetype place)
+{
+    const qsizetype from = m_savedSearches.indexOf(search);
+    if (from < 0)
+        return;
+    m_savedSearches.move(from, std::clamp<qsizetype>(place, 0, m_savedSearches.size() - 1));
+    _savedSearchesDidChange();
+}
+
+void TwitterAccount::_savedSearchesDidChange()
+{
+    const TwitterAccountPtr self = shared_from_this();
+    _postArchiveDidChange();
+    _postDidUpdate();
+}
+
 // --- What is unread
 
 void TwitterAccount::setNotificationOptions(quint32 options)

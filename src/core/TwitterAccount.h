@@ -120,6 +120,10 @@ public:
     /// stream brings if the stream has been made by then.
     void addSavedSearch(const TwitterSearchPtr& search);
     void removeSavedSearch(const TwitterSearchPtr& search);
+    /// The search goes by its query again with an empty name. Nothing for one that is not in the list.
+    void renameSavedSearch(const TwitterSearchPtr& search, const QString& name);
+    /// To the place among the others, counted without it.
+    void moveSavedSearch(const TwitterSearchPtr& search, qsizetype place);
 
     /// So long after the rest the first saved search is loaded, and each further one a step later.
     static constexpr KRClock::Duration firstSearchDelay = std::chrono::seconds(3);
@@ -216,6 +220,7 @@ private:
     void _loadPassword();
     void _savePassword() const;
     void _encodeWithoutPassword(KRKeyedArchiver& coder) const;
+    void _savedSearchesDidChange();
     void _noteFresh(QDateTime& mark, const QDateTime& newest);
     void _postArchiveDidChange();
     /// Nothing while hosts of the start stand in for it.

@@ -38,9 +38,19 @@ constexpr std::u16string_view letterAtWordBoundaryPattern = u"\\b[A-Za-z]";
 constexpr std::u16string_view emailDomainPattern
     = std::u16string_view(KREmailRegex).substr(offsetOf(u"@", KREmailRegex));
 
+constexpr bool isASCIILetter(char16_t unit)
+{
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+}
+
 constexpr bool isASCIILetterOrDigit(char16_t unit)
 {
-    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z') || (unit >= u'0' && unit <= u'9');
+    return isASCIILetter(unit) || (unit >= u'0' && unit <= u'9');
+}
+
+constexpr bool isASCIIWordUnit(char16_t unit)
+{
+    return isASCIILetterOrDigit(unit) || unit == u'_';
 }
 
 constexpr bool isSchemeUnit(char16_t unit)
@@ -95,6 +105,8 @@ public:
         const qsizetype position = m_text.indexOf(m_mark, from);
         if (position < 0)
             return std::nullopt;
+        if (const auto word = _plainWordAt(position))
+            return word;
         if (!m_hasSetText) {
             m_expression.setText(m_text);
             m_hasSetText = true;
@@ -103,6 +115,19 @@ public:
     }
 
 private:
+    // Most hashtags and names stand behind a space and are of ASCII letters: no expression need be asked.
+    [[nodiscard]] std::optional<KRRange> _plainWordAt(qsizetype mark) const
+    {
+        if (m_mark == u'$' || (mark > 0 && m_text[mark - 1] != u' '))
+            return std::nullopt;
+        qsizetype end = mark + 1;
+        while (end < m_text.size() && isASCIIWordUnit(m_text[end].unicode()))
+            ++end;
+        if (end == mark + 1 || (end < m_text.size() && m_text[end].unicode() >= 128))
+            return std::nullopt;
+        return rangeBetween(mark, end);
+    }
+
     QStringView m_text;
     KRRegex& m_expression;
     char16_t m_mark;
@@ -209,10 +234,20 @@ private:
         const auto body = m_expressions.linkBody.matchAt(colon + static_cast<qsizetype>(schemeEnd.size()));
         if (!body)
             return std::nullopt;
-        const auto letter = m_expressions.letterAtWordBoundary.firstMatchInRange(rangeBetween(start, colon));
-        if (!letter)
+        const auto first = _firstLetterOfWord(rangeBetween(start, colon));
+        if (!first)
             return std::nullopt;
-        return rangeBetween(letter->location, body->end());
+        return rangeBetween(*first, body->end());
+    }
+
+    // In nearly every text a space stands before the scheme, and no expression need be asked.
+    std::optional<qsizetype> _firstLetterOfWord(KRRange scheme)
+    {
+        const qsizetype start = scheme.location;
+        if (isASCIILetter(m_text[start].unicode()) && (start == 0 || m_text[start - 1] == u' '))
+            return start;
+        const auto letter = m_expressions.letterAtWordBoundary.firstMatchInRange(scheme);
+        return letter ? std::optional(letter->location) : std::nullopt;
     }
 
     std::optional<KRRange> _linkWithWebPrefixAt(qsizetype position)
@@ -367,6 +402,10 @@ KRActiveTextRanges::KRActiveTextRanges(QStringView text)
     }
     if (marks & DollarMark)
         m_stockSymbols = allRanges(stockSymbolFinder(text), text);
-    // Appending to an empty list shares the other's memory: most texts have spans of one kind at most.
-    m_activeRanges = m_links + m_hashtags + m_usernames + m_stockSymbols + m_emailAddresses;
+    // Most texts have spans of one kind at most, whose list is shared.
+    for (const KRRangeList* ranges :
+        { &m_links, &m_hashtags, &m_usernames, &m_stockSymbols, &m_emailAddresses }) {
+        if (!ranges->isEmpty())
+            m_activeRanges += *ranges;
+    }
 }

@@ -545,6 +545,12 @@ void KRTableView::keyPressEvent(QKeyEvent* event)
 {
     // Keys without a meaning stop here too: a list is no place from which they should reach anything else.
     event->accept();
+    // With Alt an arrow moves what is selected, where rows can be moved.
+    if (event->modifiers().testFlag(Qt::AltModifier)) {
+        if (m_delegate)
+            m_delegate->tableViewKeyDown(*this, *event);
+        return;
+    }
     switch (event->key()) {
     case Qt::Key_Up:
         selectPrevious();

@@ -275,3 +275,8 @@ void KRHTTPRequest::endNetworkActivity()
     if (s_networkActivity.fetch_sub(1) - 1 == 0)
         KRNotificationCenter::defaultCenter().post(KREndNetworkActivityNotification());
 }
+
+bool KRHTTPRequest::isNetworkActive()
+{
+    return s_networkActivity > 0;
+}

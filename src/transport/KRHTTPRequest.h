@@ -145,6 +145,8 @@ public:
 
     static void beginNetworkActivity();
     static void endNetworkActivity();
+    /// Whether a request is running, for who begins to follow the notifications later. Any thread.
+    static bool isNetworkActive();
 
 private:
     KRHTTPRequest();

@@ -1,7 +1,6 @@
 #include "TwitterAPIFixture.h"
+#include "api/TwitterAnswers.h"
 #include "text/KRArrayAdditions.h"
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -36,7 +35,7 @@ struct Sender {
 };
 
 struct Row {
-    // Method, target and body; after "needs" the operation in the log when there is no account.
+    // Method, target (without "/api/" and ".xml") and body; after "needs" the operation in the log when there is no account.
     QByteArray request;
     void (*send)(const Sender& from);
 };
@@ -47,66 +46,58 @@ const QString two = u"2"_s;
 const QString bob = u"b&b"_s;
 
 const Row rows[] = {
-    { "GET /api/statuses/home_timeline.xml? needs friendsTimelineSinceID:maxID:count:page:",
-        [](auto& from) { from.statuses()->friendsTimelineSinceID(none, none, {}, {}); } },
-    { "GET /api/statuses/home_timeline.xml?since_id=1&max_id=2&count=200&page=3 needs "
+    { "GET statuses/home_timeline? needs friendsTimelineSinceID:maxID:count:page:",
+        [](auto& a) { a.statuses()->friendsTimelineSinceID(none, none, {}, {}); } },
+    { "GET statuses/home_timeline?since_id=1&max_id=2&count=200&page=3 needs "
       "friendsTimelineSinceID:maxID:count:page:",
-        [](auto& from) { from.statuses()->friendsTimelineSinceID(one, two, 200, 3); } },
-    { "GET /api/statuses/replies.xml?since_id=1&max_id=2&page=3 needs repliesSinceID:maxID:page:",
-        [](auto& from) { from.statuses()->repliesSinceID(one, two, 3); } },
-    { "GET /api/statuses/user_timeline.xml?screen_name=j%26%C3%B6+e&max_id=2&count=40",
-        [](auto& from) { from.statuses()->userTimelineForUsername(u"j&ö e"_s, none, two, 40, {}); } },
-    { "GET /api/statuses/user_timeline.xml?user_id=7&since_id=1&page=2",
-        [](auto& from) { from.statuses()->userTimelineForUserID(u"7"_s, one, none, {}, 2); } },
-    { "GET /api/statuses/public_timeline.xml", [](auto& from) { from.statuses()->publicTimeline(); } },
-    { "GET /api/statuses/show/4%2F2.xml", [](auto& from) { from.status()->statusWithID(u"4/2"_s); } },
-    { "POST /api/statuses/update.xml status=a%2Bb+%26+%C3%A9%3D%F0%9F%98%80&source=pelinor needs "
+        [](auto& a) { a.statuses()->friendsTimelineSinceID(one, two, 200, 3); } },
+    { "GET statuses/replies?since_id=1&max_id=2&page=3 needs repliesSinceID:maxID:page:",
+        [](auto& a) { a.statuses()->repliesSinceID(one, two, 3); } },
+    { "GET statuses/user_timeline?screen_name=j%26%C3%B6+e&max_id=2&count=40",
+        [](auto& a) { a.statuses()->userTimelineForUsername(u"j&ö e"_s, none, two, 40, {}); } },
+    { "GET statuses/user_timeline?user_id=7&since_id=1&page=2",
+        [](auto& a) { a.statuses()->userTimelineForUserID(u"7"_s, one, none, {}, 2); } },
+    { "GET statuses/public_timeline", [](auto& a) { a.statuses()->publicTimeline(); } },
+    { "GET statuses/show/4%2F2", [](auto& a) { a.status()->statusWithID(u"4/2"_s); } },
+    { "POST statuses/update status=a%2Bb+%26+%C3%A9%3D%F0%9F%98%80&source=pelinor needs "
       "update:inReplyToStatusID:",
-        [](auto& from) { from.status()->update(u"a+b & é=😀"_s, none); } },
-    { "POST /api/statuses/update.xml status=hi&in_reply_to_status_id=9&source=pelinor needs "
+        [](auto& a) { a.status()->update(u"a+b & é=😀"_s, none); } },
+    { "POST statuses/update status=hi&in_reply_to_status_id=9&source=pelinor needs "
       "update:inReplyToStatusID:",
-        [](auto& from) { from.status()->update(u"hi"_s, u"9"_s); } },
-    { "POST /api/statuses/destroy/1.xml needs destroyStatus:",
-        [](auto& from) { from.status()->destroyStatus(one); } },
-    { "GET /api/direct_messages.xml?since_id=1&max_id=2&page=3 needs directMessagesSinceID:maxID:page:",
-        [](auto& from) { from.messages()->directMessagesSinceID(one, two, 3); } },
-    { "GET /api/direct_messages/sent.xml? needs sentDirectMessagesSinceID:maxID:page:",
-        [](auto& from) { from.messages()->sentDirectMessagesSinceID(none, none, {}); } },
-    { "POST /api/direct_messages/new.xml user=b%26b&text=hi+you needs send:toUsername:",
-        [](auto& from) { from.message()->sendToUsername(u"hi you"_s, bob); } },
-    { "POST /api/direct_messages/new.xml user=1&text=hi needs send:toUserID:",
-        [](auto& from) { from.message()->sendToUserID(u"hi"_s, one); } },
-    { "GET /api/favorites/b+b.xml?page=2",
-        [](auto& from) { from.statuses()->favoritesForUsername(u"b b"_s, 2); } },
-    { "GET /api/favorites/1.xml?", [](auto& from) { from.statuses()->favoritesForUserID(one, {}); } },
-    { "POST /api/favorites/create/1.xml needs favoriteStatusID:",
-        [](auto& from) { from.commands()->favoriteStatusID(one); } },
-    { "POST /api/favorites/destroy/1.xml needs unfavoriteStatusID:",
-        [](auto& from) { from.commands()->unfavoriteStatusID(one); } },
-    { "POST /api/friendships/create.xml?screen_name=b%26b needs followUsername:",
-        [](auto& from) { from.user()->followUsername(bob); } },
-    { "POST /api/friendships/create.xml?user_id=1 needs followUserID:",
-        [](auto& from) { from.user()->followUserID(one); } },
-    { "POST /api/friendships/destroy/bob.xml needs unfollowUsername:",
-        [](auto& from) { from.user()->unfollowUsername(u"bob"_s); } },
-    { "POST /api/friendships/destroy/1.xml needs unfollowUserID:",
-        [](auto& from) { from.user()->unfollowUserID(one); } },
-    { "GET /api/friendships/exists.xml?user_a=1&user_b=2",
-        [](auto& from) { from.truth()->usernameFollowsUsername(one, two); } },
-    { "GET /api/friendships/exists.xml?user_a=1&user_b=2",
-        [](auto& from) { from.truth()->userIDFollowsUserID(one, two); } },
-    { "GET /api/statuses/friends.xml?screen_name=b%26b&page=2",
-        [](auto& from) { from.users()->friendsForUsername(bob, 2); } },
-    { "GET /api/statuses/friends.xml?user_id=1",
-        [](auto& from) { from.users()->friendsForUserID(one, {}); } },
-    { "GET /api/statuses/followers.xml?screen_name=b%26b",
-        [](auto& from) { from.users()->followersForUsername(bob, {}); } },
-    { "GET /api/statuses/followers.xml?user_id=1&page=5",
-        [](auto& from) { from.users()->followersForUserID(one, 5); } },
-    { "GET /api/users/show.xml?screen_name=b%26b", [](auto& from) { from.user()->userWithUsername(bob); } },
-    { "GET /api/users/show.xml?user_id=1", [](auto& from) { from.user()->userWithID(one); } },
-    { "GET /api/account/verify_credentials.xml", [](auto& from) { from.truth()->verifyCredentials(); } },
-    { "GET /api/account/rate_limit_status.xml", [](auto& from) { from.text()->rateLimitStatus(); } },
+        [](auto& a) { a.status()->update(u"hi"_s, u"9"_s); } },
+    { "POST statuses/destroy/1 needs destroyStatus:", [](auto& a) { a.status()->destroyStatus(one); } },
+    { "GET direct_messages?since_id=1&max_id=2&page=3 needs directMessagesSinceID:maxID:page:",
+        [](auto& a) { a.messages()->directMessagesSinceID(one, two, 3); } },
+    { "GET direct_messages/sent? needs sentDirectMessagesSinceID:maxID:page:",
+        [](auto& a) { a.messages()->sentDirectMessagesSinceID(none, none, {}); } },
+    { "POST direct_messages/new user=b%26b&text=hi+you needs send:toUsername:",
+        [](auto& a) { a.message()->sendToUsername(u"hi you"_s, bob); } },
+    { "POST direct_messages/new user=1&text=hi needs send:toUserID:",
+        [](auto& a) { a.message()->sendToUserID(u"hi"_s, one); } },
+    { "GET favorites/b+b?page=2", [](auto& a) { a.statuses()->favoritesForUsername(u"b b"_s, 2); } },
+    { "GET favorites/1?", [](auto& a) { a.statuses()->favoritesForUserID(one, {}); } },
+    { "POST favorites/create/1 needs favoriteStatusID:",
+        [](auto& a) { a.commands()->favoriteStatusID(one); } },
+    { "POST favorites/destroy/1 needs unfavoriteStatusID:",
+        [](auto& a) { a.commands()->unfavoriteStatusID(one); } },
+    { "POST friendships/create?screen_name=b%26b needs followUsername:",
+        [](auto& a) { a.user()->followUsername(bob); } },
+    { "POST friendships/create?user_id=1 needs followUserID:", [](auto& a) { a.user()->followUserID(one); } },
+    { "POST friendships/destroy/bob needs unfollowUsername:",
+        [](auto& a) { a.user()->unfollowUsername(u"bob"_s); } },
+    { "POST friendships/destroy/1 needs unfollowUserID:", [](auto& a) { a.user()->unfollowUserID(one); } },
+    { "GET friendships/exists?user_a=1&user_b=2",
+        [](auto& a) { a.truth()->usernameFollowsUsername(one, two); } },
+    { "GET friendships/exists?user_a=1&user_b=2", [](auto& a) { a.truth()->userIDFollowsUserID(one, two); } },
+    { "GET statuses/friends?screen_name=b%26b&page=2",
+        [](auto& a) { a.users()->friendsForUsername(bob, 2); } },
+    { "GET statuses/friends?user_id=1", [](auto& a) { a.users()->friendsForUserID(one, {}); } },
+    { "GET statuses/followers?screen_name=b%26b", [](auto& a) { a.users()->followersForUsername(bob, {}); } },
+    { "GET statuses/followers?user_id=1&page=5", [](auto& a) { a.users()->followersForUserID(one, 5); } },
+    { "GET users/show?screen_name=b%26b", [](auto& a) { a.user()->userWithUsername(bob); } },
+    { "GET users/show?user_id=1", [](auto& a) { a.user()->userWithID(one); } },
+    { "GET account/verify_credentials", [](auto& a) { a.truth()->verifyCredentials(); } },
+    { "GET account/rate_limit_status", [](auto& a) { a.text()->rateLimitStatus(); } },
 };
 
 TEST_F(TwitterAPITest, EveryOperationOnTheWire)
@@ -121,7 +112,9 @@ TEST_F(TwitterAPITest, EveryOperationOnTheWire)
             ++sent;
             ASSERT_TRUE(KRWaitUntil([&] { return server.requestCount() == sent; }));
             const KRTestServer::Request request = server.requests().last();
-            EXPECT_EQ((request.method + ' ' + request.target + ' ' + request.body).trimmed(),
+            ASSERT_TRUE(request.target.startsWith("/api/") && request.target.contains(".xml"));
+            const QByteArray target = request.target.sliced(5).replace(".xml", "");
+            EXPECT_EQ((request.method + ' ' + target + ' ' + request.body).trimmed(),
                 row.request.mid(0, needs));
             EXPECT_EQ(request.values("authorization"),
                 withAccount ? QList<QByteArray> { "Basic am9lOnNlY3JldA==" } : QList<QByteArray>());
@@ -182,7 +175,7 @@ TEST_F(TwitterAPITest, AnErrorDocumentAddsItsTextToTheStatus)
         { 404, u"home_timeline.bad_format.body.txt"_s, u"Status 404: the server answered with a web page"_s },
     };
     for (const auto& test : cases) {
-        answer(test.status, realAnswer(test.answer));
+        answer(test.status, KRTestSite::realAnswer(test.answer));
         const auto result = resultOf<TwitterStatusPtr>([](auto& api) { api.statusWithID(u"1"_s); });
         ASSERT_TRUE(result.isError());
         const KRError expected = errorWithDomain(u"com.kestrin.httprequest"_s,
@@ -262,9 +255,7 @@ TEST_F(TwitterAPITest, NobodyIsAskedForWithoutANameOrAnID)
     const auto expectRefused = [](const auto& result) {
         ASSERT_TRUE(result.isError());
         EXPECT_EQ(result.error(),
-            errorWithDomain(u"com.kestrin.pelinor"_s,
-                -1,
-                u"This person has no name that the service could be asked for"_s));
+            KRTestError(u"This person has no name that the service could be asked for"_s));
     };
     for (const QString& nobody : { QString(), u""_s }) {
         expectRefused(resultOf<TwitterStatusList>(
@@ -294,11 +285,28 @@ TEST_F(TwitterAPITest, WithoutAHostThereIsAnErrorAndNoRequest)
     hosts = {};
     const auto result = resultOf<TwitterStatusList>([](auto& api) { api.publicTimeline(); });
     ASSERT_TRUE(result.isError());
-    EXPECT_EQ(result.error(),
-        errorWithDomain(u"com.kestrin.pelinor"_s,
-            -1,
-            u"No service is set up: RESTHost has no value in ServiceHosts"_s));
+    EXPECT_EQ(result.error(), KRTestError(u"No service is set up: RESTHost has no value in ServiceHosts"_s));
     EXPECT_EQ(server.connectionCount(), 0);
+}
+
+TEST(ErrorText, IsFitToBeShown)
+{
+    const std::pair<QByteArray, QString> cases[] = {
+        { "<hash><error>Gone.</error><request>/x</request></hash>", u"Gone."_s },
+        { "<errors><error code='32'>First.</error><error>Second.</error></errors>", u"Second."_s },
+        { "<hash><error>two\n   lines &amp; &lt;b&gt;</error></hash>", u"two lines & <b>"_s },
+        { "<hash><error>a\x01\xff</error></hash>", u"a\uFFFD\uFFFD"_s },
+        // What came before the document broke off counts.
+        { "<hash><error>Cut</error><req", u"Cut"_s },
+        { "<hash><error> </error></hash>", QString() },
+        { "<error>" + QByteArray(300, 'x') + "</error>", QString(300, u'x') },
+        { "<error>" + QByteArray(301, 'x') + "</error>", QString(299, u'x') + u'…' },
+        { "<error>" + QByteArray("word ").repeated(99) + "</error>", u"word "_s.repeated(59) + u"word…"_s },
+        { "not xml", QString() },
+        { "", QString() },
+    };
+    for (const auto& [document, text] : cases)
+        EXPECT_EQ(TwitterAnswers::errorText(document), text) << document.constData();
 }
 
 } // namespace

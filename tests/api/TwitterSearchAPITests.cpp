@@ -1,8 +1,6 @@
 #include "TwitterAPIFixture.h"
 #include "api/TwitterSearchAPI.h"
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 class TwitterSearchAPITest : public TwitterAPIFixture {
@@ -38,7 +36,7 @@ constexpr char JSONType[] = "Content-Type: application/json\r\n";
 
 TEST_F(TwitterSearchAPITest, SendsWhatWasGivenAndNothingElse)
 {
-    answer(200, realAnswer(u"search_classic.word.body.json"_s), JSONType);
+    answer(200, KRTestSite::realAnswer(u"search_classic.word.body.json"_s), JSONType);
     ASSERT_EQ(resultsOfSearch(u"a&b #c é"_s).value().size(), 12);
     const auto all = searchResultOf<TwitterStatusList>([](auto& operations) {
         operations.search(u"x"_s, TwitterAPIMaxSearchCount, 2, u"404"_s, u"51,0,1km"_s);
@@ -54,26 +52,19 @@ TEST_F(TwitterSearchAPITest, SendsWhatWasGivenAndNothingElse)
 
 TEST_F(TwitterSearchAPITest, SpeaksPlainHTTPToAHostWithoutAScheme)
 {
-    KRTestServer plain([](const KRTestServer::Request&, KRTestServer::Connection& connection) {
-        connection.respond(200, R"({"trends":[{"name":"one"}]})");
-    });
+    KRTestServer plain(KRTestServer::always(200, R"({"trends":[{"name":"one"}]})"));
     useHost(plain.host());
     EXPECT_EQ(trends().value(), QStringList(u"one"_s));
     EXPECT_EQ(plain.requestCount(), 1);
     useHost({});
     EXPECT_EQ(trends().error(),
-        errorWithDomain(u"com.kestrin.pelinor"_s,
-            -1,
-            u"No service is set up: SearchHost has no value in ServiceHosts"_s));
+        KRTestError(u"No service is set up: SearchHost has no value in ServiceHosts"_s));
     EXPECT_TRUE(resultsOfSearch(u"x"_s).isError());
 }
 
 TEST_F(TwitterSearchAPITest, CollectsEveryTrendsName)
 {
-    const struct {
-        QByteArray body;
-        QStringList names;
-    } cases[] = {
+    const std::pair<QByteArray, QStringList> cases[] = {
         { R"({"trends":[{"name":"#b","url":"u"},{"name":"a \u00e9"}],"as_of":"now"})",
             { u"#b"_s, u"a é"_s } },
         { R"({"trends":{"2009-01-01":[{"query":"q","name":"x"}]},"name":"y"})", { u"x"_s, u"y"_s } },
@@ -81,15 +72,15 @@ TEST_F(TwitterSearchAPITest, CollectsEveryTrendsName)
         { R"({"trends":[{"name":"one"},{"name":"tw)", { u"one"_s } },
         { R"({"trends":[]})", {} },
     };
-    for (const auto& test : cases) {
-        answer(200, test.body, JSONType);
-        EXPECT_EQ(trends().value(), test.names) << test.body.constData();
+    for (const auto& [body, names] : cases) {
+        answer(200, body, JSONType);
+        EXPECT_EQ(trends().value(), names) << body.constData();
     }
 }
 
 TEST_F(TwitterSearchAPITest, ErrorsCanBeRead)
 {
-    answer(501, realAnswer(u"trends.body.json"_s), "Content-Type: text/html; charset=UTF-8\r\n");
+    answer(501, KRTestSite::realAnswer(u"trends.body.json"_s), "Content-Type: text/html; charset=UTF-8\r\n");
     EXPECT_EQ(trends().error(),
         errorWithDomain(QString::fromUtf16(KRHTTPRequestErrorDomain),
             501,
@@ -111,8 +102,8 @@ TEST_F(TwitterSearchAPITest, RepliesReachTheLogAlone)
 {
     KRTestLog log;
     answer(200, R"({"results":[{"id":9,"from_user":"bob"}]})", JSONType);
-    const auto receiver = std::make_shared<TestReceiver<TwitterStatusList>>();
-    TwitterSearchAPI::request(hosts, Callback(receiver, &TestReceiver<TwitterStatusList>::received))
+    const auto receiver = std::make_shared<KRTestReceiver<TwitterStatusList>>();
+    TwitterSearchAPI::request(hosts, Callback(receiver, &KRTestReceiver<TwitterStatusList>::took))
         ->repliesToStatusID(u"8"_s, u"alice"_s, 3);
     ASSERT_TRUE(KRWaitUntil([&] { return log.contains(u"need to filter these by statusID 8"_s); }));
     EXPECT_TRUE(log.contains(u"all results to username: [TwitterStatus:"_s));

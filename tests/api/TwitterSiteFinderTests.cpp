@@ -1,19 +1,13 @@
 #include "api/TwitterSiteFinder.h"
-#include "support/KRTestCertificates.h"
+#include "support/KRTest.h"
 #include "support/KRTestSite.h"
-#include "transport/KRHTTPConnection.h"
+#include "transport/KRTestRequest.h"
 
 #include <future>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 TEST(TwitterSiteFinder, TakesWhatPeopleType)
 {
-    struct {
-        QString typed;
-        QString root;
-    } const cases[] = {
+    const std::pair<QString, QString> cases[] = {
         { u"social.example.org"_s, u"https://social.example.org/"_s },
         { u"  https://Social.Example.org/ "_s, u"https://social.example.org/"_s },
         { u"http://social.example.org"_s, u"https://social.example.org/"_s },
@@ -29,9 +23,8 @@ TEST(TwitterSiteFinder, TakesWhatPeopleType)
         { u"ftp://example.org"_s, {} },
         { u"two words.org"_s, {} },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(TwitterSiteFinder::rootForText(test.typed).toString(), test.root)
-            << test.typed.toStdString();
+    for (const auto& [typed, root] : cases)
+        EXPECT_EQ(TwitterSiteFinder::rootForText(typed).toString(), root) << typed.toStdString();
 }
 
 TEST(TwitterSiteFinder, ReadsWhatSitesSayOfThemselves)
@@ -84,17 +77,12 @@ class TwitterSiteFinderTest : public testing::Test {
 protected:
     TwitterSiteFinderTest()
     {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
+        KRTestTrustAuthority();
         // What a site does not have.
+        const QByteArray paths = " rsd.xml api/statusnet/config.xml api/account/verify_credentials.xml "
+                                 "statusnet/config.xml account/verify_credentials.xml";
         for (const QByteArray& folder : { QByteArray("/"), QByteArray("/social/") })
-            for (const char* const path : { "",
-                     "rsd.xml",
-                     "api/statusnet/config.xml",
-                     "api/account/verify_credentials.xml",
-                     "statusnet/config.xml",
-                     "account/verify_credentials.xml" })
+            for (const QByteArray& path : paths.split(' '))
                 m_site.answer(folder + path, "<html>no</html>", 404);
     }
 
@@ -152,11 +140,10 @@ TEST_F(TwitterSiteFinderTest, AsksTheDescriptionThenThePageThenGuesses)
 
 TEST_F(TwitterSiteFinderTest, ASiteThatHasMovedIsFoundWhereItIsNow)
 {
-    const KRTestServer moved(
-        [to = site()](const KRTestServer::Request& request, KRTestServer::Connection& connection) {
-            connection.respond(301, {}, "Location: https://" + to + request.target + "\r\n");
-        },
-        KRTestCertificate::Good);
+    const auto sendOn = [to = site()](const auto& request, auto& connection) {
+        connection.respond(301, {}, "Location: https://" + to + request.target + "\r\n");
+    };
+    const KRTestServer moved(sendOn, KRTestCertificate::Good);
     const QString usual = u"SITE/api https://SITE/api https://SITE SITE"_s;
     m_site.answer("/api/account/verify_credentials.xml", "no", 401);
     EXPECT_EQ(hostsOf(find(moved.host())), usual) << "a redirect takes no password along";

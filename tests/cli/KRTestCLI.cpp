@@ -1,24 +1,6 @@
 #include "KRTestCLI.h"
 
-#include <QFile>
-
-#include <cstdlib>
 #include <sys/wait.h>
-
-namespace {
-
-QByteArray quoted(const QByteArray& argument)
-{
-    return '\'' + QByteArray(argument).replace('\'', "'\\''") + '\'';
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 QList<QJsonObject> KRTestCLI::Outcome::objects() const
 {
@@ -30,41 +12,29 @@ QList<QJsonObject> KRTestCLI::Outcome::objects() const
     return objects;
 }
 
-KRTestCLI::KRTestCLI()
+QList<QJsonObject> KRTestCLI::objectsOf(const Outcome& outcome)
 {
-    m_servicesFile = QFile::encodeName(m_service.servicesFile());
-    m_authorityFile = QFile::encodeName(m_service.authorityFile());
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
+    return outcome.objects();
 }
 
 KRTestCLI::Outcome KRTestCLI::runAs(const QByteArray& user,
     const QByteArray& password,
-    const QList<QByteArray>& arguments,
-    const QByteArray& input) const
+    const QByteArray& arguments,
+    const QByteArray& input)
 {
-    const QList<QByteArray> options { "--services",
-        m_servicesFile,
-        "--ca-file",
-        m_authorityFile,
-        "--account",
-        user,
-        "--password-stdin" };
-    return run(options + arguments, password + '\n' + input);
+    return run(serviceOption() + authorityOption() + "--account " + user + " --password-stdin " + arguments,
+        password + '\n' + input);
 }
 
-KRTestCLI::Outcome KRTestCLI::run(const QList<QByteArray>& arguments, const QByteArray& input) const
+KRTestCLI::Outcome KRTestCLI::run(const QByteArray& arguments, const QByteArray& input)
 {
-    const QString inputFile = m_directory.filePath(QStringLiteral("input"));
-    const QString outputFile = m_directory.filePath(QStringLiteral("output"));
-    const QString errorFile = m_directory.filePath(QStringLiteral("errors"));
-    QFile file(inputFile);
-    if (!file.open(QIODevice::WriteOnly) || file.write(input) != input.size())
-        return {};
-    file.close();
-    QByteArray command = quoted(PELINOR_CLI);
-    for (const QByteArray& argument : arguments)
-        command += ' ' + quoted(argument);
-    command += " <" + quoted(inputFile.toUtf8()) + " >" + quoted(outputFile.toUtf8()) + " 2>"
-        + quoted(errorFile.toUtf8());
+    const QTemporaryDir directory;
+    (void)KRTestFile(directory, input, u"input"_s);
+    const QByteArray command
+        = "cd " + directory.path().toUtf8() + " && " PELINOR_CLI " " + arguments + " <input >output 2>errors";
     const int status = std::system(command.constData());
-    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outputFile), contentOf(errorFile) };
+    return { WIFEXITED(status) ? WEXITSTATUS(status) : -1,
+        KRTestContent(directory.filePath(u"output"_s)),
+        KRTestContent(directory.filePath(u"errors"_s)) };
 }

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "support/KRTest.h"
 #include "support/KRTestLocalService.h"
 
-#include <QByteArray>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QList>
-#include <QString>
-#include <QTemporaryDir>
 
-/// The command-line program, run as people run it, against a local service of its own.
-class KRTestCLI {
+/// The command-line program, run as people run it, against a local service of the suite's own. Arguments are words
+/// of a shell.
+class KRTestCLI : public testing::Test {
 public:
     struct Outcome {
         int exitCode = -1;
@@ -21,37 +20,47 @@ public:
         [[nodiscard]] QList<QJsonObject> objects() const;
     };
 
-    KRTestCLI();
+    static void SetUpTestSuite() { s_service = std::make_unique<KRTestLocalService>(); }
+    static void TearDownTestSuite() { s_service.reset(); }
 
-    /// Whether the service started.
-    [[nodiscard]] bool isReady() const { return m_service.isRunning(); }
-    /// Runs the program as the user, with the password on standard input and after it `input`.
-    [[nodiscard]] Outcome runAs(const QByteArray& user,
+protected:
+    void SetUp() override { ASSERT_TRUE(s_service->isRunning()); }
+
+    /// Runs the program with nothing but these arguments.
+    static Outcome run(const QByteArray& arguments, const QByteArray& input = {});
+    /// Runs it as the user, with the password on standard input and after it `input`.
+    static Outcome runAs(const QByteArray& user,
         const QByteArray& password,
-        const QList<QByteArray>& arguments,
-        const QByteArray& input = {}) const;
-    [[nodiscard]] Outcome alice(const QList<QByteArray>& arguments, const QByteArray& input = {}) const
+        const QByteArray& arguments,
+        const QByteArray& input = {});
+    static Outcome alice(const QByteArray& arguments, const QByteArray& input = {})
     {
         return runAs("alice", "wonderland", arguments, input);
     }
-    [[nodiscard]] Outcome bob(const QList<QByteArray>& arguments) const
+    static Outcome bob(const QByteArray& arguments) { return runAs("bob", "builder", arguments); }
+    /// The options that name the service.
+    static QByteArray serviceOption() { return "--services " + quoted(s_service->servicesFile()); }
+    static QByteArray authorityOption() { return " --ca-file " + quoted(s_service->authorityFile()) + ' '; }
+    /// The objects that a command prints, when it works.
+    static QList<QJsonObject> objectsOf(const Outcome& outcome);
+    static QList<QJsonObject> objectsOf(const QByteArray& arguments, const QByteArray& input = {})
     {
-        return runAs("bob", "builder", arguments);
+        return objectsOf(alice("--json " + arguments, input));
     }
-    /// Runs the program against the service, without an account.
-    [[nodiscard]] Outcome runAnonymously(const QList<QByteArray>& arguments) const
+    /// A value of the first object that a command of alice's prints.
+    static QByteArray valueOf(const QByteArray& arguments, const char16_t* key, const QByteArray& input = {})
     {
-        return run(
-            QList<QByteArray> { "--services", m_servicesFile, "--ca-file", m_authorityFile } + arguments);
+        return objectsOf(arguments, input).value(0).value(key).toVariant().toByteArray();
     }
-    /// The addresses of the service.
-    [[nodiscard]] const QByteArray& servicesFile() const { return m_servicesFile; }
-    /// Runs the program with nothing but these arguments.
-    [[nodiscard]] Outcome run(const QList<QByteArray>& arguments, const QByteArray& input = {}) const;
+    /// The name of somebody in an object.
+    static QString nameIn(const QJsonObject& object, const char16_t* person)
+    {
+        return object.value(person).toObject().value(u"username").toString();
+    }
+    static QByteArray quoted(const QString& word)
+    {
+        return '\'' + word.toUtf8().replace('\'', "'\\''") + '\'';
+    }
 
-private:
-    QTemporaryDir m_directory;
-    KRTestLocalService m_service;
-    QByteArray m_servicesFile;
-    QByteArray m_authorityFile;
+    static inline std::unique_ptr<KRTestLocalService> s_service;
 };

@@ -1,78 +1,40 @@
 #include "KRTestCLI.h"
-#include "cli/RecordOutput.h"
 
-#include <QJsonArray>
-
-#include <algorithm>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
-namespace {
-
-class MessageCommands : public testing::Test {
-protected:
-    static void SetUpTestSuite() { s_cli = std::make_unique<KRTestCLI>(); }
-    static void TearDownTestSuite() { s_cli.reset(); }
-    void SetUp() override { ASSERT_TRUE(s_cli->isReady()); }
-
-    /// The objects that a command of alice's prints, when it works.
-    static QList<QJsonObject> objectsOf(const QList<QByteArray>& arguments)
-    {
-        const KRTestCLI::Outcome outcome = s_cli->alice(QList<QByteArray> { "--json" } + arguments);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
-        return outcome.objects();
-    }
-
-    static QString nameIn(const QJsonObject& object, const char16_t* person)
-    {
-        return object.value(person).toObject().value(u"username").toString();
-    }
-
-    static inline std::unique_ptr<KRTestCLI> s_cli;
-};
-
-} // namespace
+using MessageCommands = KRTestCLI;
 
 TEST_F(MessageCommands, SendAndReadMessages)
 {
     const QByteArray text = "tea & <cake> at 5? 😀\nbring a book";
-    const QList<QJsonObject> sent = [&text] {
-        const KRTestCLI::Outcome outcome = s_cli->alice({ "--json", "send", "bob", "-" }, text);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors.toStdString();
-        return outcome.objects();
-    }();
+    const QList<QJsonObject> sent = objectsOf("send bob -", text);
     ASSERT_EQ(sent.size(), 1);
     EXPECT_EQ(sent[0].value(u"text").toString().toUtf8(), text);
     EXPECT_EQ(nameIn(sent[0], u"sender"), u"alice"_s);
     EXPECT_EQ(nameIn(sent[0], u"recipient"), u"bob"_s);
     EXPECT_TRUE(QDateTime::fromString(sent[0].value(u"date").toString(), Qt::ISODate).isValid());
 
-    const KRTestCLI::Outcome answered = s_cli->bob({ "--json", "send", "alice", "yes" });
-    ASSERT_EQ(answered.exitCode, 0) << answered.errors.toStdString();
-    const QJsonObject answer = answered.objects().value(0);
-    EXPECT_EQ(objectsOf({ "sent" }).value(0), sent[0]);
-    EXPECT_EQ(objectsOf({ "messages" }).value(0), answer);
+    const QJsonObject answer = objectsOf(bob("--json send alice yes")).value(0);
+    EXPECT_EQ(objectsOf("sent").value(0), sent[0]);
+    EXPECT_EQ(objectsOf("messages").value(0), answer);
     const QByteArray answerID = answer.value(u"messageID").toString().toLatin1();
-    EXPECT_TRUE(objectsOf({ "messages", "--since-id", answerID }).isEmpty());
-    EXPECT_EQ(objectsOf({ "messages", "--max-id", answerID }).value(0), answer);
-    const KRTestCLI::Outcome plain = s_cli->alice({ "messages" });
+    EXPECT_TRUE(objectsOf("messages --since-id " + answerID).isEmpty());
+    EXPECT_EQ(objectsOf("messages --max-id " + answerID).value(0), answer);
+    const Outcome plain = alice("messages");
     EXPECT_TRUE(plain.output.startsWith("bob to alice, ")) << plain.output.toStdString();
     EXPECT_TRUE(plain.output.contains("\n  yes\n"));
 
-    const KRTestCLI::Outcome refused = s_cli->alice({ "send", "felix", "hello" });
+    const Outcome refused = alice("send felix hello");
     EXPECT_EQ(refused.exitCode, 1);
     EXPECT_TRUE(refused.errors.contains("aren't your friend")) << refused.errors.toStdString();
-    EXPECT_EQ(s_cli->alice({ "send", "bob" }).exitCode, 2);
+    EXPECT_EQ(alice("send bob").exitCode, 2);
 }
 
 TEST_F(MessageCommands, ConversationsHoldBothDirections)
 {
-    const KRTestCLI::Outcome newest = s_cli->bob({ "send", "alice", "the newest of all" });
+    const Outcome newest = bob("send alice 'the newest of all'");
     ASSERT_EQ(newest.exitCode, 0);
     EXPECT_EQ(newest.errors, "") << "nothing for a cron job to mail";
-    EXPECT_TRUE(s_cli->alice({ "longpost", "x", "--verbose" }).errors.contains("UPLOAD PROGRESS"));
-    const QList<QJsonObject> conversations = objectsOf({ "conversations" });
+    EXPECT_TRUE(alice("longpost x --verbose").errors.contains("UPLOAD PROGRESS"));
+    const QList<QJsonObject> conversations = objectsOf("conversations");
     ASSERT_GE(conversations.size(), 5);
     EXPECT_EQ(nameIn(conversations[0], u"correspondent"), u"bob"_s);
     QStringList correspondents;
@@ -97,45 +59,38 @@ TEST_F(MessageCommands, ConversationsHoldBothDirections)
         }
     }
     EXPECT_EQ(correspondents.removeDuplicates(), 0);
-    const KRTestCLI::Outcome plain = s_cli->alice({ "conversations" });
+    const Outcome plain = alice("conversations");
     EXPECT_TRUE(plain.output.startsWith("bob (Bob Hartmann)\n  bob to alice, "))
         << plain.output.toStdString();
-
-    const KRTestCLI::Outcome stranger = s_cli->runAs("alice", "wrong", { "conversations" });
-    EXPECT_EQ(stranger.exitCode, 1);
-    EXPECT_TRUE(stranger.errors.startsWith("com.kestrin.httprequest 401: ")) << stranger.errors.toStdString();
+    EXPECT_EQ(runAs("alice", "wrong", "conversations").exitCode, 1);
 }
 
 TEST_F(MessageCommands, SearchFindsWhatWasPosted)
 {
-    for (const QByteArray& text :
-        { QByteArray("quixotic one #zebra"), QByteArray("a Quixotic & <b>second</b>") })
-        ASSERT_EQ(s_cli->alice({ "post", text }).exitCode, 0);
-    const QList<QJsonObject> found = objectsOf({ "search", "quixotic" });
+    for (const char* text : { "'quixotic one #zebra'", "'a Quixotic & <b>second</b>'" })
+        ASSERT_EQ(alice(QByteArray("post ") + text).exitCode, 0);
+    const QList<QJsonObject> found = objectsOf("search quixotic");
     ASSERT_EQ(found.size(), 2);
     EXPECT_EQ(found[0].value(u"text"), u"a Quixotic & <b>second</b>"_s);
     EXPECT_EQ(found[0].value(u"isPartialStatus"), true);
     EXPECT_EQ(nameIn(found[0], u"fromUser"), u"alice"_s);
-    EXPECT_TRUE(QDateTime::fromString(found[0].value(u"date").toString(), Qt::ISODate).isValid());
-    EXPECT_EQ(objectsOf({ "search", "quixotic", "--count", "1" }), QList<QJsonObject> { found[0] });
-    EXPECT_EQ(objectsOf({ "search", "quixotic", "--count", "1", "--page", "2" }),
-        QList<QJsonObject> { found[1] });
+    EXPECT_EQ(objectsOf("search quixotic --count 1"), QList<QJsonObject> { found[0] });
+    EXPECT_EQ(objectsOf("search quixotic --count 1 --page 2"), QList<QJsonObject> { found[1] });
     const QByteArray first = found[1].value(u"statusID").toString().toLatin1();
-    EXPECT_EQ(objectsOf({ "search", "quixotic", "--since-id", first }), QList<QJsonObject> { found[0] });
-    EXPECT_EQ(objectsOf({ "search", "#zebra" }).size(), 1);
-    EXPECT_TRUE(objectsOf({ "search", "no such word anywhere" }).isEmpty());
-    EXPECT_EQ(s_cli->alice({ "search", "x", "--max-id", "1" }).exitCode, 2);
+    EXPECT_EQ(objectsOf("search quixotic --since-id " + first), QList<QJsonObject> { found[0] });
+    EXPECT_EQ(objectsOf("search '#zebra'").size(), 1);
+    EXPECT_TRUE(objectsOf("search 'no such word anywhere'").isEmpty());
+    EXPECT_EQ(alice("search x --max-id 1").exitCode, 2);
 }
 
 TEST_F(MessageCommands, TrendsAreNames)
 {
-    const QList<QJsonObject> trends = objectsOf({ "trends" });
+    const QList<QJsonObject> trends = objectsOf("trends");
     ASSERT_EQ(trends.size(), 10);
     for (const QJsonObject& trend : trends)
         EXPECT_TRUE(trend.value(u"name").toString().startsWith(u'#'));
-    EXPECT_EQ(s_cli->alice({ "trends" }).output.count('\n'), 10);
-
-    const KRTestCLI::Outcome nowhere = s_cli->run({ "trends" });
+    EXPECT_EQ(alice("trends").output.count('\n'), 10);
+    const Outcome nowhere = run("trends");
     EXPECT_EQ(nowhere.exitCode, 1);
     EXPECT_TRUE(nowhere.errors.contains("SearchHost")) << nowhere.errors.toStdString();
 }

@@ -1,27 +1,23 @@
+#include "KRTestAccount.h"
 #include "core/EMKeychainProxy.h"
 #include "core/KRKeychain.h"
 #include "core/KRSecretService.h"
-#include "core/Twitter.h"
-#include "foundation/KRUserDefaults.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 
 #include <cstdlib>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 // Runs inside a session bus of its own with a real keyring, see tests/support/with-and-without-keyring.
 
 namespace {
 
-/// Ends the service's threads as the program does.
+// A keyring on a busy machine takes its time.
+constexpr KRClock::Duration patience = 30s;
+
+/// Gives the service time, and ends its threads as the program does.
 class Ending final : public testing::Environment {
 public:
+    void SetUp() override { KRSecretService::setAnswerLimit(patience); }
     void TearDown() override
     {
         KRSecretService::stop();
@@ -29,7 +25,7 @@ public:
         QElapsedTimer timer;
         timer.start();
         EXPECT_EQ(KRSecretService::lookUp({}).status, KRSecretService::Status::Unavailable);
-        EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
+        EXPECT_LT(timer.elapsed(), patience.count() / 2);
     }
 };
 [[maybe_unused]] const testing::Environment* const ending = testing::AddGlobalTestEnvironment(new Ending);
@@ -37,21 +33,42 @@ public:
 const QString service = u"com.kestrin.pelinor-test"_s;
 const QString keychainService = QString::fromUtf16(TwitterAccount::keychainService);
 
-/// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the
-/// daemon is a new one, as after an update of it.
-void unlockLikeTheUser()
+KRSecretService::Attributes attributesOf(const QString& account)
 {
-    ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
+    return { { u"service"_s, service }, { u"account"_s, account } };
 }
 
-std::shared_ptr<Twitter> makeTwitter(KRUserDefaults& defaults)
+/// The password of one of the program's accounts.
+QString inKeychain(const QString& name)
 {
-    return std::make_shared<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
+    return KRKeychain::passwordForUsername(name, keychainService, nullptr);
 }
+
+class Keyring : public KRTestProgram {
+protected:
+    /// An open keyring instead of the locked one, as after the user's password in the desktop's prompt; the
+    /// daemon is a new one, as after an update of it. Waits until that was told and the condition holds.
+    template <class Condition>
+    void unlockLikeTheUser(Condition condition)
+    {
+        ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING), 0);
+        const KRTestCounter<KRKeychainDidUnlockNotification> told;
+        EXPECT_TRUE(KRWaitUntil([&] {
+            // The prompt that nobody could answer may still be ending; whoever asks again then succeeds.
+            if (told.count == 0)
+                EMKeychainProxy::sharedProxy().unlockKeychain();
+            return told.count > 0 && condition();
+        })) << m_log.lines().join(u'\n').toStdString();
+        KRRunLoop::main().runPending();
+        EXPECT_EQ(told.count, 1) << "many waited for one unlocking";
+        EMKeychainProxy::sharedProxy().unlockKeychain();
+        EXPECT_TRUE(KRWaitUntil([&] { return told.count == 2; })) << "it is open, whoever asks again";
+    }
+};
 
 } // namespace
 
-TEST(Keyring, StoresFindsAndReplaces)
+TEST_F(Keyring, StoresFindsAndReplaces)
 {
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
     EXPECT_TRUE(KRKeychain::passwordForUsername(u""_s, service, nullptr).isNull());
@@ -61,27 +78,26 @@ TEST(Keyring, StoresFindsAndReplaces)
     ASSERT_FALSE(KRKeychain::setPassword(u"other"_s, u"bob"_s, service).isError());
     EXPECT_EQ(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr), password);
     EXPECT_EQ(KRKeychain::passwordForUsername(u"bob"_s, service, nullptr), u"other"_s);
+    EXPECT_EQ(m_log.lines(), QStringList()) << "nobody asked for errors";
     // Replaced, not added: when the one item has gone, none is left.
-    ASSERT_EQ(KRSecretService::remove({ { u"service"_s, service }, { u"account"_s, u"alice"_s } }).status,
-        KRSecretService::Status::Done);
+    ASSERT_EQ(KRSecretService::remove(attributesOf(u"alice"_s)).status, KRSecretService::Status::Done);
     EXPECT_TRUE(KRKeychain::passwordForUsername(u"alice"_s, service, nullptr).isNull());
 }
 
-TEST(Keyring, StartsNoBusWhereThereIsNone)
+TEST_F(Keyring, StartsNoBusWhereThereIsNone)
 {
     const QByteArray address = qgetenv("DBUS_SESSION_BUS_ADDRESS");
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     qputenv("XDG_RUNTIME_DIR", "/nonexistent");
-    const KRSecretService::Answer answer
-        = KRSecretService::lookUp({ { u"service"_s, service }, { u"account"_s, u"bob"_s } });
+    const KRSecretService::Answer answer = KRSecretService::lookUp(attributesOf(u"bob"_s));
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
     qputenv("XDG_RUNTIME_DIR", runtime);
     EXPECT_EQ(answer.status, KRSecretService::Status::Unavailable);
     EXPECT_EQ(answer.error, u"there is no session bus"_s);
 }
 
-TEST(Keyring, ChangesStoredItems)
+TEST_F(Keyring, ChangesStoredItems)
 {
     EMKeychainProxy& proxy = EMKeychainProxy::sharedProxy();
     EXPECT_EQ(proxy.addGenericKeychainItemForService(service, u""_s, u"x"_s), nullptr);
@@ -107,45 +123,27 @@ TEST(Keyring, ChangesStoredItems)
     EXPECT_EQ(proxy.internetKeychainItemForServer(location, u"dave"_s)->password(), u"three"_s);
 }
 
-TEST(Keyring, KeepsItsPasswordInTheKeychainOnly)
+TEST_F(Keyring, KeepsItsPasswordInTheKeychainOnly)
 {
-    const QTemporaryDir directory;
-    const QString path = directory.filePath(u"pelinor.ini"_s);
-    {
-        KRUserDefaults defaults(path);
-        const auto twitter = makeTwitter(defaults);
-        twitter->addAccount(
-            TwitterAccount::accountWithUsername(u"erin"_s, u"top secret"_s, twitter->accountContext()));
-    }
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_FALSE(file.readAll().contains("secret"));
-    KRUserDefaults defaults(path);
-    const auto twitter = makeTwitter(defaults);
+    add(*makeTwitter(), u"erin"_s, u"top secret"_s);
+    const QByteArray stored = KRTestContent(m_directory.filePath(u"pelinor.ini"_s));
+    EXPECT_TRUE(stored.contains("accounts") && !stored.contains("secret"));
+    const auto twitter = makeTwitter();
     ASSERT_EQ(twitter->accounts().size(), 1);
     EXPECT_EQ(twitter->accounts().first()->password(), u"top secret"_s);
+    EXPECT_EQ(m_log.lines(), QStringList()) << "all went well";
 }
 
-TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
+TEST_F(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
 {
-    const QTemporaryDir directory;
-    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    const auto add = [](Twitter& twitter, const QString& name, const QString& password) {
-        const TwitterAccountPtr account
-            = TwitterAccount::accountWithUsername(name, password, twitter.accountContext());
-        twitter.addAccount(account);
-        return account;
-    };
-    add(*makeTwitter(defaults), u"frank"_s, u"locked in"_s);
-    add(*makeTwitter(defaults), u"fred"_s, u"too"_s);
+    add(*makeTwitter(), u"frank"_s, u"locked in"_s);
+    add(*makeTwitter(), u"fred"_s, u"too"_s);
     ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
-    KRTestLog log;
     EMKeychainProxy::sharedProxy().setLogsErrors(true);
-    int told = 0;
     QElapsedTimer timer;
     timer.start();
-    const auto twitter = makeTwitter(defaults);
-    EXPECT_LT(timer.elapsed(), 2 * KRSecretService::answerLimit.count());
+    const auto twitter = makeTwitter();
+    EXPECT_LT(timer.elapsed(), patience.count()) << "nobody waits for a person";
     ASSERT_EQ(twitter->accounts().size(), 2);
     const TwitterAccountPtr frank = twitter->accounts()[0];
     EXPECT_TRUE(frank->password().isNull());
@@ -156,8 +154,8 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_EQ(stored.error(),
         errorWithDomain(u"com.kestrin.keychain"_s, -1, u"could not store item in keychain"_s));
     EXPECT_TRUE(
-        log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
-                     "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
+        m_log.contains(u"Critical Error: could not store item in keychain. Try repairing your keychain and "
+                       "repairing permissions. (Service: \"com.kestrin.pelinor-test\""_s));
     const KRResult<void> removed = KRKeychain::removePasswordForUsername(u"frank"_s, keychainService);
     ASSERT_TRUE(removed.isError());
     EXPECT_EQ(removed.error(),
@@ -169,24 +167,11 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     const TwitterAccountPtr beingChecked
         = TwitterAccount::accountWithUsername(u"mallory"_s, u"a guess"_s, twitter->accountContext());
 
-    unlockLikeTheUser();
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
-            [&](const auto&) { ++told; });
-    EXPECT_TRUE(KRWaitUntil([&] {
-        // The prompt that nobody could answer may still be ending; whoever asks again then succeeds.
-        if (told == 0)
-            EMKeychainProxy::sharedProxy().unlockKeychain();
-        return frank->password() == u"locked in" && twitter->accounts()[1]->password() == u"too";
-    })) << log.lines().join(u'\n').toStdString();
-    EXPECT_EQ(told, 1) << "many waited for one unlocking";
-    const auto inKeychain
-        = [](const QString& name) { return KRKeychain::passwordForUsername(name, keychainService, nullptr); };
+    unlockLikeTheUser(
+        [&] { return frank->password() == u"locked in" && twitter->accounts()[1]->password() == u"too"; });
     EXPECT_EQ(inKeychain(u"heidi"_s), u"refused"_s);
     for (const QString& name : { u"ivan"_s, u"judy"_s, u"mallory"_s })
         EXPECT_TRUE(inKeychain(name).isNull()) << name.toStdString();
-    KRRunLoop::main().runPending();
-    EXPECT_EQ(told, 1);
 
     // What is stored is taken out again, and what is not there is no trouble.
     for (int i = 0; i < 2; ++i)
@@ -197,103 +182,76 @@ TEST(Keyring, OnlyWhatCouldNotBeStoredIsStoredOnceTheKeyringIsOpen)
     EXPECT_EQ(inKeychain(u"frank"_s), u"locked in"_s) << "removing an account leaves its password";
 }
 
-TEST(Keyring, WhatIsTakenOutOfALockedKeyringGoesOnceItIsOpen)
+TEST_F(Keyring, WhatIsTakenOutOfALockedKeyringGoesOnceItIsOpen)
 {
-    const QTemporaryDir directory;
-    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    for (const QString& name : { u"nick"_s, u"nora"_s }) {
-        const auto twitter = makeTwitter(defaults);
-        twitter->addAccount(
-            TwitterAccount::accountWithUsername(name, u"stored"_s, twitter->accountContext()));
-    }
+    for (const QString& name : { u"nick"_s, u"nora"_s })
+        add(*makeTwitter(), name, u"stored"_s);
     ASSERT_TRUE(EMKeychainProxy::sharedProxy().lockKeychain());
-    const auto twitter = makeTwitter(defaults);
+    const auto twitter = makeTwitter();
     const TwitterAccountPtr kept = twitter->accounts().first();
     for (const TwitterAccountPtr& account : QList<TwitterAccountPtr>(twitter->accounts())) {
         twitter->removeAccount(account);
         EXPECT_TRUE(account->removePasswordFromKeychain().isError());
     }
     // One of them is there again.
-    twitter->addAccount(TwitterAccount::accountWithUsername(u"nora"_s, u"new"_s, twitter->accountContext()));
-    unlockLikeTheUser();
-    int told = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<KRKeychainDidUnlockNotification>(
-            [&](const auto&) { ++told; });
-    EXPECT_TRUE(KRWaitUntil([&] {
-        if (told == 0)
-            EMKeychainProxy::sharedProxy().unlockKeychain();
-        return told > 0;
-    }));
+    add(*twitter, u"nora"_s, u"new"_s);
+    unlockLikeTheUser([] { return true; });
     EXPECT_TRUE(kept->password().isNull()) << "nobody asks for anything with it any more";
-    EXPECT_TRUE(KRKeychain::passwordForUsername(u"nick"_s, keychainService, nullptr).isNull());
-    EXPECT_EQ(KRKeychain::passwordForUsername(u"nora"_s, keychainService, nullptr), u"new"_s);
+    EXPECT_TRUE(inKeychain(u"nick"_s).isNull());
+    EXPECT_EQ(inKeychain(u"nora"_s), u"new"_s);
 }
 
-TEST(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
+TEST_F(Keyring, HandsItsPasswordOverWithEverySaveButNotForEveryChange)
 {
-    const QTemporaryDir directory;
-    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    const auto twitter = makeTwitter(defaults);
-    const TwitterAccountPtr account
-        = TwitterAccount::accountWithUsername(u"kim"_s, u"first"_s, twitter->accountContext());
-    twitter->addAccount(account);
-    const auto inKeychain
-        = [] { return KRKeychain::passwordForUsername(u"kim"_s, keychainService, nullptr); };
+    const auto twitter = makeTwitter();
+    const TwitterAccountPtr account = add(*twitter, u"kim"_s, u"first"_s);
     KRManualClock clock;
     ASSERT_FALSE(KRKeychain::setPassword(u"by hand"_s, u"kim"_s, keychainService).isError());
     account->setNotificationOptions(0x8);
     clock.advance(Twitter::saveDelay);
-    EXPECT_EQ(inKeychain(), u"by hand"_s);
+    EXPECT_EQ(inKeychain(u"kim"_s), u"by hand"_s);
     account->setPassword(u"second"_s);
     clock.advance(Twitter::saveDelay);
-    EXPECT_EQ(inKeychain(), u"second"_s);
+    EXPECT_EQ(inKeychain(u"kim"_s), u"second"_s);
     ASSERT_FALSE(KRKeychain::setPassword(u"by hand"_s, u"kim"_s, keychainService).isError());
     twitter->shutdown();
-    EXPECT_EQ(inKeychain(), u"second"_s);
+    EXPECT_EQ(inKeychain(u"kim"_s), u"second"_s);
 }
 
 // Before anybody meets a keyring that does not answer.
-TEST(Keyring, TellsOnceThatNobodyKeepsPasswords)
+TEST_F(Keyring, TellsOnceThatNobodyKeepsPasswords)
 {
     KRManualClock clock;
-    KRTestLog log;
-    int told = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<KRKeychainUnavailableNotification>(
-            [&](const auto&) { ++told; });
+    const KRTestCounter<KRKeychainUnavailableNotification> told;
     KRKeychain::noteUnavailable(u"test"_s);
-    EXPECT_EQ(told, 0) << "whoever shows it may not have been made yet";
-    clock.advance(std::chrono::seconds(1));
-    EXPECT_EQ(told, 1);
+    EXPECT_EQ(told.count, 0) << "whoever shows it may not have been made yet";
+    clock.advance(1s);
+    EXPECT_EQ(told.count, 1);
     KRKeychain::noteUnavailable(u"test"_s);
-    clock.advance(std::chrono::seconds(9));
-    EXPECT_EQ(told, 1);
-    EXPECT_EQ(log.lines(),
+    clock.advance(9s);
+    EXPECT_EQ(told.count, 1);
+    EXPECT_EQ(m_log.lines(),
         QStringList(
             u"Warning: no Secret Service answers (test); passwords are kept in memory for this run"_s));
 }
 
-TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
+TEST_F(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
 {
-    const QTemporaryDir directory;
-    KRUserDefaults defaults(directory.filePath(u"pelinor.ini"_s));
-    for (const QString& name : { u"peggy"_s, u"paul"_s }) {
-        const auto before = makeTwitter(defaults);
-        before->addAccount(TwitterAccount::accountWithUsername(name, u"stored"_s, before->accountContext()));
-    }
+    for (const QString& name : { u"peggy"_s, u"paul"_s })
+        add(*makeTwitter(), name, u"stored"_s);
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " STOP"), 0);
-    const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"bob"_s } };
+    const auto askForBob = [] { return KRSecretService::lookUp(attributesOf(u"bob"_s)); };
     QElapsedTimer timer;
     timer.start();
-    EXPECT_EQ(KRSecretService::lookUp(attributes).status, KRSecretService::Status::Unavailable);
-    EXPECT_GE(timer.restart(), KRSecretService::answerLimit.count() / 2);
-    EXPECT_EQ(KRSecretService::lookUp(attributes).error, u"the Secret Service does not answer"_s);
-    const auto twitter = makeTwitter(defaults);
-    EXPECT_LT(timer.elapsed(), KRSecretService::answerLimit.count() / 2);
+    KRSecretService::setAnswerLimit(1s);
+    EXPECT_EQ(askForBob().status, KRSecretService::Status::Unavailable);
+    KRSecretService::setAnswerLimit(patience);
+    EXPECT_GE(timer.restart(), 500);
+    EXPECT_EQ(askForBob().error, u"the Secret Service does not answer"_s);
+    const auto twitter = makeTwitter();
+    EXPECT_LT(timer.elapsed(), patience.count() / 2);
     ASSERT_EQ(std::system(PELINOR_REOPEN_KEYRING " CONT"), 0);
-    EXPECT_TRUE(KRWaitUntil(
-        [&] { return KRSecretService::lookUp(attributes).status == KRSecretService::Status::Done; }));
+    EXPECT_TRUE(KRWaitUntil([&] { return askForBob().status == KRSecretService::Status::Done; }));
     ASSERT_EQ(twitter->accounts().size(), 2);
     for (const TwitterAccountPtr& account : twitter->accounts()) {
         EXPECT_TRUE(account->password().isNull());
@@ -302,9 +260,9 @@ TEST(Keyring, AStuckServiceKeepsNobodyElseWaitingAndIsAskedAgainOnceItAnswers)
     }
 }
 
-TEST(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
+TEST_F(Keyring, WhatIsOpenedIsTheKeyringThatTheItemLiesIn)
 {
-    const KRSecretService::Attributes attributes { { u"service"_s, service }, { u"account"_s, u"olivia"_s } };
+    const KRSecretService::Attributes attributes = attributesOf(u"olivia"_s);
     ASSERT_EQ(KRSecretService::store(attributes, u"test"_s, u"old"_s).status, KRSecretService::Status::Done);
     // A second keyring of the same content, which nobody opens.
     const QString folder = qEnvironmentVariable("PELINOR_TEST_HOME") + u"/data/keyrings/"_s;

@@ -1,23 +1,9 @@
 #include "KRTestAccount.h"
 
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-
 namespace {
 
 class AccountRequests : public KRTestAccount {
 protected:
-    /// Runs an operation until its callback has been called; the result, or null and a failure.
-    template <class T, class Operation>
-    std::shared_ptr<KRTestReceiver<T>> run(Operation operation)
-    {
-        const auto receiver = std::make_shared<KRTestReceiver<T>>();
-        operation(Callback(receiver, &KRTestReceiver<T>::took));
-        EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }));
-        settle();
-        EXPECT_EQ(receiver->count, 1);
-        return receiver;
-    }
     /// The targets and bodies since the last call.
     std::string sent()
     {
@@ -44,30 +30,25 @@ TEST_F(AccountRequests, NamePeopleByIDOrElseByName)
     m_site.answer("/friendships/exists.xml", "<friends>true</friends>");
     const TwitterUserPtr bob = KRTestUser(u"2"_s, u"bob"_s);
     const TwitterUserPtr carol = KRTestUser(u"3"_s, u"carol"_s);
-    const auto follow = [&] {
-        run<TwitterUserPtr>([&](const auto& callback) { m_account->follow(*bob, callback); });
-        run<TwitterUserPtr>([&](const auto& callback) { m_account->stopFollowing(*bob, callback); });
-        const auto check
-            = run<bool>([&](const auto& callback) { m_account->checkIfUserFollows(*bob, *carol, callback); });
-        EXPECT_TRUE(check->result->value());
-        EXPECT_TRUE(check->wasOnMainThread);
-        return sent();
-    };
-    EXPECT_EQ(follow(),
-        "/friendships/create.xml?user_id=2\n"
-        "/friendships/destroy/2.xml\n"
-        "/friendships/exists.xml?user_a=2&user_b=3");
+    const auto expectSent
+        = [&](const std::string& created, const std::string& destroyed, const std::string& asked) {
+              KRTestReceive<TwitterUserPtr>([&](const auto& callback) { m_account->follow(*bob, callback); });
+              KRTestReceive<TwitterUserPtr>(
+                  [&](const auto& callback) { m_account->stopFollowing(*bob, callback); });
+              const auto check = KRTestReceive<bool>(
+                  [&](const auto& callback) { m_account->checkIfUserFollows(*bob, *carol, callback); });
+              EXPECT_TRUE(check->result->value());
+              EXPECT_TRUE(check->wasOnMainThread);
+              EXPECT_EQ(sent(),
+                  "/friendships/create.xml?" + created + "\n/friendships/destroy/" + destroyed
+                      + ".xml\n/friendships/exists.xml?" + asked);
+          };
+    expectSent("user_id=2", "2", "user_a=2&user_b=3");
     carol->setUserID({});
-    EXPECT_EQ(follow(),
-        "/friendships/create.xml?user_id=2\n"
-        "/friendships/destroy/2.xml\n"
-        "/friendships/exists.xml?user_a=bob&user_b=carol");
+    expectSent("user_id=2", "2", "user_a=bob&user_b=carol");
     bob->setUserID({});
     carol->setUserID(u"3"_s);
-    EXPECT_EQ(follow(),
-        "/friendships/create.xml?screen_name=bob\n"
-        "/friendships/destroy/bob.xml\n"
-        "/friendships/exists.xml?user_a=bob&user_b=carol");
+    expectSent("screen_name=bob", "bob", "user_a=bob&user_b=carol");
 }
 
 TEST_F(AccountRequests, WhatIsSentLoadsWhatItChanges)
@@ -82,11 +63,11 @@ TEST_F(AccountRequests, WhatIsSentLoadsWhatItChanges)
     m_site.answer("/direct_messages/new.xml", "<direct_message>" + message + "</direct_message>");
     const TwitterUserPtr bob = KRTestUser(u"2"_s, u"bob"_s);
     const auto post = [&] {
-        return run<TwitterStatusPtr>(
+        return KRTestReceive<TwitterStatusPtr>(
             [&](const auto& callback) { m_account->update(u"posted & <sent>"_s, u"4"_s, callback); });
     };
     const auto send = [&] {
-        return run<TwitterDirectMessagePtr>(
+        return KRTestReceive<TwitterDirectMessagePtr>(
             [&](const auto& callback) { m_account->sendDirectMessage(u"hi & bye"_s, *bob, callback); });
     };
     EXPECT_EQ(post()->result->value()->statusID(), u"9"_s);
@@ -124,13 +105,13 @@ TEST_F(AccountRequests, LookUpsGoWithoutCredentialsFirst)
         isPublic = open;
         const auto expected
             = [&](const std::string& target) { return "unsigned " + target + (open ? "" : "\n" + target); };
-        const auto byName = run<TwitterUserPtr>(
+        const auto byName = KRTestReceive<TwitterUserPtr>(
             [&](const auto& callback) { m_account->requestUserWithUsername(u"bob"_s, callback); });
         EXPECT_EQ(sent(), expected("/users/show.xml?screen_name=bob"));
-        const auto byID = run<TwitterUserPtr>(
+        const auto byID = KRTestReceive<TwitterUserPtr>(
             [&](const auto& callback) { m_account->requestUserWithID(u"3"_s, callback); });
         EXPECT_EQ(sent(), expected("/users/show.xml?user_id=3"));
-        const auto post = run<TwitterStatusPtr>(
+        const auto post = KRTestReceive<TwitterStatusPtr>(
             [&](const auto& callback) { m_account->requestStatusWithID(u"5"_s, callback); });
         EXPECT_EQ(sent(), expected("/statuses/show/5.xml"));
         EXPECT_TRUE(byName->wasOnMainThread && byID->wasOnMainThread && post->wasOnMainThread);
@@ -141,16 +122,16 @@ TEST_F(AccountRequests, LookUpsGoWithoutCredentialsFirst)
         EXPECT_EQ(m_log.lines().filter(line).size(), open ? 0 : 2);
     }
     m_site.answer("/statuses/show/8.xml", "<hash><error>gone</error></hash>", 410);
-    EXPECT_EQ(
-        run<TwitterStatusPtr>([&](const auto& callback) { m_account->requestStatusWithID(u"8"_s, callback); })
-            ->result->error()
-            .code,
+    EXPECT_EQ(KRTestReceive<TwitterStatusPtr>(
+                  [&](const auto& callback) { m_account->requestStatusWithID(u"8"_s, callback); })
+                  ->result->error()
+                  .code,
         410);
     EXPECT_FALSE(m_log.contains(u"couldn't load user at all..."_s));
 
     // An account that goes meanwhile answers with what was found out without it.
     m_seen = m_site.requests().size();
-    const auto gone = run<TwitterUserPtr>([&](const auto& callback) {
+    const auto gone = KRTestReceive<TwitterUserPtr>([&](const auto& callback) {
         m_account->requestUserWithUsername(u"bob"_s, callback);
         m_account = nullptr;
     });
@@ -161,7 +142,7 @@ TEST_F(AccountRequests, LookUpsGoWithoutCredentialsFirst)
 TEST_F(AccountRequests, LoadItsOwnUserOnDemandAndAgainAfterAFailure)
 {
     m_site.answer("/users/show.xml", "nothing", 503);
-    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account);
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account.get());
     EXPECT_EQ(m_account->user(), nullptr);
     EXPECT_EQ(m_account->user(), nullptr);
     ASSERT_TRUE(KRWaitUntil([&] { return m_log.contains(u"Error loading user for account Alice"_s); }));
@@ -190,8 +171,9 @@ TEST_F(AccountRequests, MarkFavouritesAtOnceAndVerify)
     const TwitterStatusPtr nameless = status({}, u"bob"_s, KRNow());
     m_account->addStatusToFavorites(nameless);
     EXPECT_FALSE(m_account->isFavoriteStatus(*nameless));
-    EXPECT_TRUE(
-        run<bool>([&](const auto& callback) { m_account->verifyCredentials(callback); })->result->value());
+    EXPECT_TRUE(KRTestReceive<bool>([&](const auto& callback) {
+        m_account->verifyCredentials(callback);
+    })->result->value());
     EXPECT_EQ(sent(), "/favorites/create/6.xml\n/account/verify_credentials.xml");
 }
 

@@ -1,9 +1,6 @@
 #include "KRTestAccount.h"
 #include "foundation/KRKeyedArchiver.h"
 
-using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
-
 namespace {
 
 using TwitterAccountTest = KRTestAccount;
@@ -23,51 +20,32 @@ struct Kind {
     using Account = TwitterAccount;
 
     const char* name;
-    void (*add)(Account& account, const QString& id, const QString& author, const QDateTime& date);
     bool (Account::*hasFresh)() const;
     void (Account::*noteFresh)();
-    quint32 statusItem, dockBadge, growl;
+    quint32 statusItem;
+    quint32 dockBadge = statusItem << 1;
+    quint32 growl = statusItem << 2;
     /// One's own post is the newest one when posts are marked as seen, and no news when they are announced.
-    bool ownCounts;
+    bool ownCounts = statusItem < 0x800;
+
+    void add(Account& account, const QString& id, const QString& author, const QDateTime& date) const
+    {
+        const TwitterUserPtr from = KRTestUser({}, author);
+        if (hasFresh == &Account::hasFreshTweets)
+            account.timelineStream()->addStatuses({ KRTestStatus(id, from, date, u"x"_s) });
+        else if (hasFresh == &Account::hasFreshMentions)
+            account.repliesStream()->addStatuses({ KRTestStatus(id, from, date, u"x"_s) });
+        else
+            account.directMessagesManager()->receivedStream()->addMessages(
+                { KRTestMessage(id, from, KRTestUser({}, u"alice"_s), date) });
+    }
 };
 
-TwitterStatusPtr statusOf(const QString& id, const QString& author, const QDateTime& date)
-{
-    return KRTestStatus(id, KRTestUser({}, author), date, u"x"_s);
-}
-
+using A = TwitterAccount;
 const Kind kinds[] = {
-    { "timeline",
-        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
-            account.timelineStream()->addStatuses({ statusOf(id, author, date) });
-        },
-        &TwitterAccount::hasFreshTweets,
-        &TwitterAccount::noteFreshTweets,
-        0x2,
-        0x4,
-        0x8,
-        true },
-    { "mentions",
-        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
-            account.repliesStream()->addStatuses({ statusOf(id, author, date) });
-        },
-        &TwitterAccount::hasFreshMentions,
-        &TwitterAccount::noteFreshMentions,
-        0x40,
-        0x80,
-        0x100,
-        true },
-    { "messages",
-        [](TwitterAccount& account, const QString& id, const QString& author, const QDateTime& date) {
-            account.directMessagesManager()->receivedStream()->addMessages(
-                { KRTestMessage(id, KRTestUser({}, author), KRTestUser({}, u"alice"_s), date) });
-        },
-        &TwitterAccount::hasFreshMessages,
-        &TwitterAccount::noteFreshMessages,
-        0x800,
-        0x1000,
-        0x2000,
-        false },
+    { "timeline", &A::hasFreshTweets, &A::noteFreshTweets, 0x2 },
+    { "mentions", &A::hasFreshMentions, &A::noteFreshMentions, 0x40 },
+    { "messages", &A::hasFreshMessages, &A::noteFreshMessages, 0x800 },
 };
 
 } // namespace
@@ -97,7 +75,7 @@ TEST_F(TwitterAccountTest, KnowsWhatIsFreshAndKeepsItsMarks)
             }
         }
 
-        const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account);
+        const KRTestCounter<TwitterAccountDidUpdateNotification> updates(account.get());
         ((*account).*kind.noteFresh)();
         EXPECT_EQ(updates.count, 1);
         EXPECT_FALSE(hasFresh());
@@ -130,13 +108,12 @@ TEST_F(TwitterAccountTest, AnnouncesEachOnce)
         }
         announced += u' ';
     };
-    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
     const KRObservation observations[] = {
-        center.observe<TwitterAccountGrowlForNewTimelineStatuses>(
+        KRTestObserve<TwitterAccountGrowlForNewTimelineStatuses>(
             [&](const auto& posted) { note(u"timeline"_s, posted); }),
-        center.observe<TwitterAccountGrowlForNewMentionStatuses>(
+        KRTestObserve<TwitterAccountGrowlForNewMentionStatuses>(
             [&](const auto& posted) { note(u"mentions"_s, posted); }),
-        center.observe<TwitterAccountGrowlForNewMessages>(
+        KRTestObserve<TwitterAccountGrowlForNewMessages>(
             [&](const auto& posted) { note(u"messages"_s, posted); }),
     };
     const QDateTime now = KRNow();
@@ -174,7 +151,7 @@ TEST_F(TwitterAccountTest, ArchivesItselfWithoutItsPassword)
     ASSERT_EQ(again->savedSearches().size(), 2);
     EXPECT_EQ(again->savedSearches()[0]->displayName(), u"Cups"_s);
     EXPECT_EQ(again->savedSearches()[1]->query(), u"#b"_s);
-    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(again);
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(again.get());
     again->savedSearches()[1]->stream()->addStatuses({});
     EXPECT_EQ(updates.count, 1) << "a restored search is observed as an added one is";
 
@@ -192,7 +169,7 @@ TEST_F(TwitterAccountTest, ArchivesItselfWithoutItsPassword)
 TEST_F(TwitterAccountTest, KeepsEverySearchOnceAndHearsOfIt)
 {
     m_log.clear();
-    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account);
+    const KRTestCounter<TwitterAccountDidUpdateNotification> updates(m_account.get());
     const TwitterSearchPtr tea = makeSearch(u"tea"_s);
     for (const TwitterSearchPtr& one : { tea, tea, makeSearch(u"TEA"_s) })
         m_account->addSavedSearch(one);

@@ -1,11 +1,7 @@
 #include "foundation/KRKeyedArchiver.h"
+#include "support/KRTest.h"
 
 #include <QRandomGenerator>
-#include <QStringList>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -47,8 +43,7 @@ TEST(KRKeyedArchiver, ReadsBackWhatItWroteAndNothingElse)
     EXPECT_EQ(values.decodeObject("point"_L1)->decodeInteger("x"_L1), 1);
 
     EXPECT_FALSE(values.contains("absent"_L1));
-    EXPECT_TRUE(values.decodeString("absent"_L1).isNull());
-    EXPECT_TRUE(values.decodeString("number"_L1).isNull());
+    EXPECT_TRUE(values.decodeString("absent"_L1).isNull() && values.decodeString("number"_L1).isNull());
     KRKeyedArchiver empty;
     empty.encodeString("text"_L1, u""_s);
     empty.encodeData("data"_L1, "");
@@ -58,8 +53,7 @@ TEST(KRKeyedArchiver, ReadsBackWhatItWroteAndNothingElse)
     EXPECT_FALSE(restored.value().decodeData("data"_L1).isNull());
     EXPECT_TRUE(restored.value().decodeString("null"_L1).isNull());
     EXPECT_EQ(values.decodeInteger("text"_L1), std::nullopt);
-    EXPECT_FALSE(values.decodeDate("text"_L1).isValid());
-    EXPECT_FALSE(values.decodeObject("text"_L1).has_value());
+    EXPECT_FALSE(values.decodeDate("text"_L1).isValid() || values.decodeObject("text"_L1).has_value());
     EXPECT_TRUE(values.decodeObjects("point"_L1).isEmpty());
 }
 

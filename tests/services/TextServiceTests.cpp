@@ -1,10 +1,7 @@
 #include "ServicesFixture.h"
-#include "api/TwitterServiceHostKeys.h"
 #include "services/Tweetshrink.h"
 #include "services/Twitlonger.h"
 #include "transport/KRHTTPRequest.h"
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

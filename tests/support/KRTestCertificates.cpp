@@ -35,36 +35,25 @@ void addExtension(X509* certificate, X509* issuer, int kind, const char* value)
     X509_EXTENSION_free(extension);
 }
 
-/// A certificate for the key, valid from `begin` to `end` seconds from now; without an authority it signs
+/// A certificate for the key, valid since the day before yesterday until `end` seconds from now; without an authority it signs
 /// itself.
-Certificate makeCertificate(const Key& key,
-    const char* name,
-    const Authority* authority,
-    const char* hosts,
-    long begin,
-    long end)
+Certificate
+makeCertificate(const Key& key, const char* name, const Authority* authority, const char* hosts, long end)
 {
     static long serial = 1;
     Certificate certificate(X509_new(), X509_free);
     X509_set_version(certificate.get(), 2);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate.get()), serial++);
-    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), begin);
+    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -2 * day);
     X509_gmtime_adj(X509_getm_notAfter(certificate.get()), end);
     X509_set_pubkey(certificate.get(), key.get());
     X509_NAME* subject = X509_get_subject_name(certificate.get());
-    X509_NAME_add_entry_by_txt(subject,
-        "CN",
-        MBSTRING_UTF8,
-        reinterpret_cast<const unsigned char*>(name),
-        -1,
-        -1,
-        0);
+    const auto* const bytes = reinterpret_cast<const unsigned char*>(name);
+    X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_UTF8, bytes, -1, -1, 0);
     X509* issuer = authority ? authority->certificate.get() : certificate.get();
     X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuer));
-    addExtension(certificate.get(),
-        issuer,
-        NID_basic_constraints,
-        authority ? "CA:FALSE" : "critical,CA:TRUE");
+    const char* const constraints = authority ? "CA:FALSE" : "critical,CA:TRUE";
+    addExtension(certificate.get(), issuer, NID_basic_constraints, constraints);
     if (hosts)
         addExtension(certificate.get(), issuer, NID_subject_alt_name, hosts);
     X509_sign(certificate.get(), authority ? authority->key.get() : key.get(), EVP_sha256());
@@ -74,7 +63,7 @@ Certificate makeCertificate(const Key& key,
 Authority makeAuthority(const char* name)
 {
     const Key key = makeKey();
-    return { key, makeCertificate(key, name, nullptr, nullptr, -day, day) };
+    return { key, makeCertificate(key, name, nullptr, nullptr, day) };
 }
 
 const Authority& testAuthority()
@@ -91,14 +80,9 @@ KRTestTLSContext KRMakeTestTLSContext(KRTestCertificate kind)
     const Authority& authority = kind == KRTestCertificate::UnknownAuthority ? stranger : testAuthority();
     const char* hosts
         = kind == KRTestCertificate::OtherHost ? "DNS:elsewhere.example" : "IP:127.0.0.1,DNS:localhost";
-    const bool isExpired = kind == KRTestCertificate::Expired;
+    const long end = kind == KRTestCertificate::Expired ? -day : day;
     const Key key = makeKey();
-    const Certificate certificate = makeCertificate(key,
-        "test server",
-        &authority,
-        hosts,
-        isExpired ? -2 * day : -day,
-        isExpired ? -day : day);
+    const Certificate certificate = makeCertificate(key, "test server", &authority, hosts, end);
     KRTestTLSContext context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     SSL_CTX_use_certificate(context.get(), certificate.get());
     SSL_CTX_use_PrivateKey(context.get(), key.get());

@@ -9,11 +9,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace {
-
-constexpr int pollMilliseconds = 20;
-
-} // namespace
+static constexpr int pollMilliseconds = 20;
 
 QList<QByteArray> KRTestServer::Request::values(QByteArrayView name) const
 {

@@ -1,6 +1,7 @@
 #include "support/KRTestSite.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QLocale>
 
 #include <gtest/gtest.h>
@@ -46,6 +47,13 @@ QList<QByteArray> KRTestSite::targets() const
     for (const KRTestServer::Request& request : m_server.requests())
         targets.append(request.method == "GET" ? request.target : request.method + ' ' + request.target);
     return targets;
+}
+
+QByteArray KRTestSite::realAnswer(const QString& name)
+{
+    QFile file(QStringLiteral(PELINOR_TEST_DATA "/gnu-social/") + name);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    return file.readAll();
 }
 
 QByteArray KRTestSite::user(int id, const QByteArray& name)

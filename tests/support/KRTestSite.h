@@ -33,6 +33,8 @@ public:
     [[nodiscard]] QList<QByteArray> targets() const;
     [[nodiscard]] QList<KRTestServer::Request> requests() const { return m_server.requests(); }
 
+    /// What a real site has answered: the file of that name.
+    static QByteArray realAnswer(const QString& name);
     /// One "status" element in the form that sites send.
     static QByteArray
     status(int id, const QByteArray& author, const QByteArray& text, const QByteArray& inReplyTo = {});

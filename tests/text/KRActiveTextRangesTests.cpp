@@ -1,15 +1,11 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/KRActiveTextRanges.h"
 
-#include <QStringList>
-
 #include <future>
-#include <gtest/gtest.h>
 #include <random>
 #include <unicode/uregex.h>
 
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -79,10 +75,7 @@ TEST(ActiveText, SpansOfEachKind)
 
 TEST(ActiveText, KindOfAWholeString)
 {
-    const struct {
-        const char16_t* text;
-        KRActiveStringType type;
-    } cases[] = {
+    const std::pair<const char16_t*, KRActiveStringType> cases[] = {
         { u"http://example.org", KRActiveStringTypeLink },
         { u"#tag", KRActiveStringTypeHashtag },
         { u"@bob", KRActiveStringTypeUsername },
@@ -93,8 +86,8 @@ TEST(ActiveText, KindOfAWholeString)
         { u"@bob@example", KRActiveStringTypeNone },
         { u"", KRActiveStringTypeNone },
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(activeStringType(test.text), test.type) << qPrintable(QString::fromUtf16(test.text));
+    for (const auto& [text, type] : cases)
+        EXPECT_EQ(activeStringType(text), type) << qPrintable(QString::fromUtf16(text));
 }
 
 TEST(ActiveText, FindsExactlyWhatThePatternsSay)

@@ -1,4 +1,4 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRApplication.h"
 
 #include <QAction>
@@ -8,10 +8,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QVBoxLayout>
-
-#include <gtest/gtest.h>
-
-namespace {
 
 TEST(KRApplicationTests, WhileTheUserIsIgnoredInputIsDroppedAndNotKept)
 {
@@ -23,7 +19,7 @@ TEST(KRApplicationTests, WhileTheUserIsIgnoredInputIsDroppedAndNotKept)
     layout->addWidget(button);
     layout->addWidget(field);
     QAction action(&window);
-    action.setShortcut(QKeySequence(QStringLiteral("Ctrl+K")));
+    action.setShortcut(QKeySequence(u"Ctrl+K"_s));
     window.addAction(&action);
     window.show();
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
@@ -38,7 +34,7 @@ TEST(KRApplicationTests, WhileTheUserIsIgnoredInputIsDroppedAndNotKept)
             Qt::LeftButton,
             {},
             button->mapTo(&window, button->rect().center()));
-        QTest::keyClicks(field, QStringLiteral("a"));
+        QTest::keyClicks(field, u"a"_s);
         QTest::keyClick(window.windowHandle(), Qt::Key_K, Qt::ControlModifier);
         return application.sendAction(action);
     };
@@ -58,7 +54,7 @@ TEST(KRApplicationTests, WhileTheUserIsIgnoredInputIsDroppedAndNotKept)
     EXPECT_TRUE(tryEverything());
     EXPECT_EQ(clicks, 2);
     EXPECT_EQ(triggers, 2);
-    EXPECT_EQ(field->text(), QStringLiteral("a"));
+    EXPECT_EQ(field->text(), u"a"_s);
 }
 
 TEST(KRApplicationTests, AnEndTooManyIsRepaired)
@@ -66,7 +62,7 @@ TEST(KRApplicationTests, AnEndTooManyIsRepaired)
     KRApplication& application = *KRApplication::sharedApplication();
     KRTestLog log;
     application.endIgnoringUserInteraction();
-    EXPECT_TRUE(log.contains(QStringLiteral("WARNING: -endIgnoringUserInteraction called too many times")));
+    EXPECT_TRUE(log.contains(u"WARNING: -endIgnoringUserInteraction called too many times"_s));
     EXPECT_FALSE(application.isIgnoringUserInteraction());
     application.beginIgnoringUserInteraction();
     EXPECT_TRUE(application.isIgnoringUserInteraction());
@@ -93,5 +89,3 @@ TEST(KRApplicationTests, AButtonHeldWhenTheUserIsIgnoredDoesNotCatchTheMouse)
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(150, 50));
     EXPECT_EQ(clicks, 1);
 }
-
-} // namespace

@@ -1,10 +1,9 @@
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
+#include "toolkit/images/KRGradient.h"
 #include "toolkit/images/KRImage.h"
 
 #include <QImage>
 #include <QPainter>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -28,27 +27,6 @@ QImage drawn(const KRImage& image, QSize size, qreal scale, KRImage::Flipped fli
     return canvas;
 }
 
-TEST(KRImageTests, CapsKeepTheirSizeAtEveryScale)
-{
-    for (const qreal scale : { 1.0, 1.25, 1.5, 2.0 }) {
-        const QImage canvas = drawn(framedImage(), { 40, 20 }, scale);
-        const int capWidth = qRound(2 * scale);
-        const int capHeight = qRound(1 * scale);
-        const int right = canvas.width() - 1;
-        const int bottom = canvas.height() - 1;
-        for (int x = 0; x <= right; ++x) {
-            const bool inSideCap = x < capWidth || x > right - capWidth;
-            EXPECT_EQ(canvas.pixelColor(x, bottom / 2), QColor(inSideCap ? Qt::red : Qt::blue))
-                << x << ' ' << scale;
-        }
-        for (int y = 0; y <= bottom; ++y) {
-            const bool inEndCap = y < capHeight || y > bottom - capHeight;
-            EXPECT_EQ(canvas.pixelColor(right / 2, y), QColor(inEndCap ? Qt::green : Qt::blue))
-                << y << ' ' << scale;
-        }
-    }
-}
-
 TEST(KRImageTests, CapsAreWholeWhereverThePictureStands)
 {
     for (const qreal scale : { 1.0, 1.25, 1.5, 1.75, 2.0 }) {
@@ -65,6 +43,7 @@ TEST(KRImageTests, CapsAreWholeWhereverThePictureStands)
                 framedImage().drawInContext(painter, QRectF(x, 2, 101, 11), KRImage::Flipped::Yes);
                 painter.end();
                 const int y = qRound(7 * scale);
+                EXPECT_EQ(canvas.pixelColor(qRound(80 * scale), qRound(2.1 * scale)), QColor(Qt::green));
                 int red = 0;
                 int blue = 0;
                 for (int column = 0; column < canvas.width(); ++column) {
@@ -98,10 +77,38 @@ TEST(KRImageTests, AnUnflippedContextTurnsThePictureOver)
 
 TEST(KRImageTests, NamedImagesComeFromTheResources)
 {
-    EXPECT_EQ(KRImage::imageNamed(QStringLiteral("toolkit/ScrollKnob.svg")).size(), QSizeF(11, 21));
+    EXPECT_EQ(KRImage::imageNamed(u"toolkit/ScrollKnob.svg"_s).size(), QSizeF(11, 21));
     KRTestLog log;
-    EXPECT_TRUE(KRImage::imageNamed(QStringLiteral("toolkit/None.svg")).isNull());
-    EXPECT_TRUE(log.contains(QStringLiteral("toolkit/None.svg")));
+    EXPECT_TRUE(KRImage::imageNamed(u"toolkit/None.svg"_s).isNull());
+    EXPECT_TRUE(log.contains(u"toolkit/None.svg"_s));
+}
+
+TEST(KRGradientTests, ColoursRunFromEdgeToEdgeAtEveryScale)
+{
+    const KRGradient gradient({ { 0, KRColor::rgba(1, 0, 0, 1) },
+        { 0.5, KRColor::rgba(1, 1, 1, 1) },
+        { 1, KRColor::rgba(0, 0, 1, 1) } });
+    EXPECT_EQ(gradient.colorAtPosition(-1), KRColor::rgba(1, 0, 0, 1));
+    EXPECT_EQ(gradient.colorAtPosition(0.75), KRColor::rgba(0.5F, 0.5F, 1, 1));
+    EXPECT_EQ(gradient.colorAtPosition(2), KRColor::rgba(0, 0, 1, 1));
+
+    for (const qreal scale : { 1.0, 1.25, 1.5, 2.0 }) {
+        for (const auto direction : { KRGradient::Direction::Down, KRGradient::Direction::Right }) {
+            QImage canvas(QSize(80, 80) * scale, QImage::Format_RGB32);
+            canvas.setDevicePixelRatio(scale);
+            canvas.fill(Qt::black);
+            QPainter painter(&canvas);
+            gradient.drawInRect(painter, { 0, 0, 80, 80 }, direction);
+            painter.end();
+            for (int pixel = 0; pixel < canvas.width(); ++pixel) {
+                const bool down = direction == KRGradient::Direction::Down;
+                const QColor drawn = canvas.pixelColor(down ? 3 : pixel, down ? pixel : 3);
+                const KRColor expected = gradient.colorAtPosition((pixel + 0.5) / canvas.width());
+                EXPECT_NEAR(drawn.redF(), expected.red, 0.02) << pixel << ' ' << scale;
+                EXPECT_NEAR(drawn.blueF(), expected.blue, 0.02) << pixel << ' ' << scale;
+            }
+        }
+    }
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "KRTestScreen.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRActiveTextView.h"
 #include "toolkit/KRApplication.h"
+#include "toolkit/navigation/KRBarButton.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbItemView.h"
 #include "toolkit/navigation/KRNavigationBarBreadcrumbView.h"
 #include "toolkit/navigation/KRNavigationController.h"
-#include "toolkit/navigation/KRNib.h"
 
 #include <QAccessible>
 #include <QLineEdit>
@@ -17,7 +16,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 using Crumb = KRNavigationBarBreadcrumbItemView;
 
@@ -46,6 +44,7 @@ protected:
             controller->pushViewController(screen, KRAnimated::No);
         calls.clear();
     }
+    QByteArray said() { return KRTestScreen::taken(calls); }
     void finish() { clock.advance(400ms); }
     KRNavigationBarBreadcrumbView& crumbs() { return *controller->navigationBar()->breadcrumbs(); }
     Crumb& crumb(size_t index) { return *crumbs().breadcrumbs().at(index); }
@@ -64,16 +63,15 @@ TEST_F(KRNavigationTests, PushingAndPoppingCallTheHooksAndAskForTheAnimation)
     screens[0]->pushCode = KRTransitionSlideLeft;
     screens[1]->popCode = KRTransitionNone;
     controller->pushViewController(screens[0], KRAnimated::Yes);
-    EXPECT_EQ(calls, QByteArrayList({ "A will+", "A did+" }));
+    EXPECT_EQ(said(), "A will+, A did+");
     EXPECT_EQ(screens[0]->view()->geometry(), QRect(0, 26, 940, 652));
     EXPECT_EQ(screens[0]->navigationController(), controller.get());
     EXPECT_EQ(controller->navigationController(), nullptr);
-    calls.clear();
 
     controller->pushViewController(screens[0], KRAnimated::Yes);
     EXPECT_TRUE(calls.isEmpty());
     controller->pushViewController(screens[1], KRAnimated::Yes);
-    EXPECT_EQ(calls, QByteArrayList({ "B will+ animated", "A will- animated" }));
+    EXPECT_EQ(said(), "B will+ animated, A will- animated");
     EXPECT_EQ(depth(), 2U);
     finish();
     EXPECT_EQ(window.focusWidget(), screens[1]->view());
@@ -82,7 +80,7 @@ TEST_F(KRNavigationTests, PushingAndPoppingCallTheHooksAndAskForTheAnimation)
 
     EXPECT_EQ(controller->popViewControllerAnimated(KRAnimated::Yes), screens[2]);
     // The screen that comes back wants none.
-    EXPECT_EQ(calls, QByteArrayList({ "B will+", "C will-", "B did+", "C did-" }));
+    EXPECT_EQ(said(), "B will+, C will-, B did+, C did-");
     EXPECT_THAT(controller->popToRootViewControllerAnimated(KRAnimated::No), ElementsAre(screens[1]));
     EXPECT_THAT(controller->popToRootViewControllerAnimated(KRAnimated::No), ElementsAre());
     EXPECT_EQ(controller->popViewControllerAnimated(KRAnimated::Yes), nullptr);
@@ -103,7 +101,7 @@ TEST_F(KRNavigationTests, ClickingACrumbPopsWhatIsAboveIt)
     EXPECT_FALSE(crumb(1).isSelected());
 
     QTest::mouseClick(&crumb(1), Qt::LeftButton);
-    EXPECT_EQ(calls, QByteArrayList({ "B will+ animated", "D will- animated" }));
+    EXPECT_EQ(said(), "B will+ animated, D will- animated");
     EXPECT_EQ(depth(), 2U);
     EXPECT_EQ(crumbs().breadcrumbs().size(), 2U);
     EXPECT_EQ(controller->navigationBar()->navigationItems().size(), 2U);
@@ -176,7 +174,7 @@ TEST_F(KRNavigationTests, ChangesAskedForByHooksFollow)
     screens[0]->onDidAppear = [this] { controller->pushViewController(screens[1], KRAnimated::No); };
     controller->pushViewController(screens[0], KRAnimated::No);
     EXPECT_THAT(controller->viewControllers(), ElementsAre(screens[0], screens[1]));
-    EXPECT_EQ(crumb(0).text() + crumb(1).text(), QStringLiteral("AB"));
+    EXPECT_EQ(crumb(0).text() + crumb(1).text(), u"AB"_s);
     screens[0]->onDidAppear = {};
     screens[2]->onWillAppear = [this] { controller->popToRootViewControllerAnimated(KRAnimated::No); };
     controller->pushViewController(screens[2], KRAnimated::Yes);
@@ -192,20 +190,19 @@ TEST_F(KRNavigationTests, AStackHearsOfItsWindowOnceAndKeepsTheFocusOnTop)
     EXPECT_TRUE(calls.isEmpty());
     switcher.switchToViewController(other, KRTransitionSlideUp);
     EXPECT_EQ(switcher.currentNavigationController(), other);
-    EXPECT_EQ(calls, QByteArrayList({ "A will+ animated" }));
+    EXPECT_EQ(said(), "A will+ animated");
     // Laid out for its place while it still waits to be seen.
     EXPECT_EQ(screens[0]->view()->geometry(), QRect(0, 26, 940, 652));
     finish();
-    EXPECT_EQ(calls.mid(1), QByteArrayList({ "A did+ animated" }));
+    EXPECT_EQ(said(), "A did+ animated");
     EXPECT_EQ(window.focusWidget(), screens[0]->view());
     EXPECT_EQ(screens[0]->nextResponder(), &window);
 
     // A stack that was taken away works on without appearing.
-    calls.clear();
     switcher.switchToViewController(controller, 0);
-    EXPECT_EQ(calls, QByteArrayList({ "A will-", "A did-" }));
+    EXPECT_EQ(said(), "A will-, A did-");
     other->pushViewController(screens[1], KRAnimated::Yes);
-    EXPECT_EQ(calls.mid(2), QByteArrayList({ "A will- animated", "A did- animated" }));
+    EXPECT_EQ(said(), "A will- animated, A did- animated");
 }
 
 TEST_F(KRNavigationTests, AStackOutlivesItsWindow)
@@ -237,7 +234,7 @@ TEST_F(KRNavigationTests, TheBarDividesItsWidthInWholePoints)
     EXPECT_EQ(bar.customRectForFrame({ 0, 0, 1000, 26 }), QRect(900, 0, 100, 26));
     EXPECT_EQ(bar.breadcrumbRectForFrame({ 0, 0, 57, 26 }), QRect(0, 0, 41, 26));
 
-    const auto search = KRTestScreen::make(QStringLiteral("E"), calls);
+    const auto search = KRTestScreen::make(u"E"_s, calls);
     search->navigationItem()->setRightBarButtonItem(
         std::make_unique<KRBarButtonItem>(std::make_unique<QLineEdit>()));
     controller->pushViewController(search, KRAnimated::No);
@@ -257,12 +254,33 @@ TEST_F(KRNavigationTests, TheBarDividesItsWidthInWholePoints)
         switcher.currentViewController()->view()->resize(size);
 }
 
+TEST_F(KRNavigationTests, AButtonInTheBarIsPressedAnywhereAndLightsUpBehindItsWord)
+{
+    KRBarButton button(QStringLiteral("Save"), &window);
+    button.setGeometry(0, 0, 376, 26);
+    button.show();
+    int clicks = 0;
+    QObject::connect(&button, &QAbstractButton::clicked, [&] { ++clicks; });
+    EXPECT_LT(button.fieldRect().width(), 100);
+    const QPoint edge(3, 13);
+    const QPoint inField = button.fieldRect().topLeft() + QPoint(8, 2);
+    const auto look = [&button](QPoint point) { return button.grab().toImage().pixel(point); };
+    const QRgb plain = look(inField);
+    const QRgb plainEdge = look(edge);
+    QTest::mousePress(&button, Qt::LeftButton, {}, edge);
+    EXPECT_NE(look(inField), plain);
+    EXPECT_EQ(look(edge), plainEdge);
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, edge);
+    EXPECT_EQ(clicks, 1);
+    button.resize(30, 26);
+    EXPECT_LE(button.fieldRect().width(), 30);
+}
+
 TEST_F(KRNavigationTests, CrumbsThatFindNoRoomSlideOutPastTheStart)
 {
     pushAll();
     for (int count = 0; count < 9; ++count) {
-        controller->pushViewController(
-            KRTestScreen::make(QStringLiteral("Screen number %1").arg(count), calls),
+        controller->pushViewController(KRTestScreen::make(u"Screen number %1"_s.arg(count), calls),
             KRAnimated::No);
     }
     const int width = crumbs().width();
@@ -289,19 +307,16 @@ TEST_F(KRNavigationTests, CrumbsThatFindNoRoomSlideOutPastTheStart)
 
 TEST(KRNavigationCrumbTests, TitlesAreCutBetweenWholeCharacters)
 {
-    const QString wave = QStringLiteral("🌊");
-    const QString accented = QStringLiteral("e\u0301");
-    const struct {
-        QString title;
-        QString shown;
-    } cases[] = {
+    const QString wave = u"🌊"_s;
+    const QString accented = u"e\u0301"_s;
+    const std::pair<QString, QString> cases[] = {
         { {}, {} },
-        { QStringLiteral("exactly fifteen"), QStringLiteral("exactly fifteen") },
-        { QStringLiteral("exactly fifteen!"), QStringLiteral("exactly fifteen") },
-        { QStringLiteral("fourteen units") + wave, QStringLiteral("fourteen units") },
-        { QStringLiteral("thirteen unit") + wave, QStringLiteral("thirteen unit") + wave },
-        { QStringLiteral("fourteen units") + accented, QStringLiteral("fourteen units") },
-        { QStringLiteral("fourteen units👩\u200D👧"), QStringLiteral("fourteen units") },
+        { u"exactly fifteen"_s, u"exactly fifteen"_s },
+        { u"exactly fifteen!"_s, u"exactly fifteen"_s },
+        { u"fourteen units"_s + wave, u"fourteen units"_s },
+        { u"thirteen unit"_s + wave, u"thirteen unit"_s + wave },
+        { u"fourteen units"_s + accented, u"fourteen units"_s },
+        { u"fourteen units👩\u200D👧"_s, u"fourteen units"_s },
         { QString(40, QChar(0x0301)), {} },
         { QString(30, QChar(0xD800)), QString(15, QChar(0xD800)) },
     };
@@ -312,8 +327,8 @@ TEST(KRNavigationCrumbTests, TitlesAreCutBetweenWholeCharacters)
     EXPECT_EQ(Crumb::widthForTitle({}), 30);
     // As wide as they are, up to 100 points.
     const QFontMetricsF metrics(Crumb::attributesEmbossed(Crumb::Embossed::No, false).font);
-    const double natural = metrics.horizontalAdvance(QStringLiteral("Direct Messages"));
-    EXPECT_EQ(Crumb::widthForTitle(QStringLiteral("Direct Messages")), int(std::min(natural, 100.0)) + 30);
+    const double natural = metrics.horizontalAdvance(u"Direct Messages"_s);
+    EXPECT_EQ(Crumb::widthForTitle(u"Direct Messages"_s), int(std::min(natural, 100.0)) + 30);
     EXPECT_EQ(Crumb::widthForTitle(QString(100000, u'W')), 130);
 }
 
@@ -323,12 +338,12 @@ TEST_F(KRNavigationTests, AssistiveTechnologySeesThePath)
     QAccessibleInterface* const pane = QAccessible::queryAccessibleInterface(controller->view());
     ASSERT_NE(pane, nullptr);
     EXPECT_EQ(pane->role(), QAccessible::Pane);
-    EXPECT_EQ(pane->text(QAccessible::Name), QStringLiteral("D"));
+    EXPECT_EQ(pane->text(QAccessible::Name), u"D"_s);
     EXPECT_EQ(QAccessible::queryAccessibleInterface(controller->navigationBar())->role(),
         QAccessible::ToolBar);
     QAccessibleInterface* const list = QAccessible::queryAccessibleInterface(&crumbs());
     EXPECT_EQ(list->role(), QAccessible::List);
-    EXPECT_EQ(list->text(QAccessible::Name), QStringLiteral("Path"));
+    EXPECT_EQ(list->text(QAccessible::Name), u"Path"_s);
     ASSERT_EQ(list->childCount(), 4);
     for (int index = 0; index < 4; ++index) {
         QAccessibleInterface* const link = list->child(index);
@@ -346,59 +361,6 @@ TEST_F(KRNavigationTests, AssistiveTechnologySeesThePath)
     finish();
     EXPECT_EQ(depth(), 2U);
     EXPECT_EQ(list->childCount(), 2);
-}
-
-// Loading views
-
-class NibScreen final : public KRViewController {
-public:
-    QString nibName() const override { return QStringLiteral("NibScreen"); }
-    void viewDidLoad() override { ++loads; }
-
-    QLineEdit* field = nullptr;
-    int loads = 0;
-};
-
-TEST(KRViewControllerTests, InterfacesAreParsedOncePerName)
-{
-    int parses = 0;
-    QPointer<QObject> leftOver;
-    KRNib::registerNib(QStringLiteral("NibScreen"), [&] {
-        ++parses;
-        return KRNib::Instantiate([&](KRViewController& owner) {
-            auto view = std::make_unique<QWidget>();
-            static_cast<NibScreen&>(owner).field = new QLineEdit(view.get());
-            owner.setView(std::move(view));
-            KRNib::TopLevelObjects objects;
-            objects.push_back(std::make_unique<QObject>());
-            leftOver = objects.back().get();
-            return objects;
-        });
-    });
-    NibScreen first;
-    NibScreen second;
-    ASSERT_NE(first.view(), nullptr);
-    EXPECT_EQ(first.view(), first.field->parentWidget());
-    EXPECT_NE(second.view(), first.view());
-    EXPECT_EQ(parses, 1);
-    EXPECT_EQ(first.loads, 1);
-    EXPECT_TRUE(leftOver.isNull());
-    second.initWithNibNamed(QStringLiteral("NibScreen"));
-    EXPECT_EQ(parses, 2);
-}
-
-TEST(KRViewControllerTests, AScreenWithoutAViewIsLoggedAndStillSwitchedTo)
-{
-    KRTestLog log;
-    const auto blank = std::make_shared<KRViewController>();
-    KRNavigationController controller(blank);
-    EXPECT_EQ(controller.topViewController(), blank);
-    EXPECT_TRUE(
-        log.contains(QStringLiteral("ERROR: subclasses must either implement -loadView or -nibName")));
-    QByteArrayList calls;
-    controller.pushViewController(KRTestScreen::make(QStringLiteral("A"), calls), KRAnimated::Yes);
-    EXPECT_NE(controller.popViewControllerAnimated(KRAnimated::Yes), nullptr);
-    EXPECT_EQ(controller.topViewController(), blank);
 }
 
 } // namespace

@@ -1,6 +1,4 @@
-#include "foundation/KRRunLoop.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "toolkit/KRLiveResize.h"
 #include "toolkit/KRScroller.h"
 #include "toolkit/KRTableView.h"
@@ -19,7 +17,6 @@
 
 namespace {
 
-using namespace Qt::StringLiterals;
 using testing::ElementsAre;
 
 class RowCell final : public KRTableViewCell {
@@ -68,13 +65,13 @@ public:
     }
     QString tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row) override
     {
-        return names.contains(row) ? names[row] : QStringLiteral("row %1").arg(row);
+        return names.contains(row) ? names[row] : u"row %1"_s.arg(row);
     }
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override
     {
         if (duringCellForRow)
             duringCellForRow();
-        const QString identifier = identifiers.contains(row) ? identifiers[row] : QStringLiteral("row");
+        const QString identifier = identifiers.contains(row) ? identifiers[row] : u"row"_s;
         KRTableViewCell* cell = tableView.dequeueReusableCellWithIdentifier(identifier);
         if (!cell) {
             cell = new RowCell(identifier);
@@ -121,6 +118,25 @@ std::vector<int> equalRows(int count, int height)
     return std::vector<int>(size_t(count), height);
 }
 
+/// A table between two fields.
+struct TableInWindow {
+    explicit TableInWindow(int count)
+        : rows(equalRows(count, 40))
+    {
+        inner->setDelegate(&rows);
+        inner->setFrame({ 0, 30, 215, 120 });
+        inner->reloadData();
+        window.show();
+    }
+    QWidget* focus() const { return window.focusWidget(); }
+
+    Rows rows;
+    QWidget window;
+    QLineEdit* before = new QLineEdit(&window);
+    KRTableView* inner = new KRTableView(&window);
+    QLineEdit* after = new QLineEdit(&window);
+};
+
 class KRTableViewTest : public testing::Test {
 protected:
     void show(std::vector<int> heights, int height = 100)
@@ -154,20 +170,6 @@ protected:
     KRTableView table;
 };
 
-TEST_F(KRTableViewTest, LaysRowsOutFromTopToBottom)
-{
-    show({ 10, 20, 30 });
-    EXPECT_EQ(table.width(), 200);
-    EXPECT_EQ(table.totalHeight(), 60);
-    EXPECT_EQ(table.documentView()->documentFrame(), QRect(0, 0, 200, 60));
-    EXPECT_EQ(table.rectForRow(0), QRect(0, 0, 200, 10));
-    EXPECT_EQ(table.rectForRow(1), QRect(0, 10, 200, 20));
-    EXPECT_EQ(table.rectForRow(2), QRect(0, 30, 200, 30));
-    EXPECT_EQ(table.visibleRange(), (KRRange { 0, 3 }));
-    for (qint64 row = 0; row < 3; ++row)
-        EXPECT_EQ(table.cellForRow(row)->geometry(), table.rectForRow(row));
-}
-
 TEST_F(KRTableViewTest, AnEmptyTableIgnoresEverything)
 {
     show({});
@@ -176,13 +178,8 @@ TEST_F(KRTableViewTest, AnEmptyTableIgnoresEverything)
     table.scrollToRow(3);
     table.scrollToRow(3, 10);
     table.selectRow(0);
-    for (const Qt::Key key : { Qt::Key_Up,
-             Qt::Key_Down,
-             Qt::Key_Space,
-             Qt::Key_Home,
-             Qt::Key_End,
-             Qt::Key_PageUp,
-             Qt::Key_PageDown })
+    using enum Qt::Key;
+    for (const Qt::Key key : { Key_Up, Key_Down, Key_Space, Key_Home, Key_End, Key_PageUp, Key_PageDown })
         press(key);
     EXPECT_EQ(table.selectedRow(), -1);
     EXPECT_TRUE(rows->selections.empty());
@@ -191,10 +188,10 @@ TEST_F(KRTableViewTest, AnEmptyTableIgnoresEverything)
 TEST_F(KRTableViewTest, OnlyRowsThatShareAnAreaAreInRange)
 {
     show({ 10, 0, 20, 30, 0 }, 200);
-    struct {
-        QRect rect;
-        KRRange range;
-    } const cases[] = {
+    EXPECT_EQ(table.documentView()->documentFrame(), QRect(0, 0, 200, 60));
+    EXPECT_EQ(table.rectForRow(3), QRect(0, 30, 200, 30));
+    EXPECT_EQ(table.cellForRow(3)->geometry(), table.rectForRow(3));
+    const std::pair<QRect, KRRange> cases[] = {
         { { 0, 0, 200, 10 }, { 0, 1 } },
         { { 0, 10, 200, 20 }, { 2, 1 } },
         { { 0, 9, 200, 2 }, { 0, 3 } },
@@ -228,11 +225,11 @@ TEST_F(KRTableViewTest, CellsOfRowsThatScrollAwayAreUsedAgainLastFirst)
     EXPECT_LE(rows->made.size(), 6U);
     EXPECT_EQ(rows->heightQuestions, 10000) << "scrolling asks for no heights";
 
-    rows->identifiers = { { 4, QStringLiteral("other") } };
+    rows->identifiers = { { 4, u"other"_s } };
     table.scrollToPoint({ 0, 100 }, KRScrollView::Animated::No);
-    EXPECT_EQ(table.cellForRow(4)->reusableIdentifier(), QStringLiteral("other"));
-    EXPECT_EQ(table.dequeueReusableCellWithIdentifier(QStringLiteral("other")), nullptr);
-    EXPECT_FALSE(table.reusableCellsArrayForIdentifier(QStringLiteral("row")).empty());
+    EXPECT_EQ(table.cellForRow(4)->reusableIdentifier(), u"other"_s);
+    EXPECT_EQ(table.dequeueReusableCellWithIdentifier(u"other"_s), nullptr);
+    EXPECT_FALSE(table.reusableCellsArrayForIdentifier(u"row"_s).empty());
 }
 
 TEST_F(KRTableViewTest, OddHeightsBreakNothing)
@@ -315,9 +312,7 @@ TEST_F(KRTableViewTest, KeysMoveTheSelection)
         QString steps; // a key and the row that is selected then
     } const cases[] = {
         { "arrows, from nothing and against the top", 120, u"Down 1, Down 2, Up 1, Up 0, Up 0"_s },
-        { "a page down asks for row 4, the view then shows 2 to 4",
-            120,
-            u"Space 4, Space 6, Shift+Space 2"_s },
+        { "a page down shows rows 2 to 4", 120, u"Space 4, Space 6, Shift+Space 2"_s },
         { "two rows: back from the first asks for -1, which is no row", 80, u"Down 1, Shift+Space 1"_s },
         { "four rows: back from the first asks for -2", 160, u"Down 1, Shift+Space 0"_s },
         { "past the last row", 160, u"Space 6, Space 9, Space 9, Down 9"_s },
@@ -348,14 +343,8 @@ TEST_F(KRTableViewTest, KeysMoveTheSelection)
 
 TEST_F(KRTableViewTest, TheTableTakesTheFocusOfARowThatLeaves)
 {
-    QWidget window;
-    auto* const before = new QLineEdit(&window);
-    auto* const inner = new KRTableView(&window);
-    Rows tenRows(equalRows(50, 40));
-    inner->setDelegate(&tenRows);
-    inner->setFrame({ 0, 30, 215, 120 });
-    inner->reloadData();
-    window.show();
+    TableInWindow shown(50);
+    auto& [tenRows, window, before, inner, after] = shown;
     inner->selectRow(1);
     EXPECT_EQ(window.focusWidget(), inner->cellForRow(1));
     inner->scrollToRow(30);
@@ -495,11 +484,11 @@ TEST_F(KRTableViewTest, ADragOfTheWindowKeepsWidthAndHeightsUntilItEnds)
     table.setFrame({ 0, 0, 116, 200 });
     EXPECT_EQ(table.width(), 101);
     EXPECT_EQ(rows->heightQuestions, questions + 50) << "a new size asks for no heights";
-    clock.advance(KRRunLoop::Duration(0));
+    clock.advance(0ms);
     EXPECT_EQ(table.cellForRow(10)->width(), 101);
     EXPECT_EQ(rows->heightQuestions, questions + 100) << "but nobody ends what is no drag";
     table.setFrame({ 0, 0, 116, 300 });
-    clock.advance(KRRunLoop::Duration(0));
+    clock.advance(0ms);
     EXPECT_EQ(rows->heightQuestions, questions + 100);
     for (const int width : { 0, 5, 15, 16, 100000 })
         table.setFrame({ 0, 0, width, 200 });
@@ -550,7 +539,7 @@ TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfAllRows)
         EXPECT_EQ(item->role(), QAccessible::ListItem);
         EXPECT_EQ(item->parent(), list);
         EXPECT_EQ(list->indexOfChild(item), row);
-        EXPECT_EQ(item->text(QAccessible::Name), QStringLiteral("row %1").arg(row));
+        EXPECT_EQ(item->text(QAccessible::Name), u"row %1"_s.arg(row));
         EXPECT_EQ(bool(item->state().offscreen), row >= 5);
         EXPECT_TRUE(item->state().selectable);
         EXPECT_FALSE(item->state().selected);
@@ -579,15 +568,8 @@ TEST_F(KRTableViewTest, AssistiveTechnologySeesAListOfAllRows)
 
 TEST_F(KRTableViewTest, TabStopsAtTheSelectedRowOnly)
 {
-    QWidget window;
-    auto* const before = new QLineEdit(&window);
-    auto* const inner = new KRTableView(&window);
-    auto* const after = new QLineEdit(&window);
-    Rows tenRows(equalRows(10, 40));
-    inner->setDelegate(&tenRows);
-    inner->setFrame({ 0, 30, 215, 120 });
-    inner->reloadData();
-    window.show();
+    TableInWindow shown(10);
+    auto& [tenRows, window, before, inner, after] = shown;
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
     before->setFocus();
     const QImage plain = inner->grab().toImage();
@@ -598,15 +580,13 @@ TEST_F(KRTableViewTest, TabStopsAtTheSelectedRowOnly)
     const QRect edge = ringed.rect().adjusted(0, 0, -1, -1);
     for (const QPoint corner : { edge.topLeft(), edge.topRight(), edge.bottomLeft(), edge.bottomRight() })
         EXPECT_NE(ringed.pixel(corner), plain.pixel(corner)) << "the ring is whole";
-    for (const Qt::FocusReason reason : { Qt::ShortcutFocusReason,
-             Qt::BacktabFocusReason,
-             Qt::OtherFocusReason,
-             Qt::ActiveWindowFocusReason }) {
+    for (const auto& [reason, isRinged] : std::map<Qt::FocusReason, bool> { { Qt::ShortcutFocusReason, true },
+             { Qt::BacktabFocusReason, true },
+             { Qt::OtherFocusReason, false },
+             { Qt::ActiveWindowFocusReason, false } }) {
         before->setFocus();
         inner->setFocus(reason);
-        EXPECT_EQ(inner->grab().toImage() == ringed,
-            reason == Qt::ShortcutFocusReason || reason == Qt::BacktabFocusReason)
-            << reason;
+        EXPECT_EQ(inner->grab().toImage() == ringed, isRinged) << reason;
     }
     tab(Qt::Key_Tab);
     EXPECT_EQ(window.focusWidget(), after);
@@ -629,7 +609,7 @@ TEST_F(KRTableViewTest, ACellMayGoAtAnyTime)
     QTest::mousePress(table.cellForRow(1), Qt::LeftButton);
     EXPECT_EQ(table.selectedRow(), 1);
     table.scrollToRow(40);
-    EXPECT_EQ(log.lines(), QStringList(QStringLiteral("THIS IS BAD")));
+    EXPECT_EQ(log.lines(), QStringList(u"THIS IS BAD"_s));
     table.scrollToRow(0);
     EXPECT_NE(table.cellForRow(1), nullptr);
 
@@ -651,7 +631,7 @@ TEST_F(KRTableViewTest, ADelegateMayReloadAndScrollWhileItIsAsked)
     table.scrollToRow(20);
     rows->duringCellForRow = nullptr;
     EXPECT_EQ(table.currentRange(), table.visibleRange());
-    clock.advance(KRRunLoop::Duration(0));
+    clock.advance(0ms);
     EXPECT_EQ(table.numberOfRows(), 45);
     rows->duringHeightForRow = [this](qint64 row) {
         if (row != 10)
@@ -663,7 +643,7 @@ TEST_F(KRTableViewTest, ADelegateMayReloadAndScrollWhileItIsAsked)
     };
     table.reloadData();
     rows->duringHeightForRow = nullptr;
-    clock.advance(KRRunLoop::Duration(0));
+    clock.advance(0ms);
     EXPECT_EQ(table.numberOfRows(), 20);
     for (KRTableViewCell* cell : visibleCells())
         EXPECT_EQ(cell->y(), table.rectForRow(cell->row()).y() - scrollPosition());

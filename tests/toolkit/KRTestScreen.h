@@ -16,6 +16,8 @@ public:
         navigationItem()->setTitle(name);
     }
 
+    /// What has been written down since the last time.
+    static QByteArray taken(QByteArrayList& calls) { return std::exchange(calls, {}).join(", "); }
     static std::shared_ptr<KRTestScreen>
     make(const QString& name, QByteArrayList& calls, QColor color = Qt::gray)
     {

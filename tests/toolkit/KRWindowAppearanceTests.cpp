@@ -1,14 +1,10 @@
-#include "support/KRManualClock.h"
+#include "support/KRTest.h"
 #include "toolkit/transitions/KRMotion.h"
 #include "toolkit/transitions/KRWindowAppearance.h"
 
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
-
-#include <gtest/gtest.h>
-
-namespace {
 
 TEST(KRWindowAppearance, ComesFromThePointToTheMiddleAndIsOpaqueThen)
 {
@@ -30,13 +26,9 @@ TEST(KRWindowAppearance, ComesFromThePointToTheMiddleAndIsOpaqueThen)
     }
     EXPECT_EQ(middleOf(window), room.center());
     window.move(0, 0);
-    clock.advance(std::chrono::seconds(1));
+    KRWindowAppearance::showWindow(*std::make_unique<QWidget>(), { 0, 0 }, 10);
+    clock.advance(1s);
     EXPECT_EQ(window.pos(), QPoint()) << "it is the user's then";
-
-    auto closed = std::make_unique<QWidget>();
-    KRWindowAppearance::showWindow(*closed, { 0, 0 }, 10);
-    closed.reset();
-    clock.advance(std::chrono::seconds(1));
 
     KRMotion::setReducedByDesktop(true);
     QWidget still;
@@ -45,5 +37,3 @@ TEST(KRWindowAppearance, ComesFromThePointToTheMiddleAndIsOpaqueThen)
     EXPECT_EQ(still.windowOpacity(), 1);
     EXPECT_EQ(middleOf(still), room.center());
 }
-
-} // namespace

@@ -1,13 +1,6 @@
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
+#include "support/KRTest.h"
 #include "transport/KRBackgroundProxy.h"
 #include "transport/KRCallback.h"
-#include "transport/KRMutableReference.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -120,18 +113,4 @@ TEST(KRBackgroundProxy, RunsOneCallOnAThreadOfItsOwn)
         return receiver->calls.contains(u"42 doubled"_s);
     }));
     EXPECT_TRUE(log.contains(u"need to implement cancelling"_s));
-}
-
-TEST(KRMutableReference, OwnsWhatItHoldsOrMerelyPoints)
-{
-    auto object = std::make_shared<int>(1);
-    const auto owning = KRMutableReference<int>::retainedReference(object);
-    const auto pointing = KRMutableReference<int>::nonRetainedReference(object);
-    const std::weak_ptr<int> watched = object;
-    object.reset();
-    EXPECT_EQ(*pointing->reference(), 1);
-    owning->setReference(std::make_shared<int>(2));
-    EXPECT_TRUE(watched.expired());
-    EXPECT_EQ(pointing->reference(), nullptr);
-    EXPECT_EQ(*owning->reference(), 2);
 }

@@ -4,10 +4,6 @@
 
 #include <QTemporaryFile>
 
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Sends "/hop/STATUS/ADDRESS" on to the address, with more text than is worth reading; answers everything else.

@@ -3,10 +3,6 @@
 #include "transport/KRHTTPConnection.h"
 #include "transport/KRServerCertificate.h"
 
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
-
 namespace {
 
 /// Trusts nothing any more when it ends.
@@ -51,6 +47,21 @@ private:
 };
 
 } // namespace
+
+TEST_F(KRServerCertificates, SomebodyMustVouchForOne)
+{
+    KRTestServer server(KRTestServer::always(200), KRTestCertificate::Good);
+    for (const bool isVouchedFor : { true, false }) {
+        KRTestTransportSettings settings(
+            [=](auto& values) { values.extraCAFile = isVouchedFor ? KRTestAuthorityFile() : QString(); });
+        EXPECT_EQ(askWithPassword(server.url()), isVouchedFor ? 0 : Refused);
+        EXPECT_EQ(server.requestCount(), 1);
+    }
+    EXPECT_TRUE(
+        m_error.description.startsWith(u"The identity of the server 127.0.0.1 could not be verified"));
+    EXPECT_TRUE(KRHTTPConnectionErrorIsAboutTLS(m_error));
+    EXPECT_FALSE(KRHTTPConnectionErrorIsAboutTLS(errorWithDomain({}, Refused, {})));
+}
 
 TEST_F(KRServerCertificates, TheTrustedOneIsAcceptedWhateverIsWrongWithItAndNoOther)
 {

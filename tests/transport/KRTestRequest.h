@@ -1,16 +1,15 @@
 #pragma once
 
-#include "foundation/KRBlockingRunLoopDriver.h"
-#include "support/KRTestWait.h"
+#include "support/KRTest.h"
+#include "support/KRTestServer.h"
+#include "transport/KRBackgroundThread.h"
+#include "transport/KRHTTPConnection.h"
 #include "transport/KRHTTPRequest.h"
-
-#include <atomic>
-#include <memory>
 
 /// Starts a request and waits for its end; counts the callbacks.
 class KRTestRequest {
 public:
-    explicit KRTestRequest(const QUrl& url, const QString& method = QStringLiteral("GET"))
+    explicit KRTestRequest(const QUrl& url, const QString& method = u"GET"_s)
     {
         m_request->setUrl(url);
         m_request->setMethod(method);
@@ -49,6 +48,70 @@ private:
 
     std::shared_ptr<End> m_end = std::make_shared<End>();
     std::shared_ptr<KRHTTPRequest> m_request = KRHTTPRequest::request();
+};
+
+/// Believes the tests' own authority from now on.
+inline void KRTestTrustAuthority(const QString& file = KRTestAuthorityFile())
+{
+    KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
+    settings.extraCAFile = file;
+    KRHTTPTransportSettings::setCurrent(settings);
+}
+
+/// What responses have posted to the main thread has run once the background thread is past them.
+[[nodiscard]] inline bool KRTestSettle()
+{
+    std::atomic<bool> isPast = false;
+    performOnSharedBackgroundThread([&] { isPast = true; });
+    if (!KRWaitUntil([&] { return isPast.load(); }))
+        return false;
+    KRRunLoop::main().runPending();
+    return true;
+}
+
+/// Calls an operation with a callback and waits for its result, which comes once.
+template <class T, class Operation>
+std::shared_ptr<KRTestReceiver<T>> KRTestReceive(Operation operation)
+{
+    const auto receiver = std::make_shared<KRTestReceiver<T>>();
+    operation(Callback(receiver, &KRTestReceiver<T>::took));
+    EXPECT_TRUE(KRWaitUntil([&] { return receiver->count > 0; }) && KRTestSettle());
+    EXPECT_EQ(receiver->count, 1);
+    if (!receiver->result)
+        receiver->result.emplace(errorWithDomain({}, 0, u"no result"_s));
+    return receiver;
+}
+
+/// A server that answers every request in the same way, until told otherwise.
+class KRTestAnswers {
+public:
+    KRTestAnswers() = default;
+    explicit KRTestAnswers(KRTestCertificate certificate)
+        : server(m_handler, certificate)
+    {
+        KRTestTrustAuthority();
+    }
+
+    void answer(int status, const QByteArray& body, const QByteArray& headers = {})
+    {
+        std::scoped_lock guard(m_lock);
+        m_status = status;
+        m_body = body;
+        m_headers = headers;
+    }
+
+private:
+    std::mutex m_lock;
+    int m_status = 200;
+    QByteArray m_body;
+    QByteArray m_headers;
+    KRTestServer::Handler m_handler = [this](const auto&, KRTestServer::Connection& connection) {
+        std::scoped_lock guard(m_lock);
+        connection.respond(m_status, m_body, m_headers);
+    };
+
+public:
+    KRTestServer server { m_handler };
 };
 
 /// Changes the transport's settings for as long as it lives.

@@ -4,11 +4,8 @@
 #include "transport/KRNetworkCache.h"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 #include <netdb.h>
 #include <semaphore>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

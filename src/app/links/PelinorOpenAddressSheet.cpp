@@ -28,7 +28,6 @@ PelinorOpenAddressSheet::PelinorOpenAddressSheet(QWidget* parent, const QUrl& ur
 
     auto* const question
         = new QLabel(tr("This link is no ordinary web or mail address. Do you want to open it?"));
-    question->setTextFormat(Qt::PlainText);
     question->setWordWrap(true);
     // Encoded, so that no letter looks like another one or turns the reading direction round.
     auto* const address = new QPlainTextEdit(QString::fromLatin1(url.toEncoded()));
@@ -43,7 +42,6 @@ PelinorOpenAddressSheet::PelinorOpenAddressSheet(QWidget* parent, const QUrl& ur
     QPushButton* const cancelButton = buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     openButton->setAutoDefault(false);
     cancelButton->setDefault(true);
-    cancelButton->setFocus();
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(this, &QDialog::accepted, this, [url, agreed = std::move(agreed)] { agreed(url); });
@@ -52,4 +50,5 @@ PelinorOpenAddressSheet::PelinorOpenAddressSheet(QWidget* parent, const QUrl& ur
     layout->addWidget(question);
     layout->addWidget(address);
     layout->addWidget(buttons);
+    cancelButton->setFocus();
 }

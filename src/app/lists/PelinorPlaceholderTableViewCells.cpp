@@ -88,6 +88,8 @@ QString LoadingTableViewCell::textForState(State state, Place place)
 {
     if (state == State::Loading)
         return tr("Loading…");
+    if (place == Place::End)
+        return tr("Older posts could not be loaded. Try again");
     if (state == State::Failed)
         return tr("Loading failed. Try again");
     return place == Place::Gap ? tr("Some posts are missing here") : tr("Show older posts");

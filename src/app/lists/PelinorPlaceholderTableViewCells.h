@@ -50,7 +50,12 @@ public:
     static QString identifier();
     static int heightForTableWidth(int width);
 
-    enum class Place { Bottom, Gap };
+    enum class Place {
+        Bottom,
+        Gap,
+        /// Below the oldest post, where a list ended because no more could be loaded.
+        End,
+    };
     void setState(State state, Place place = Place::Bottom);
     static QString textForState(State state, Place place = Place::Bottom);
     /// Called for each click on the waiting row, and for Return, Space and a screen reader's press on it.

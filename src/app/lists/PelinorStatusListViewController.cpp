@@ -22,6 +22,11 @@ const TwitterDummyMissingStatus& missing(const TwitterStatusPtr& status)
     return static_cast<const TwitterDummyMissingStatus&>(*status);
 }
 
+bool isAfterFailure(const TwitterStatus& end)
+{
+    return static_cast<const TwitterDummyEndOfStreamStatus&>(end).isAfterFailure();
+}
+
 LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
 {
     return row.isLoading() ? LoadingTableViewCell::State::Loading : LoadingTableViewCell::State::Waiting;
@@ -326,11 +331,8 @@ KRTableViewCell* PelinorStatusListViewController::tableViewCellForRow(KRTableVie
         return _loadingCell(tableView);
     case RowKind::Missing:
         return _missingCell(tableView, status);
-    case RowKind::End: {
-        auto* const cell = reusedOrNewCell<EndOfStreamTableViewCell>(tableView);
-        cell->setText(_endText());
-        return cell;
-    }
+    case RowKind::End:
+        return _endCell(tableView, *status);
     case RowKind::Error: {
         auto* const cell = reusedOrNewCell<ErrorStreamTableViewCell>(tableView);
         cell->setText(_textOfPlaceholder(row));
@@ -370,6 +372,28 @@ KRTableViewCell* PelinorStatusListViewController::_missingCell(KRTableView& tabl
     return cell;
 }
 
+KRTableViewCell* PelinorStatusListViewController::_endCell(KRTableView& tableView,
+    const TwitterStatus& status)
+{
+    if (isAfterFailure(status)) {
+        auto* const cell = reusedOrNewCell<LoadingTableViewCell>(tableView);
+        cell->setClickHandler([this] { _loadOlderAgain(); });
+        cell->setState(LoadingTableViewCell::State::Failed, LoadingTableViewCell::Place::End);
+        return cell;
+    }
+    auto* const cell = reusedOrNewCell<EndOfStreamTableViewCell>(tableView);
+    cell->setText(_endText(status));
+    return cell;
+}
+
+void PelinorStatusListViewController::_loadOlderAgain()
+{
+    m_didFail = false;
+    stream()->loadOlderAgain();
+    m_isLoadingOlder = true;
+    _updateLoadingCell();
+}
+
 LoadingTableViewCell::State PelinorStatusListViewController::_loadingState() const
 {
     using State = LoadingTableViewCell::State;
@@ -398,11 +422,12 @@ void PelinorStatusListViewController::_updateLoadingCell()
         cell->setState(_loadingState());
 }
 
-QString PelinorStatusListViewController::_endText() const
+QString PelinorStatusListViewController::_endText(const TwitterStatus& status) const
 {
-    if (m_oldestStatusID.isNull())
-        return emptyText();
-    return m_didFail ? tr("Older posts could not be loaded") : tr("No older posts");
+    using Loading = LoadingTableViewCell;
+    if (isAfterFailure(status))
+        return Loading::textForState(Loading::State::Failed, Loading::Place::End);
+    return m_oldestStatusID.isNull() ? emptyText() : tr("No older posts");
 }
 
 QString PelinorStatusListViewController::_textOfPlaceholder(qint64 row) const
@@ -415,7 +440,7 @@ QString PelinorStatusListViewController::_textOfPlaceholder(qint64 row) const
     case RowKind::Missing:
         return Loading::textForState(stateOf(missing(status)), Loading::Place::Gap);
     case RowKind::End:
-        return _endText();
+        return _endText(*status);
     case RowKind::Error:
         return static_cast<const TwitterDummyErrorStatus&>(*status).error().description.simplified();
     case RowKind::Header:

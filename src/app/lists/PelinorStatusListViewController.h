@@ -110,7 +110,9 @@ private:
     KRTableViewCell* _missingCell(KRTableView& tableView, const TwitterStatusPtr& status);
     LoadingTableViewCell::State _loadingState() const;
     void _loadMore();
-    QString _endText() const;
+    QString _endText(const TwitterStatus& status) const;
+    KRTableViewCell* _endCell(KRTableView& tableView, const TwitterStatus& status);
+    void _loadOlderAgain();
     void _updateLoadingCell();
     PelinorStatusActions _actions() const { return { environment(), account() }; }
 

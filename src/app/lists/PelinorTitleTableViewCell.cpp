@@ -5,6 +5,8 @@
 #include "app/look/PelinorProfileImage.h"
 #include "text/render/KRActiveTextStyle.h"
 
+#include <QApplication>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -65,6 +67,8 @@ QString PelinorTitleTableViewCell::accessibleNameForContent(const Content& conte
 void PelinorTitleTableViewCell::setContent(const Content& content)
 {
     m_content = content;
+    m_fillMenu = nullptr;
+    m_dragged = nullptr;
     if (content.user) {
         m_userObservation = m_notifications.observe<TwitterUserDidUpdateNotification>(
             [this](const TwitterUserDidUpdateNotification&) { update(); },
@@ -86,10 +90,70 @@ bool PelinorTitleTableViewCell::activate()
     return true;
 }
 
+QStringList PelinorTitleTableViewCell::actionNames() const
+{
+    QStringList names;
+    if (m_fillMenu) {
+        QMenu menu;
+        m_fillMenu(menu);
+        for (const QAction* const action : menu.actions())
+            names.append(action->text());
+    }
+    return names;
+}
+
+void PelinorTitleTableViewCell::performAction(const QString& name)
+{
+    if (!m_fillMenu)
+        return;
+    QMenu menu;
+    m_fillMenu(menu);
+    for (QAction* const action : menu.actions()) {
+        if (action->text() == name) {
+            action->trigger();
+            return;
+        }
+    }
+}
+
+void PelinorTitleTableViewCell::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (!m_fillMenu)
+        return;
+    auto* const menu = new QMenu(window());
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    m_fillMenu(*menu);
+    menu->popup(event->globalPos());
+}
+
+void PelinorTitleTableViewCell::mousePressEvent(QMouseEvent* event)
+{
+    m_pressedAt = event->position().toPoint();
+    m_isDragged = false;
+    KRTableViewCell::mousePressEvent(event);
+}
+
+void PelinorTitleTableViewCell::mouseMoveEvent(QMouseEvent* event)
+{
+    const QPoint position = event->position().toPoint();
+    const bool isFar = (position - m_pressedAt).manhattanLength() >= QApplication::startDragDistance();
+    if (!m_dragged || !event->buttons().testFlag(Qt::LeftButton) || (!m_isDragged && !isFar))
+        return;
+    m_isDragged = true;
+    m_dragged(position.y());
+}
+
 void PelinorTitleTableViewCell::mouseReleaseEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+    if (event->button() != Qt::LeftButton)
+        return;
+    if (std::exchange(m_isDragged, false)) {
+        // A copy: the handler may destroy the cell.
+        const auto dropped = m_dragged;
+        dropped(std::nullopt);
+    } else if (rect().contains(event->position().toPoint())) {
         activate();
+    }
 }
 
 void PelinorTitleTableViewCell::paintEvent(QPaintEvent* /*event*/)

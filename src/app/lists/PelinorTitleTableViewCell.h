@@ -5,6 +5,9 @@
 #include "toolkit/KRTableViewCell.h"
 
 #include <functional>
+#include <optional>
+
+class QMenu;
 
 /// A row of one title: a person or none, a second line, a time, and a dot where something is new. What others
 /// wrote is shown as plain text, on one line. It draws itself. Main thread.
@@ -38,16 +41,30 @@ public:
     /// Called for a double click, Return and a screen reader's press.
     void setActivateHandler(std::function<void()> handler) { m_activated = std::move(handler); }
     bool activate() override;
+    /// What can be done with the row besides, offered by its menu and by assistive technology.
+    void setMenuHandler(std::function<void(QMenu&)> fill) { m_fillMenu = std::move(fill); }
+    QStringList actionNames() const override;
+    void performAction(const QString& name) override;
+    /// Makes the row one that can be dragged: called with how far down the pointer is below the cell's top,
+    /// and with nothing when it was let go.
+    void setDragHandler(std::function<void(std::optional<int> y)> handler) { m_dragged = std::move(handler); }
 
     void selectedStateDidChange() override { update(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
     KRNotificationCenter& m_notifications;
     KRObservation m_userObservation;
     Content m_content;
     std::function<void()> m_activated;
+    std::function<void(QMenu&)> m_fillMenu;
+    std::function<void(std::optional<int>)> m_dragged;
+    QPoint m_pressedAt;
+    bool m_isDragged = false;
 };

@@ -38,8 +38,12 @@ public:
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State /*state*/) override
     {
-        painter->setOpacity(mode == QIcon::Disabled ? DisabledOpacity : 1);
+        // Whoever draws next, a button its text, finds the painter as it was.
+        const qreal opacity = painter->opacity();
+        if (mode == QIcon::Disabled)
+            painter->setOpacity(opacity * DisabledOpacity);
         m_image.drawInContext(*painter, rect, KRImage::Flipped::Yes);
+        painter->setOpacity(opacity);
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
     {

@@ -1,22 +1,29 @@
 #pragma once
 
 #include "app/lists/PelinorTableViewController.h"
+#include "app/messages/PelinorConversation.h"
 
-/// The messages exchanged with one person, the newest first. Main thread.
+class PelinorAnswerView;
+
+/// The messages exchanged with one person, the newest at the bottom, and a field to answer in. Main thread.
 class PelinorDirectMessageConversationViewController final : public PelinorTableViewController {
     Q_OBJECT
 
 public:
-    using PelinorTableViewController::PelinorTableViewController;
+    /// The root object and the outbox outlive the screen.
+    PelinorDirectMessageConversationViewController(const PelinorScreenEnvironment& environment,
+        Twitter& twitter,
+        PelinorOutbox& outbox);
+    ~PelinorDirectMessageConversationViewController() override;
 
-    /// Before the view appears.
+    /// Before the view is loaded, as the account.
     void setConversation(TwitterDirectMessageConversationPtr conversation)
     {
         m_conversation = std::move(conversation);
     }
 
     QString title() const override;
-    void viewDidLoad() override;
+    void loadView() override;
     void viewWillAppear(bool animated) override;
     void viewWillDisappear(bool animated) override;
 
@@ -25,13 +32,30 @@ public:
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
-
-    /// Opens a window for a message to the person.
-    void answer();
+    void tableViewDidReload(KRTableView& tableView) override;
+    void tableViewDidShowRows(KRTableView& tableView, KRRange rows) override;
+    bool tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event) override;
 
 private:
+    /// Where the reader is: at the newest, or at a row that stays where it is on the screen.
+    struct Place {
+        bool isAtBottom = true;
+        bool isAtTop = false;
+        QString identity = {};
+        int offset = 0;
+    };
+
+    [[nodiscard]] Place _place();
+    [[nodiscard]] QString _titleOfRow(const PelinorConversationRow& row) const;
+    void _send();
+
+    Twitter& m_twitter;
+    PelinorOutbox& m_outbox;
     TwitterDirectMessageConversationPtr m_conversation;
-    TwitterDirectMessageList m_messages;
-    KRObservation m_observation;
-    KRTimer m_dateTimer;
+    std::shared_ptr<PelinorConversation> m_presenter;
+    QPointer<PelinorAnswerView> m_answerView;
+    std::vector<PelinorConversationRow> m_rows;
+    Place m_place;
+    bool m_isAtBottom = true;
+    KRObservation m_preferencesObservation;
 };

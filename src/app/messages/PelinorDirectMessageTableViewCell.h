@@ -1,15 +1,16 @@
 #pragma once
 
-#include "foundation/KRNotificationCenter.h"
-#include "model/records/TwitterDirectMessage.h"
+#include "app/messages/PelinorConversationRows.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "toolkit/KRActiveTextTracker.h"
 #include "toolkit/KRTableViewCell.h"
 
 class KRTextHeightCache;
+class QToolButton;
 
-/// A message: who wrote it, its text in a bubble, and when. The account's own are at the right. It draws
-/// itself. Main thread.
+/// A message in its bubble: the other's with their picture at the side where lines begin, the account's own at
+/// the other side. Below one that ends a group stands when it was, below one that has not arrived what became
+/// of it. It draws itself. Main thread.
 class PelinorDirectMessageTableViewCell final : public KRTableViewCell {
     Q_OBJECT
 
@@ -18,17 +19,21 @@ public:
     ~PelinorDirectMessageTableViewCell() override;
 
     static QString identifier();
-    static int heightForMessage(const TwitterDirectMessage& message,
+    static int heightForRow(const PelinorConversationRow& row,
         int tableWidth,
         int fontSizePreference,
         KRTextHeightCache& heights);
-    static QString accessibleNameForMessage(const TwitterDirectMessage& message);
+    static QString accessibleNameForRow(const PelinorConversationRow& row);
 
-    void setMessage(const TwitterDirectMessagePtr& message, bool isMine, int fontSizePreference);
-    /// Reads the clock again for how long ago the message is.
-    void updateDate();
+    void setContent(const PelinorConversationRow& row, int fontSizePreference);
     void setLinkHandler(std::function<void(const QString& text, int type)> handler);
+    /// For a message that has not arrived.
+    void setTryAgainHandler(std::function<void()> handler) { m_tryAgain = std::move(handler); }
+    void setDiscardHandler(std::function<void()> handler) { m_discard = std::move(handler); }
 
+    bool activate() override;
+    QStringList actionNames() const override;
+    void performAction(const QString& name) override;
     void selectedStateDidChange() override { update(); }
 
 protected:
@@ -37,14 +42,21 @@ protected:
     void changeEvent(QEvent* event) override;
 
 private:
-    QPoint _textOrigin() const;
-    void _layOutText();
+    struct Frames;
+
+    [[nodiscard]] bool _hasFailed() const;
+    [[nodiscard]] QString _footer() const;
+    [[nodiscard]] Frames _frames() const;
+    void _layOut();
 
     KRNotificationCenter& m_notifications;
     KRObservation m_userObservation;
-    TwitterDirectMessagePtr m_message;
-    bool m_isMine = false;
+    PelinorConversationRow m_content;
     int m_fontSizePreference = 0;
     KRActiveTextRenderer m_text;
     KRActiveTextTracker* m_tracker = nullptr;
+    QToolButton* m_tryAgainButton = nullptr;
+    QToolButton* m_discardButton = nullptr;
+    std::function<void()> m_tryAgain;
+    std::function<void()> m_discard;
 };

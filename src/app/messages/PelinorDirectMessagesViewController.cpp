@@ -1,6 +1,7 @@
 #include "app/messages/PelinorDirectMessagesViewController.h"
 
 #include "app/messages/PelinorDirectMessageConversationViewController.h"
+#include "app/messages/PelinorReadMarks.h"
 #include "text/KRDateAdditions.h"
 
 void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
@@ -87,6 +88,7 @@ PelinorTitleTableViewCell::Content PelinorDirectMessagesViewController::_content
         .date = newest ? KRAdditions::relativeTimeAgoString(newest->date()) : QString(),
         .user = user,
         .hasUser = true,
+        .isFresh = PelinorReadMarks(environment().defaults, *account()).isUnread(*conversation),
     };
 }
 
@@ -115,7 +117,9 @@ void PelinorDirectMessagesViewController::_openRow(qint64 row)
         _load();
     if (row >= m_conversations.size())
         return;
-    auto screen = std::make_shared<PelinorDirectMessageConversationViewController>(environment());
+    auto screen = std::make_shared<PelinorDirectMessageConversationViewController>(environment(),
+        m_twitter,
+        m_outbox);
     screen->setAccount(account());
     screen->setConversation(m_conversations.at(row));
     push(screen);

@@ -2,6 +2,7 @@
 
 #include "app/lists/PelinorTableViewController.h"
 #include "app/lists/PelinorTitleTableViewCell.h"
+#include "app/messages/PelinorOutbox.h"
 
 #include <vector>
 
@@ -10,7 +11,15 @@ class PelinorDirectMessagesViewController final : public PelinorTableViewControl
     Q_OBJECT
 
 public:
-    using PelinorTableViewController::PelinorTableViewController;
+    /// The root object and the outbox outlive the screen.
+    PelinorDirectMessagesViewController(const PelinorScreenEnvironment& environment,
+        Twitter& twitter,
+        PelinorOutbox& outbox)
+        : PelinorTableViewController(environment)
+        , m_twitter(twitter)
+        , m_outbox(outbox)
+    {
+    }
 
     QString title() const override { return tr("Direct Messages"); }
     void viewWillAppear(bool animated) override;
@@ -28,6 +37,8 @@ private:
     void _load();
     void _didFail();
 
+    Twitter& m_twitter;
+    PelinorOutbox& m_outbox;
     QList<TwitterDirectMessageConversationPtr> m_conversations;
     // What became of asking for messages where there are none.
     enum class Answer { Awaited, Given, Failed };

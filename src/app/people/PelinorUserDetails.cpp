@@ -37,6 +37,7 @@ void PelinorUserDetails::load()
 {
     if (std::exchange(m_isLoaded, true))
         return;
+    m_error.reset();
     // What search results know of a person is not enough; everybody else may have changed.
     const auto callback
         = Callback(weakMainThreadProxy(shared_from_this()), &PelinorUserDetails::userResponse);
@@ -55,6 +56,7 @@ void PelinorUserDetails::userResponse(const KRResult<TwitterUserPtr>& response)
         _take(response.value());
     else if (wasUnknown)
         m_error = response.error();
+    m_isLoaded = !response.isError();
     if (wasUnknown && m_user)
         _loadFriendships();
     _changed();

@@ -23,7 +23,7 @@ public:
     PelinorUserDetails& operator=(const PelinorUserDetails&) = delete;
     ~PelinorUserDetails();
 
-    /// Asks for what is not known yet. Once.
+    /// Asks for what is not known yet. Once, and again after a failure.
     void load();
     /// Called after every change; an empty function stops that.
     void setChangeHandler(std::function<void()> handler) { m_didChange = std::move(handler); }

@@ -54,6 +54,7 @@ void PelinorUserDetailsViewController::viewDidLoad()
     connect(m_header, &PelinorUserHeaderView::homePageClicked, this, [this, links] {
         links().openURLString(m_details->user()->url().toString(QUrl::FullyEncoded), view());
     });
+    connect(m_header, &PelinorUserHeaderView::retryClicked, this, [this] { refresh(); });
     connect(m_header, &PelinorUserHeaderView::followClicked, this, [this] { m_details->toggleFollowing(); });
     connect(m_header, &PelinorUserHeaderView::mentionClicked, this, [this] {
         m_environment.screens.newTweetFromAccount(m_account,
@@ -87,6 +88,14 @@ void PelinorUserDetailsViewController::viewWillDisappear(bool animated)
     m_preferencesObservation.invalidate();
     if (m_list)
         m_list->viewWillDisappear(animated);
+}
+
+void PelinorUserDetailsViewController::refresh()
+{
+    m_details->load();
+    _detailsDidChange();
+    if (m_list)
+        m_list->refresh();
 }
 
 void PelinorUserDetailsViewController::_detailsDidChange()

@@ -29,6 +29,9 @@ public:
     /// The list below; null until the person is known.
     PelinorStatusListViewController* list() const { return m_list.get(); }
 
+    /// Asks anew for the posts below, and for the person where that has failed.
+    void refresh();
+
 private:
     enum ListTab : int { TweetsTab, FavoritesTab };
 

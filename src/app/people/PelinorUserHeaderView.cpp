@@ -43,7 +43,8 @@ public:
         setFont(KRMessageFont(size));
         setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         // Beside the picture in whatever direction the words run.
-        setAlignment((parent->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute);
+        setAlignment((parent->isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute
+            | Qt::AlignVCenter);
     }
     void setLine(const QString& text)
     {
@@ -100,6 +101,7 @@ PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
     , m_bio(new KRActiveTextView(this))
     , m_homePage(new QPushButton(this))
     , m_state(new Line(u"state"_s, TextSize, this))
+    , m_retryButton(new QPushButton(tr("Try Again"), this))
     , m_followButton(new QPushButton(this))
     , m_mentionButton(new QPushButton(tr("Mention"), this))
     , m_messageButton(new QPushButton(tr("Message"), this))
@@ -111,10 +113,12 @@ PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
     m_homePage->setObjectName(u"homePage"_s);
     m_homePage->setFlat(true);
     m_homePage->setCursor(Qt::PointingHandCursor);
+    m_retryButton->setObjectName(u"retryButton"_s);
     m_followButton->setObjectName(u"followButton"_s);
     m_mentionButton->setObjectName(u"mentionButton"_s);
     m_messageButton->setObjectName(u"messageButton"_s);
     connect(m_followButton, &QPushButton::clicked, this, &PelinorUserHeaderView::followClicked);
+    connect(m_retryButton, &QPushButton::clicked, this, &PelinorUserHeaderView::retryClicked);
     connect(m_mentionButton, &QPushButton::clicked, this, &PelinorUserHeaderView::mentionClicked);
     connect(m_messageButton, &QPushButton::clicked, this, &PelinorUserHeaderView::directMessageClicked);
     connect(m_homePage, &QPushButton::clicked, this, &PelinorUserHeaderView::homePageClicked);
@@ -130,6 +134,7 @@ PelinorUserHeaderView::PelinorUserHeaderView(QWidget* parent)
     top->addWidget(m_picture, 0, Qt::AlignTop);
     top->addLayout(names, 1);
     auto* const buttons = new QHBoxLayout;
+    buttons->addWidget(m_retryButton);
     buttons->addWidget(m_followButton);
     buttons->addWidget(m_mentionButton);
     buttons->addWidget(m_messageButton);
@@ -165,7 +170,9 @@ void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int f
         line.append(tr("protected"));
     m_username->setLine(line.join(u" · "_s));
     QStringList counts;
-    if (user) {
+    if (!user) {
+        counts.append(details.error() ? details.error()->description : tr("Loading…"));
+    } else {
         for (const QString& part : { count(user->numberOfStatuses(), tr("posts")),
                  count(user->numberOfFollowing(), tr("following")),
                  count(user->numberOfFollowers(), tr("followers")) }) {
@@ -173,7 +180,8 @@ void PelinorUserHeaderView::showDetails(const PelinorUserDetails& details, int f
                 counts.append(part);
         }
     }
-    m_counts->setLine(details.error() ? details.error()->description : counts.join(u" · "_s));
+    m_counts->setLine(counts.join(u" · "_s));
+    m_retryButton->setVisible(details.error().has_value());
 
     const QString bio = user ? user->bio() : QString();
     const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());

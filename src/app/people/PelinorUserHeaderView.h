@@ -22,6 +22,7 @@ public:
     void setLinkHandler(std::function<void(const QString& text, int type)> handler);
 
 Q_SIGNALS:
+    void retryClicked();
     void followClicked();
     void mentionClicked();
     void directMessageClicked();
@@ -45,6 +46,7 @@ private:
     KRActiveTextView* m_bio = nullptr;
     QPushButton* m_homePage = nullptr;
     Line* m_state = nullptr;
+    QPushButton* m_retryButton = nullptr;
     QPushButton* m_followButton = nullptr;
     QPushButton* m_mentionButton = nullptr;
     QPushButton* m_messageButton = nullptr;

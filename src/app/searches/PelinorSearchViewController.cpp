@@ -1,8 +1,7 @@
 #include "app/searches/PelinorSearchViewController.h"
 
+#include "toolkit/navigation/KRBarButton.h"
 #include "toolkit/navigation/KRNavigationItem.h"
-
-#include <QToolButton>
 
 QString PelinorSearchViewController::title() const
 {
@@ -23,11 +22,10 @@ void PelinorSearchViewController::noteFreshness()
 void PelinorSearchViewController::viewDidLoad()
 {
     PelinorStatusListViewController::viewDidLoad();
-    auto button = std::make_unique<QToolButton>();
+    auto button = std::make_unique<KRBarButton>(QString());
     m_saveButton = button.get();
     m_saveButton->setObjectName(QStringLiteral("saveSearchButton"));
-    m_saveButton->setAutoRaise(true);
-    connect(m_saveButton, &QToolButton::clicked, this, [this] { toggleSaved(); });
+    connect(m_saveButton, &QAbstractButton::clicked, this, [this] { toggleSaved(); });
     _updateButton();
     navigationItem()->setRightBarButtonItem(std::make_unique<KRBarButtonItem>(std::move(button)));
 }

@@ -2,7 +2,7 @@
 
 #include "app/lists/PelinorStatusListViewController.h"
 
-class QToolButton;
+class KRBarButton;
 
 /// What a search finds. A button in the bar keeps the search, or lets go of it. Main thread.
 class PelinorSearchViewController final : public PelinorStatusListViewController {
@@ -29,5 +29,5 @@ private:
     void _updateButton();
 
     TwitterSearchPtr m_search;
-    QPointer<QToolButton> m_saveButton;
+    QPointer<KRBarButton> m_saveButton;
 };

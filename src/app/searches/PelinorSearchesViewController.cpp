@@ -1,9 +1,34 @@
 #include "app/searches/PelinorSearchesViewController.h"
 
-#include "core/Twitter.h"
+#include "app/lists/PelinorTitleTableViewCell.h"
+#include "app/look/PelinorCellColors.h"
 
+#include <QCompleter>
+#include <QFrame>
+#include <QInputDialog>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
+#include <QStringListModel>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Kind = PelinorSearches::Row::Kind;
+
+constexpr int DropMarkHeight = 2;
+
+PelinorTitleTableViewCell::Content contentOf(const PelinorSearches::Row& row)
+{
+    return { .title = row.title,
+        .isFresh = row.isFresh,
+        .isHeading = row.kind == Kind::Heading || row.kind == Kind::Note };
+}
+
+} // namespace
 
 PelinorSearchesViewController::PelinorSearchesViewController(const PelinorScreenEnvironment& environment,
     Twitter& twitter)
@@ -22,6 +47,10 @@ void PelinorSearchesViewController::loadView()
     m_searchField->setPlaceholderText(tr("Search all posts"));
     m_searchField->setAccessibleName(tr("Search all posts"));
     m_searchField->setClearButtonEnabled(true);
+    auto* const completer = new QCompleter(new QStringListModel(m_searchField), m_searchField);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->setFilterMode(Qt::MatchContains);
+    m_searchField->setCompleter(completer);
     connect(m_searchField, &QLineEdit::returnPressed, this, [this] { search(m_searchField->text()); });
     auto* const layout = new QVBoxLayout(view.get());
     layout->setContentsMargins(0, 0, 0, 0);
@@ -37,11 +66,23 @@ void PelinorSearchesViewController::loadView()
 
 void PelinorSearchesViewController::viewWillAppear(bool /*animated*/)
 {
+    if (!m_searches)
+        m_searches.emplace(account(), m_twitter, environment().defaults);
     const auto reload = [this](const auto&) { tableView().reloadData(); };
     m_observations.push_back(
         environment().notifications.observe<TwitterAccountDidUpdateNotification>(reload, account().get()));
-    m_observations.push_back(
-        environment().notifications.observe<TwitterTrendsDidUpdateNotification>(reload, &m_twitter));
+    m_observations.push_back(environment().notifications.observe<TwitterTrendsDidUpdateNotification>(
+        [this](const auto&) {
+            m_searches->setTrendsError({});
+            tableView().reloadData();
+        },
+        &m_twitter));
+    m_observations.push_back(environment().notifications.observe<TwitterTrendsDidFailNotification>(
+        [this](const TwitterTrendsDidFailNotification& failure) {
+            m_searches->setTrendsError(failure.error);
+            tableView().reloadData();
+        },
+        &m_twitter));
     m_twitter.updateTrends();
     tableView().reloadData();
 }
@@ -51,47 +92,40 @@ void PelinorSearchesViewController::viewWillDisappear(bool /*animated*/)
     m_observations.clear();
 }
 
-TwitterSearchPtr PelinorSearchesViewController::_searchFor(const QString& query) const
-{
-    auto search = std::make_shared<TwitterSearch>(account()->context().tables, account()->context().hosts);
-    search->setQuery(query);
-    for (const TwitterSearchPtr& saved : account()->savedSearches()) {
-        if (saved->isEqual(*search))
-            return saved;
-    }
-    return search;
-}
-
 void PelinorSearchesViewController::search(const QString& query)
 {
-    if (!query.trimmed().isEmpty())
-        _open(_searchFor(query.trimmed()));
+    if (const TwitterSearchPtr search = m_searches->searchFor(query))
+        _show(search);
 }
 
-void PelinorSearchesViewController::_open(const TwitterSearchPtr& search)
+void PelinorSearchesViewController::_show(const TwitterSearchPtr& search)
 {
     push(environment().screens.makeSearchView(account(), search));
 }
 
+void PelinorSearchesViewController::_open(const Row& row)
+{
+    if (row.kind == Kind::Saved) {
+        _show(row.search);
+    } else if (row.kind == Kind::Query) {
+        search(row.title);
+    } else if (row.kind == Kind::ForgetRecent) {
+        m_searches->forgetRecentQueries();
+        tableView().reloadData();
+    }
+}
+
+// Rows
+
 void PelinorSearchesViewController::tableViewWillReload(KRTableView& /*tableView*/)
 {
-    m_rows.clear();
-    if (!account())
-        return;
-    m_rows.push_back({ { .title = tr("Saved searches"), .isHeading = true } });
-    for (const TwitterSearchPtr& search : account()->savedSearches())
-        m_rows.push_back(
-            { { .title = search->displayName().isNull() ? search->query() : search->displayName(),
-                  .isFresh = search->stream()->hasFreshStatuses() },
-                search });
-    if (account()->savedSearches().isEmpty())
-        m_rows.back().content.title = tr("No saved searches yet");
-    const QStringList trends = m_twitter.trends();
-    if (trends.isEmpty())
-        return;
-    m_rows.push_back({ { .title = tr("Trends"), .isHeading = true } });
-    for (const QString& trend : trends)
-        m_rows.push_back({ { .title = trend }, nullptr, trend });
+    // The row under the pointer may be another one now.
+    delete m_dropMark;
+    m_dragged = nullptr;
+    m_rows = m_searches ? m_searches->rows() : std::vector<Row>();
+    if (m_searches)
+        static_cast<QStringListModel*>(m_searchField->completer()->model())
+            ->setStringList(m_searches->recentQueries());
 }
 
 int PelinorSearchesViewController::numberOfRowsInTableView(KRTableView& /*tableView*/)
@@ -101,19 +135,128 @@ int PelinorSearchesViewController::numberOfRowsInTableView(KRTableView& /*tableV
 
 int PelinorSearchesViewController::tableViewHeightForRow(KRTableView& /*tableView*/, qint64 row)
 {
-    return PelinorTitleTableViewCell::heightForContent(m_rows[size_t(row)].content);
+    return PelinorTitleTableViewCell::heightForContent(contentOf(m_rows[size_t(row)]));
 }
 
 QString PelinorSearchesViewController::tableViewAccessibleNameForRow(KRTableView& /*tableView*/, qint64 row)
 {
-    return PelinorTitleTableViewCell::accessibleNameForContent(m_rows[size_t(row)].content);
+    return PelinorTitleTableViewCell::accessibleNameForContent(contentOf(m_rows[size_t(row)]));
 }
 
 KRTableViewCell* PelinorSearchesViewController::tableViewCellForRow(KRTableView& tableView, qint64 row)
 {
     const Row& shown = m_rows[size_t(row)];
     auto* const cell = reusedOrNewCell<PelinorTitleTableViewCell>(tableView, environment().notifications);
-    cell->setContent(shown.content);
-    cell->setActivateHandler([this, shown] { _open(shown.search ? shown.search : _searchFor(shown.query)); });
+    cell->setContent(contentOf(shown));
+    cell->setActivateHandler([this, shown] { _open(shown); });
+    if (shown.kind == Kind::Saved) {
+        cell->setMenuHandler([this, search = shown.search](QMenu& menu) { _fillMenu(menu, search); });
+        cell->setDragHandler([this, cell](std::optional<int> y) {
+            if (y)
+                _cellWasDragged(*cell, *y);
+            else
+                _cellWasDropped();
+        });
+    }
     return cell;
+}
+
+// Saved searches
+
+void PelinorSearchesViewController::_fillMenu(QMenu& menu, const TwitterSearchPtr& search)
+{
+    menu.addAction(tr("Rename…"), this, [this, search] { _rename(search); });
+    menu.addAction(tr("Move Up"), this, [this, search] { m_searches->move(search, -1); });
+    menu.addAction(tr("Move Down"), this, [this, search] { m_searches->move(search, 1); });
+    menu.addAction(tr("Remove"), this, [this, search] {
+        m_searches->remove(search);
+        tableView().reloadData();
+    });
+}
+
+void PelinorSearchesViewController::_rename(const TwitterSearchPtr& search)
+{
+    auto* const sheet = new QInputDialog(view());
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->setWindowModality(Qt::WindowModal);
+    sheet->setObjectName(QStringLiteral("renameSheet"));
+    sheet->setWindowTitle(tr("Rename Search"));
+    // A label of its own would take what is in it for markup.
+    sheet->setLabelText(tr("Name in the list; empty, the search goes by what it looks for:"));
+    sheet->setTextValue(search->displayName().isNull() ? search->query() : search->displayName());
+    connect(sheet, &QInputDialog::textValueSelected, this, [this, search](const QString& name) {
+        m_searches->rename(search, name == search->query() ? QString() : name);
+    });
+    sheet->open();
+}
+
+qint64 PelinorSearchesViewController::_rowOfFirstSaved() const
+{
+    const auto first = std::ranges::find(m_rows, Kind::Saved, &Row::kind);
+    return first - m_rows.begin();
+}
+
+const PelinorSearches::Row* PelinorSearchesViewController::_savedRow(qint64 row) const
+{
+    const bool isSaved = row >= 0 && row < qint64(m_rows.size()) && m_rows[size_t(row)].kind == Kind::Saved;
+    return isSaved ? &m_rows[size_t(row)] : nullptr;
+}
+
+void PelinorSearchesViewController::_cellWasDragged(const PelinorTitleTableViewCell& cell, int y)
+{
+    const Row* const dragged = _savedRow(cell.row());
+    if (!dragged)
+        return;
+    m_dragged = dragged->search;
+    const int height = cell.height();
+    const qint64 first = _rowOfFirstSaved();
+    const qint64 last = first + account()->savedSearches().size() - 1;
+    // Between which rows the pointer is; on the near half of a neighbour the search stays before it.
+    const qint64 gap
+        = std::clamp(cell.row() + qint64(std::floor((y + height / 2.0) / height)), first, last + 1);
+    m_dropDistance = gap > cell.row() ? gap - cell.row() - 1 : gap - cell.row();
+    if (!m_dropMark) {
+        m_dropMark = new QFrame(tableView().viewport());
+        m_dropMark->setAutoFillBackground(true);
+        QPalette palette = m_dropMark->palette();
+        palette.setColor(QPalette::Window, PelinorCellColors::forPalette(palette).selectionMark);
+        m_dropMark->setPalette(palette);
+    }
+    const int top = cell.y() + int(gap - cell.row()) * height;
+    m_dropMark->setGeometry(0, top - DropMarkHeight / 2, tableView().width(), DropMarkHeight);
+    m_dropMark->raise();
+    m_dropMark->show();
+}
+
+void PelinorSearchesViewController::_cellWasDropped()
+{
+    delete m_dropMark;
+    if (const TwitterSearchPtr search = std::exchange(m_dragged, nullptr))
+        m_searches->move(search, std::exchange(m_dropDistance, 0));
+}
+
+bool PelinorSearchesViewController::tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event)
+{
+    const Row* const row = _savedRow(tableView.selectedRow());
+    if (!row)
+        return false;
+    const TwitterSearchPtr search = row->search;
+    const auto moveSelected = [&](int distance) {
+        m_searches->move(search, distance);
+        tableView.selectRow(_rowOfFirstSaved() + account()->savedSearches().indexOf(search));
+    };
+    const bool isAlt = event.modifiers() == Qt::AltModifier;
+    if (isAlt && event.key() == Qt::Key_Up) {
+        moveSelected(-1);
+    } else if (isAlt && event.key() == Qt::Key_Down) {
+        moveSelected(1);
+    } else if (event.key() == Qt::Key_Delete) {
+        m_searches->remove(search);
+        tableView.reloadData();
+    } else if (event.key() == Qt::Key_F2) {
+        _rename(search);
+    } else {
+        return false;
+    }
+    return true;
 }

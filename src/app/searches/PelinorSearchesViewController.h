@@ -1,14 +1,18 @@
 #pragma once
 
 #include "app/lists/PelinorTableViewController.h"
-#include "app/lists/PelinorTitleTableViewCell.h"
+#include "app/searches/PelinorSearches.h"
 
+#include <optional>
 #include <vector>
 
+class PelinorTitleTableViewCell;
+class QFrame;
 class QLineEdit;
-class Twitter;
+class QMenu;
 
-/// Where searches begin: a field, the account's saved searches, and what many write about. Main thread.
+/// Where searches begin: a field, the account's saved searches, which can be renamed, removed and dragged to
+/// another place, what was looked for last, and what many write about. Main thread.
 class PelinorSearchesViewController final : public PelinorTableViewController {
     Q_OBJECT
 
@@ -30,20 +34,27 @@ public:
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
+    bool tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event) override;
 
 private:
-    struct Row {
-        PelinorTitleTableViewCell::Content content;
-        /// Null for a heading, and for a trend until it is opened.
-        TwitterSearchPtr search = nullptr;
-        QString query = {};
-    };
+    using Row = PelinorSearches::Row;
 
-    void _open(const TwitterSearchPtr& search);
-    TwitterSearchPtr _searchFor(const QString& query) const;
+    void _open(const Row& row);
+    void _show(const TwitterSearchPtr& search);
+    void _rename(const TwitterSearchPtr& search);
+    void _fillMenu(QMenu& menu, const TwitterSearchPtr& search);
+    void _cellWasDragged(const PelinorTitleTableViewCell& cell, int y);
+    void _cellWasDropped();
+    [[nodiscard]] qint64 _rowOfFirstSaved() const;
+    [[nodiscard]] const Row* _savedRow(qint64 row) const;
 
     Twitter& m_twitter;
+    std::optional<PelinorSearches> m_searches;
     QPointer<QLineEdit> m_searchField;
+    // Where a dragged search would be put.
+    QPointer<QFrame> m_dropMark;
+    TwitterSearchPtr m_dragged;
+    qsizetype m_dropDistance = 0;
     std::vector<Row> m_rows;
     std::vector<KRObservation> m_observations;
 };

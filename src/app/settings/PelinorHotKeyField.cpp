@@ -1,20 +1,52 @@
 #include "app/settings/PelinorHotKeyField.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QKeySequenceEdit>
 #include <QLabel>
+#include <QLineEdit>
 #include <QToolButton>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+// The base takes the first key of any kind for the beginning of another combination and forgets the one it
+// has: who only presses Ctrl, for a hot key that is heard elsewhere, would have none any more.
+class Recorder final : public QKeySequenceEdit {
+public:
+    using QKeySequenceEdit::QKeySequenceEdit;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        switch (event->key()) {
+        case Qt::Key_Control:
+        case Qt::Key_Shift:
+        case Qt::Key_Meta:
+        case Qt::Key_Alt:
+        case Qt::Key_AltGr:
+            break;
+        default:
+            QKeySequenceEdit::keyPressEvent(event);
+        }
+    }
+};
+
+} // namespace
 
 PelinorHotKeyField::PelinorHotKeyField(PelinorHotKeys& hotKeys, PelinorHotKeys::Type type, QWidget* parent)
     : QWidget(parent)
     , m_hotKeys(hotKeys)
     , m_type(type)
-    , m_recorder(new QKeySequenceEdit(this))
+    , m_recorder(new Recorder(this))
     , m_trouble(new QLabel(this))
 {
     m_recorder->setObjectName(u"recorder"_s);
+    // It is the field inside that has the keyboard, and the label is not its own.
+    if (auto* const field = m_recorder->findChild<QLineEdit*>())
+        field->setAccessibleName(type == PelinorHotKeys::ShowHidePelinor ? tr("Key to show or hide Pelinor")
+                                                                         : tr("Key for a new tweet"));
     if (const QKeyCombination key = hotKeys.hotKey(type); key.key())
         m_recorder->setKeySequence(key);
     connect(m_recorder, &QKeySequenceEdit::keySequenceChanged, this, &PelinorHotKeyField::_takeKey);

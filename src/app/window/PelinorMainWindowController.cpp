@@ -7,6 +7,7 @@
 #include "app/people/PelinorUserDetailsViewController.h"
 #include "app/searches/PelinorSearchesViewController.h"
 #include "app/window/PelinorGoToUserPanel.h"
+#include "app/window/PelinorNoAccountView.h"
 #include "app/window/PelinorProgressIndicator.h"
 #include "app/window/PelinorStatusStrip.h"
 #include "app/window/PelinorWindowStatus.h"
@@ -15,8 +16,10 @@
 #include "foundation/KRUserDefaults.h"
 #include "toolkit/KRLiveResize.h"
 #include "toolkit/navigation/KRNavigationController.h"
+#include "toolkit/navigation/KRNavigationItem.h"
 
 #include <QCloseEvent>
+#include <QMenuBar>
 #include <QPainter>
 #include <QStyle>
 
@@ -27,6 +30,7 @@ namespace {
 constexpr QSize MinimumSize(400, 360);
 constexpr QSize InitialSize(480, 760);
 constexpr char GeometryKey[] = "MainWindowGeometry";
+constexpr char MenuBarHeightKey[] = "MainWindowMenuBarHeight";
 constexpr char SelectedAccountKey[] = "MainWindowSelectedAccount";
 constexpr char SelectedTabKey[] = "MainWindowSelectedTab";
 
@@ -81,9 +85,11 @@ private:
 };
 
 PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvironment& environment,
-    Twitter& twitter)
+    Twitter& twitter,
+    std::shared_ptr<PelinorDraftStore> draftStore)
     : m_environment(environment)
     , m_twitter(twitter)
+    , m_outbox(twitter, environment.defaults, environment.notifications, std::move(draftStore))
     , m_window(std::make_unique<Window>(*this))
     , m_contentView(new ContentView(*this))
     , m_sideTabs(new PelinorAccountTabsView(environment.notifications, m_contentView))
@@ -95,10 +101,10 @@ PelinorMainWindowController::PelinorMainWindowController(const PelinorScreenEnvi
     m_window->setMinimumSize(MinimumSize);
     m_window->setCentralWidget(m_contentView);
     new KRLiveResize(*m_window);
-    m_sideTabs->setObjectName(u"sideTabs"_s);
     m_sideTabs->setDelegate(this);
     m_switcher.setTargetView(m_contentView);
     m_status->setChangeHandler([this] { _statusDidChange(); });
+    _statusDidChange();
     m_accountsObservation = environment.notifications.observe<TwitterAccountsDidChangeNotification>(
         [this](const TwitterAccountsDidChangeNotification&) { accountsDidChange(); });
     _restoreState();
@@ -130,7 +136,8 @@ QMainWindow& PelinorMainWindowController::window()
 
 void PelinorMainWindowController::showWindow()
 {
-    if (!m_wasPainted)
+    // Where it is not known how high the menu bar is, it is there from the beginning.
+    if (!m_wasPainted && m_environment.defaults.integerForKey(MenuBarHeightKey) > 0)
         _showTexts(false);
     m_window->show();
     m_window->raise();
@@ -170,6 +177,8 @@ void PelinorMainWindowController::saveState()
 {
     KRUserDefaults& defaults = m_environment.defaults;
     defaults.setData(GeometryKey, m_window->saveGeometry());
+    if (const QWidget* const menus = m_window->menuWidget(); menus && m_wasPainted)
+        defaults.setInteger(MenuBarHeightKey, menus->height());
     if (const TwitterAccountPtr account = selectedTwitterAccount()) {
         defaults.setString(SelectedAccountKey, account->qualifiedName());
         defaults.setInteger(SelectedTabKey, m_sideTabs->selectedAccountTab());
@@ -189,6 +198,8 @@ void PelinorMainWindowController::_windowWasPainted()
             [this] {
                 _showTexts(true);
                 _showSelection();
+                if (m_firstScreenHandler)
+                    m_firstScreenHandler();
             },
             Qt::QueuedConnection);
 }
@@ -196,8 +207,15 @@ void PelinorMainWindowController::_windowWasPainted()
 void PelinorMainWindowController::_showTexts(bool areShown)
 {
     m_statusStrip->setVisible(areShown);
-    if (QWidget* const menus = m_window->menuWidget())
-        menus->setVisible(areShown);
+    QWidget* const menus = m_window->menuWidget();
+    if (!menus)
+        return;
+    // Its room is kept, so that nothing moves when it comes.
+    m_window->setContentsMargins(0,
+        areShown ? 0 : m_environment.defaults.integerForKey(MenuBarHeightKey),
+        0,
+        0);
+    menus->setVisible(areShown);
 }
 
 void PelinorMainWindowController::_showSelection()
@@ -224,7 +242,8 @@ KRViewControllerPtr PelinorMainWindowController::_rootScreen(const TwitterAccoun
     case RepliesTab:
         return forAccount(std::make_shared<PelinorRepliesListViewController>(m_environment));
     case DirectMessagesTab:
-        return forAccount(std::make_shared<PelinorDirectMessagesViewController>(m_environment));
+        return forAccount(
+            std::make_shared<PelinorDirectMessagesViewController>(m_environment, m_twitter, m_outbox));
     case SearchesTab:
         return forAccount(std::make_shared<PelinorSearchesViewController>(m_environment, m_twitter));
     case ProfileTab:
@@ -235,13 +254,26 @@ KRViewControllerPtr PelinorMainWindowController::_rootScreen(const TwitterAccoun
     }
 }
 
+KRViewControllerPtr PelinorMainWindowController::_screenWithoutAccount()
+{
+    auto view = std::make_unique<PelinorNoAccountView>();
+    connect(view.get(), &PelinorNoAccountView::addAccountClicked, this, [this] {
+        if (m_addAccountHandler)
+            m_addAccountHandler();
+    });
+    auto screen = std::make_shared<KRViewController>();
+    screen->navigationItem()->setTitle(tr("Accounts"));
+    screen->setView(std::move(view));
+    return screen;
+}
+
 void PelinorMainWindowController::selectAccount(const TwitterAccountPtr& account,
     int tab,
     bool animated,
     int direction,
     bool speedy)
 {
-    KRViewControllerPtr root = account ? _rootScreen(account, tab) : nullptr;
+    KRViewControllerPtr root = account ? _rootScreen(account, tab) : _screenWithoutAccount();
     if (!root) {
         root = std::make_shared<KRViewController>();
         root->setView(std::make_unique<QWidget>());
@@ -268,6 +300,15 @@ PelinorStatusListViewController* PelinorMainWindowController::topList() const
     if (const auto* const person = qobject_cast<PelinorUserDetailsViewController*>(top.get()))
         return person->list();
     return qobject_cast<PelinorStatusListViewController*>(top.get());
+}
+
+void PelinorMainWindowController::refresh()
+{
+    const KRViewControllerPtr top = topViewController();
+    if (auto* const person = qobject_cast<PelinorUserDetailsViewController*>(top.get()))
+        person->refresh();
+    else if (auto* const list = topList())
+        list->refresh();
 }
 
 void PelinorMainWindowController::accountTabsSelectAccount(PelinorAccountTabsView& tabs,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/links/PelinorScreens.h"
+#include "app/messages/PelinorOutbox.h"
 #include "app/window/PelinorAccountTabsView.h"
 #include "toolkit/navigation/KRNavigationBar.h"
 #include "toolkit/navigation/KRViewControllerSwitcher.h"
@@ -21,8 +22,11 @@ class PelinorMainWindowController : public QObject, private PelinorAccountTabsVi
 public:
     enum Tab : int { TimelineTab, RepliesTab, DirectMessagesTab, SearchesTab, ProfileTab };
 
-    /// Makes the window, with what was selected when it was last closed. What is passed outlives it.
-    PelinorMainWindowController(const PelinorScreenEnvironment& environment, Twitter& twitter);
+    /// Makes the window, with what was selected when it was last closed. What is passed outlives it; the
+    /// store keeps what is written in conversations.
+    PelinorMainWindowController(const PelinorScreenEnvironment& environment,
+        Twitter& twitter,
+        std::shared_ptr<PelinorDraftStore> draftStore = PelinorDraftStore::userStore());
     ~PelinorMainWindowController() override;
 
     QMainWindow& window();
@@ -39,6 +43,10 @@ public:
     [[nodiscard]] KRViewControllerPtr topViewController() const;
     /// The list of posts that it is, or that a person has in it.
     [[nodiscard]] PelinorStatusListViewController* topList() const;
+
+    /// Asks anew for what the screen on top shows, which may belong to no account's refresh: a person, a
+    /// search, a conversation.
+    void refresh();
 
     void accountsDidChange();
     /// Builds the tab's screens anew and shows them. A direction of 1 is for what stands above what was
@@ -59,6 +67,10 @@ public:
     /// window is closed.
     void saveState();
 
+    /// Called once the window has been painted and its first screen is there.
+    void setFirstScreenHandler(std::function<void()> handler) { m_firstScreenHandler = std::move(handler); }
+    /// Called when somebody wants to sign in where no account is.
+    void setAddAccountHandler(std::function<void()> handler) { m_addAccountHandler = std::move(handler); }
     /// Asked when the user closes the window; false keeps it open.
     void setShouldClose(std::function<bool()> shouldClose) { m_shouldClose = std::move(shouldClose); }
 
@@ -78,6 +90,7 @@ private:
     void _layOut();
     void _windowWasPainted();
     void _showTexts(bool areShown);
+    KRViewControllerPtr _screenWithoutAccount();
     void _restoreState();
     void _statusDidChange();
     void _goToUser(const QString& username);
@@ -87,6 +100,7 @@ private:
 
     PelinorScreenEnvironment m_environment;
     Twitter& m_twitter;
+    PelinorOutbox m_outbox;
     std::unique_ptr<Window> m_window;
     ContentView* m_contentView = nullptr;
     PelinorAccountTabsView* m_sideTabs = nullptr;
@@ -94,6 +108,8 @@ private:
     PelinorGoToUserPanel* m_goToUserPanel = nullptr;
     KRViewControllerSwitcher m_switcher;
     std::shared_ptr<PelinorWindowStatus> m_status;
+    std::function<void()> m_firstScreenHandler;
+    std::function<void()> m_addAccountHandler;
     std::function<bool()> m_shouldClose;
     bool m_wasPainted = false;
     bool m_areScreensShown = false;

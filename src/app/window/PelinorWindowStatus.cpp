@@ -12,6 +12,8 @@ PelinorWindowStatus::~PelinorWindowStatus()
 std::shared_ptr<PelinorWindowStatus> PelinorWindowStatus::observing(KRNotificationCenter& notifications)
 {
     auto status = std::make_shared<PelinorWindowStatus>();
+    // Requests may be older than the window.
+    status->m_isNetworkActive = KRHTTPRequest::isNetworkActive();
     const auto proxy = weakMainThreadProxy(status);
     status->m_observations.push_back(notifications.observe<TwitterStreamErrorNotification>(
         [proxy](const TwitterStreamErrorNotification& failure) {

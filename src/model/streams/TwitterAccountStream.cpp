@@ -77,7 +77,7 @@ void TwitterAccountStream::_requestBelow(TwitterStatusesOperations&, const QStri
 
 void TwitterTimelineStream::_requestNewer(TwitterStatusesOperations& request)
 {
-    request.friendsTimelineSinceID(newestStatusID(), {}, TwitterAPIMaxCount, {});
+    request.friendsTimelineSinceID(sinceID(), {}, TwitterAPIMaxCount, {});
 }
 
 void TwitterTimelineStream::_requestBelow(TwitterStatusesOperations& request, const QString& maxID)
@@ -87,7 +87,7 @@ void TwitterTimelineStream::_requestBelow(TwitterStatusesOperations& request, co
 
 void TwitterRepliesStream::_requestNewer(TwitterStatusesOperations& request)
 {
-    request.repliesSinceID(newestStatusID(), {}, {});
+    request.repliesSinceID(sinceID(), {}, {});
 }
 
 void TwitterRepliesStream::_requestBelow(TwitterStatusesOperations& request, const QString& maxID)

@@ -27,10 +27,10 @@ bool hasStatusID(const TwitterStatusPtr& status)
     return !status->statusID().isNull();
 }
 
-template <class Dummy>
-TwitterStatusPtr dummyDated(const QDateTime& date)
+template <class Dummy, class... Arguments>
+TwitterStatusPtr dummyDated(const QDateTime& date, Arguments... arguments)
 {
-    const auto dummy = std::make_shared<Dummy>();
+    const auto dummy = std::make_shared<Dummy>(arguments...);
     dummy->setDate(date);
     return dummy;
 }
@@ -55,7 +55,7 @@ TwitterStatusList TwitterConcreteStatusesStream::statuses() const
         }
         rows.append(status);
     }
-    rows.append(m_isAtEnd ? dummyDated<TwitterDummyEndOfStreamStatus>(KRDistantPast())
+    rows.append(m_isAtEnd ? dummyDated<TwitterDummyEndOfStreamStatus>(KRDistantPast(), bool(m_didFailOlder))
                           : dummyDated<TwitterDummyLoadingStatus>(KRDistantPast()));
     return rows;
 }
@@ -89,6 +89,16 @@ void TwitterConcreteStatusesStream::loadOlder()
         _loadOlder();
 }
 
+void TwitterConcreteStatusesStream::loadOlderAgain()
+{
+    if (!m_didFailOlder.exchange(false))
+        return;
+    m_isAtEnd = false;
+    _takeBackOlderPage();
+    loadOlder();
+    _postDidUpdate();
+}
+
 void TwitterConcreteStatusesStream::loadMissing(const TwitterDummyMissingStatus& row)
 {
     if (!m_gaps.beginLoading(row.belowID()))
@@ -116,7 +126,7 @@ void TwitterConcreteStatusesStream::_loadOlder()
 
 KRCallback<TwitterStatusList> TwitterConcreteStatusesStream::loadNewerResponseCallback()
 {
-    return Callback(shared_from_this(), &TwitterConcreteStatusesStream::loadNewerResponse, newestStatusID());
+    return Callback(shared_from_this(), &TwitterConcreteStatusesStream::loadNewerResponse, sinceID());
 }
 
 KRCallback<TwitterStatusList> TwitterConcreteStatusesStream::loadOlderResponseCallback()
@@ -140,6 +150,16 @@ QString TwitterConcreteStatusesStream::newestStatusID() const
 {
     const TwitterStatusPtr status = newestStatus();
     return status ? status->statusID() : QString();
+}
+
+QString TwitterConcreteStatusesStream::sinceID() const
+{
+    const QDateTime latest = KRNow().addDays(1);
+    const auto found
+        = std::find_if(m_statuses.begin(), m_statuses.end(), [&latest](const TwitterStatusPtr& status) {
+              return hasStatusID(status) && !(status->date() > latest);
+          });
+    return found == m_statuses.end() ? newestStatusID() : (*found)->statusID();
 }
 
 QString TwitterConcreteStatusesStream::oldestStatusID() const
@@ -178,6 +198,7 @@ void TwitterConcreteStatusesStream::loadNewerResponse(const Response& response, 
 void TwitterConcreteStatusesStream::loadOlderResponse(const Response& response)
 {
     m_isLoadingOlder = false;
+    m_didFailOlder = response.isError();
     if (response.isError() || response.value().size() <= largestLastPage)
         markAtEnd();
     if (response.isError())
@@ -262,6 +283,7 @@ void TwitterConcreteStatusesStream::addStatuses(const TwitterStatusList& statuse
         merged.resize(statusesAfterCut);
         // There is no room for anything older.
         m_isAtEnd = true;
+        m_didFailOlder = false;
     }
     setStatuses(merged);
 }

@@ -41,6 +41,7 @@ public:
     void loadNewer() override;
     /// Asks for what is older than the oldest status. Ignored while such a load runs, and at the end.
     void loadOlder() override;
+    void loadOlderAgain() override;
     void loadMissing(const TwitterDummyMissingStatus& row) override;
 
     [[nodiscard]] bool isLoadingNewer() const { return m_isLoadingNewer; }
@@ -53,6 +54,9 @@ public:
     [[nodiscard]] TwitterStatusPtr newestStatus() const;
     [[nodiscard]] TwitterStatusPtr oldestStatus() const;
     [[nodiscard]] QString newestStatusID() const;
+    /// After which status a newer load asks: the newest one, but for those dated more than a day ahead while
+    /// there are others. A service that compares dates instead of IDs would answer nothing for good.
+    [[nodiscard]] QString sinceID() const;
     [[nodiscard]] QString oldestStatusID() const;
     /// Where the next older page begins: at the oldest status, or at the lowest one of a page that has brought
     /// nothing older, be it that the user's filter has dropped it all or that one of the list came late and is
@@ -71,6 +75,8 @@ protected:
     /// Issue the request of a load, with one of the callbacks below.
     virtual void _loadNewer();
     virtual void _loadOlder();
+    /// The next older load asks for the page that the last one failed to bring.
+    virtual void _takeBackOlderPage() { }
     /// Whether pages can be asked for from an ID down; how many statuses are asked for with a page, 0 when
     /// the service decides; and asking for such a page.
     [[nodiscard]] virtual bool _canLoadBelow() const { return false; }
@@ -105,4 +111,6 @@ private:
     std::atomic<bool> m_isLoadingNewer = false;
     std::atomic<bool> m_isLoadingOlder = false;
     std::atomic<bool> m_isAtEnd = false;
+    // That is because an older load failed.
+    std::atomic<bool> m_didFailOlder = false;
 };

@@ -17,7 +17,20 @@ class TwitterDummyHeaderStatus final : public TwitterDummyStatus { };
 class TwitterDummyLoadingStatus final : public TwitterDummyStatus { };
 
 /// The bottom of a list whose old end was reached.
-class TwitterDummyEndOfStreamStatus final : public TwitterDummyStatus { };
+class TwitterDummyEndOfStreamStatus final : public TwitterDummyStatus {
+public:
+    explicit TwitterDummyEndOfStreamStatus(bool isAfterFailure = false)
+        : m_isAfterFailure(isAfterFailure)
+    {
+    }
+
+    /// It is a page that could not be loaded that ended the list. TwitterStream::loadOlderAgain() asks for it
+    /// once more.
+    [[nodiscard]] bool isAfterFailure() const { return m_isAfterFailure; }
+
+private:
+    bool m_isAfterFailure;
+};
 
 /// Between two posts, where more had come than could be loaded. TwitterStream::loadMissing() loads it.
 class TwitterDummyMissingStatus final : public TwitterDummyStatus {

@@ -14,7 +14,7 @@ TwitterSearchStream::TwitterSearchStream(std::shared_ptr<TwitterUniquingTables> 
 void TwitterSearchStream::_loadNewer()
 {
     TwitterSearchAPI::request(m_hosts, loadNewerResponseCallback())
-        ->search(m_query, TwitterAPIMaxSearchCount, {}, newestStatusID(), {});
+        ->search(m_query, TwitterAPIMaxSearchCount, {}, sinceID(), {});
 }
 
 void TwitterSearchStream::_loadOlder()

@@ -24,6 +24,7 @@ public:
 private:
     void _loadNewer() override;
     void _loadOlder() override;
+    void _takeBackOlderPage() override { --m_page; }
 
     TwitterServiceHosts m_hosts;
     QString m_query;

@@ -35,6 +35,9 @@ class TwitterStream : public TwitterLoadingStream {
 public:
     virtual void loadOlder();
     virtual void loadNewer();
+    /// Opens a list again that ended because an older page could not be loaded, and asks for that page; nothing
+    /// happens otherwise. Streams that cannot fail so need not have it.
+    virtual void loadOlderAgain() { }
     /// Loads what is missing where the row stands; nothing happens while that is on its way, or for a row
     /// that the stream no longer shows. Streams without such rows need not have it.
     virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }

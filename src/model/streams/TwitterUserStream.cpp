@@ -14,7 +14,7 @@ KRResult<void> TwitterUserStream::_mayLoad() const
 
 void TwitterUserTimelineStream::_requestNewer(TwitterStatusesOperations& request)
 {
-    _request(request, newestStatusID(), {});
+    _request(request, sinceID(), {});
 }
 
 void TwitterUserTimelineStream::_requestBelow(TwitterStatusesOperations& request, const QString& maxID)

@@ -47,6 +47,7 @@ private:
     void _requestNewer(TwitterStatusesOperations& request) override;
     void _requestOlder(TwitterStatusesOperations& request) override;
     void _request(TwitterStatusesOperations& request, int page);
+    void _takeBackOlderPage() override { --m_page; }
 
     qint32 m_page = 0;
 };

@@ -6,6 +6,7 @@
 #include "support/KRTestLog.h"
 
 #include <QDialog>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
@@ -86,7 +87,18 @@ TEST_F(PelinorLinksTest, OtherSchemesAreAskedAbout)
         KROpenURLString(address, links, &view);
         ASSERT_NE(sheet(), nullptr);
         EXPECT_EQ(sheet()->windowModality(), Qt::WindowModal);
-        EXPECT_EQ(sheet()->findChild<QPlainTextEdit*>()->toPlainText(), u"ssh://host/%E2%80%AEx?y=%C3%BC"_s);
+        auto* const shown = sheet()->findChild<QPlainTextEdit*>();
+        EXPECT_EQ(shown->toPlainText(), u"ssh://host/%E2%80%AEx?y=%C3%BC"_s);
+        EXPECT_LE(shown->height(), 80);
+        const auto* const question = sheet()->findChild<QLabel*>();
+        EXPECT_EQ(question->buddy(), shown) << "a screen reader says the question with it";
+        EXPECT_LT(question->geometry().bottom(), shown->y());
+        EXPECT_EQ(sheet()->width(), 380) << "the question takes two lines";
+        const auto* const first = qobject_cast<QPushButton*>(sheet()->focusWidget());
+        EXPECT_TRUE(first && first->text() == u"Cancel");
+        shown->setFocus();
+        QTest::keyClick(shown, Qt::Key_Tab);
+        EXPECT_NE(sheet()->focusWidget(), shown);
         EXPECT_EQ(taken(), QString()) << "not yet";
         for (QPushButton* const candidate : sheet()->findChildren<QPushButton*>()) {
             EXPECT_EQ(candidate->isDefault(), candidate->text() == u"Cancel");

@@ -25,7 +25,7 @@ public:
         TwitterStatusList rows { std::make_shared<TwitterDummyHeaderStatus>() };
         rows += posts;
         if (isAtEnd)
-            rows.append(std::make_shared<TwitterDummyEndOfStreamStatus>());
+            rows.append(std::make_shared<TwitterDummyEndOfStreamStatus>(didFailOlder));
         else
             rows.append(std::make_shared<TwitterDummyLoadingStatus>());
         return rows;
@@ -37,12 +37,20 @@ public:
     }
     void loadNewer() override { ++newerLoads; }
     void loadOlder() override { ++olderLoads; }
+    void loadOlderAgain() override
+    {
+        ++olderRetries;
+        isAtEnd = false;
+        setStatuses(posts);
+    }
     void loadMissing(const TwitterDummyMissingStatus& row) override { missingLoads.append(row.belowID()); }
 
     TwitterStatusList posts;
     bool isAtEnd = false;
+    bool didFailOlder = false;
     int newerLoads = 0;
     int olderLoads = 0;
+    int olderRetries = 0;
     QStringList missingLoads;
 
 private:

@@ -1,5 +1,6 @@
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "foundation/KRMainThreadObject.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
 #include "toolkit/KRScroller.h"
@@ -54,14 +55,6 @@ TEST_F(PelinorStatusListTest, RowsFollowTheStreamWhileTheListIsShown)
     EXPECT_EQ(table().numberOfRows(), 33);
 }
 
-TEST_F(PelinorStatusListTest, AFirstVisitLoads)
-{
-    list.viewWillAppear(false);
-    EXPECT_EQ(stream->newerLoads, 1);
-    EXPECT_EQ(stream->olderLoads, 0) << "below nothing there is nothing older to ask for";
-    EXPECT_EQ(table().numberOfRows(), 2);
-}
-
 TEST_F(PelinorStatusListTest, StatusesAndRowsFindEachOther)
 {
     stream->posts = posts(100, 3);
@@ -110,43 +103,6 @@ TEST_F(PelinorStatusListTest, CellsFollowTheGeometry)
     EXPECT_EQ(mine.dateFrame(), QRect(15, 6, 100, 20));
     EXPECT_EQ(mine.textOrigin(), QPoint(18, 24));
     EXPECT_EQ(mine.textWidth(), 306);
-}
-
-TEST_F(PelinorStatusListTest, NewRowsAboveLeaveTheReaderInPlace)
-{
-    struct {
-        const char* what;
-        int autoScrollBehavior;
-        int scrolledTo;
-        bool jumps;
-    } const cases[] = {
-        { "by default, at the top", 0, 0, false },
-        { "following, at the top", 1, 0, true },
-        { "following, almost at the top", 1, 2, true },
-        { "following, scrolled down a little", 1, 3, false },
-        { "another value", 2, 0, false },
-        { "scrolled down", 0, 333, false },
-    };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.what);
-        FakeTimeline fresh(*this, stream);
-        defaults.removeObjectForKey(TopKey);
-        stream->posts = posts(100, 30);
-        fresh.viewWillAppear(false);
-        defaults.setInteger("AutoScrollBehavior", test.autoScrollBehavior);
-        fresh.tableView().scrollToPoint({ 0, test.scrolledTo }, KRScrollView::Animated::No);
-        // The first real status in view, below the header when that is there.
-        const qint64 row = std::max<qint64>(1, fresh.tableView().visibleRange().location);
-        const TwitterStatusPtr reading = fresh.statusForRow(row);
-        const int offset = fresh.tableView().relativeVisibleOffsetForRow(row);
-        stream->setStatuses(posts(105, 35));
-        EXPECT_EQ(fresh.rowForStatus(*reading), row + 5);
-        if (test.jumps) {
-            EXPECT_TRUE(fresh.tableView().isScrolledToTop());
-        } else {
-            EXPECT_EQ(fresh.tableView().relativeVisibleOffsetForRow(row + 5), offset);
-        }
-    }
 }
 
 TEST_F(PelinorStatusListTest, NewRowsWaitForTheScrollerAndLeaveTheReaderInPlace)
@@ -404,6 +360,8 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
         return text;
     };
     list.viewWillAppear(false);
+    EXPECT_EQ(stream->newerLoads, 1);
+    EXPECT_EQ(stream->olderLoads, 0) << "below nothing there is nothing older to ask for";
     EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
     fail();
     EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading failed. Try again"));
@@ -415,10 +373,55 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
     stream->isAtEnd = true;
     stream->setStatuses(posts(100, 2));
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No older posts"));
-    fail();
-    EXPECT_EQ(textOfLastRow(), QStringLiteral("Older posts could not be loaded"));
+    stream->didFailOlder = true;
+    table().show();
+    for (const Qt::Key key : { Qt::Key_Return, Qt::Key_Space, Qt::Key_unknown }) {
+        const int retries = stream->olderRetries;
+        stream->isAtEnd = true;
+        stream->setStatuses(posts(100, 2));
+        fail();
+        EXPECT_EQ(textOfLastRow(), QStringLiteral("Older posts could not be loaded. Try again"));
+        table().selectRow(3);
+        if (key == Qt::Key_unknown)
+            QTest::mouseClick(table().cellForRow(3), Qt::LeftButton);
+        else
+            QTest::keyClick(table().cellForRow(3), key);
+        EXPECT_EQ(stream->olderRetries, retries + 1);
+        EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
+    }
+    EXPECT_EQ(stream->olderLoads, 1) << "nothing is asked for twice";
+    stream->isAtEnd = true;
+    stream->didFailOlder = false;
     stream->setStatuses({});
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet"));
+}
+
+TEST_F(PelinorStatusListTest, AStreamAsksBelowAFailureAndAfterNothingDatedAhead)
+{
+    const auto real = KRMakeMainThreadObject<TwitterTimelineStream>(account->context().tables);
+    TwitterStatusList ahead { makeStatus(200, {}, author, -7 * 86400), makeStatus(150, {}, author, -3600) };
+    real->setStatuses(ahead + posts(100, 2));
+    EXPECT_EQ(real->sinceID(), u"150"_s) << "a clock may be an hour slow, and no post stops a timeline";
+    ahead.resize(1);
+    real->setStatuses(ahead);
+    EXPECT_EQ(real->sinceID(), u"200"_s);
+    int failures = 0;
+    const auto observation = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
+        [&](const auto&) { ++failures; },
+        real.get());
+    const auto isFailedEnd = [&] {
+        const auto end = std::dynamic_pointer_cast<TwitterDummyEndOfStreamStatus>(real->statuses().last());
+        return end && end->isAfterFailure();
+    };
+    // There is no account to load with.
+    real->loadOlderAgain();
+    real->loadOlder();
+    EXPECT_TRUE(isFailedEnd());
+    real->loadOlder();
+    EXPECT_EQ(failures, 1);
+    real->loadOlderAgain();
+    EXPECT_EQ(failures, 2);
+    EXPECT_TRUE(isFailedEnd());
 }
 
 TEST(PelinorStatusListLinks, AListFollowsTheLinksOfItsRows)

@@ -50,6 +50,7 @@ TEST(PelinorProfileImageTests, DecodesWithinItsLimits)
         EXPECT_EQ(rounded.pixelColor(9, 9).alpha(), 0) << "the corners are round";
         EXPECT_EQ(rounded.pixelColor(52, 9).alpha(), 255);
         EXPECT_EQ(rounded.pixelColor(52, 52).alpha(), 255);
+        EXPECT_NEAR(rounded.pixelColor(52, 52).red(), 0x92, 4) << "the middle of the picture";
     }
     EXPECT_FALSE(image(pictureData({ 60, 60 }, "JPG")).isNull());
     const QByteArray whole = pictureData({ 300, 300 });

@@ -1,3 +1,4 @@
+#include "app/PelinorSeenPicture.h"
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorRepliesListViewController.h"
 #include "app/window/PelinorGoToUserPanel.h"
@@ -18,6 +19,7 @@
 #include <QCompleter>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -43,7 +45,9 @@ protected:
     std::unique_ptr<PelinorMainWindowController> makeWindow()
     {
         auto window = std::make_unique<PelinorMainWindowController>(environment, *twitter);
+        window->window().menuBar()->addAction(u"Menu"_s);
         window->showWindow();
+        firstContent = window->window().centralWidget()->geometry();
         EXPECT_TRUE(QTest::qWaitFor([&] { return window->topViewController() != nullptr; }))
             << "screens follow the window's first painting";
         return window;
@@ -55,6 +59,8 @@ protected:
     }
 
     KRManualClock clock;
+    // Where the content was when the window had not been painted yet.
+    QRect firstContent;
     std::shared_ptr<Twitter> twitter
         = std::make_shared<Twitter>(TwitterEnvironment { &defaults, TwitterServiceHosts(), false });
 };
@@ -64,6 +70,7 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     const auto window = makeWindow();
     EXPECT_EQ(window->window().windowTitle(), u"Pelinor"_s);
     EXPECT_EQ(autosaveName(*window), u"alice_____timeline"_s);
+    EXPECT_EQ(window->window().focusWidget(), &window->topList()->tableView());
     const QRect whole = window->window().centralWidget()->rect();
     EXPECT_EQ(window->mainViewRect(), QRect(60, 0, whole.width() - 60, whole.height() - 22));
     EXPECT_EQ(window->switcher().currentViewController()->view()->geometry(), window->mainViewRect());
@@ -99,6 +106,10 @@ TEST_F(PelinorMainWindowControllerTest, ShowsTheSelectedTabOfTheSelectedAccount)
     center.post(TwitterAccountsDidChangeNotification {});
     EXPECT_EQ(window->selectedTwitterAccount(), nullptr);
     EXPECT_EQ(window->topList(), nullptr);
+    bool wantsAccount = false;
+    window->setAddAccountHandler([&] { wantsAccount = true; });
+    window->window().findChild<QPushButton*>(u"addAccountButton"_s)->click();
+    EXPECT_TRUE(wantsAccount);
 }
 
 TEST_F(PelinorMainWindowControllerTest, ReturnGoesToTheUserOnce)
@@ -168,6 +179,9 @@ TEST_F(PelinorMainWindowControllerTest, RemembersWhereItWas)
     EXPECT_TRUE(window->window().close());
     window = makeWindow();
     EXPECT_EQ(window->window().size(), QSize(555, 666));
+    EXPECT_EQ(window->window().centralWidget()->geometry(), firstContent) << "the menus had their room";
+    EXPECT_EQ(firstContent, QRect(0, firstContent.y(), 555, 666 - firstContent.y()));
+    EXPECT_GT(firstContent.y(), 0);
     EXPECT_EQ(autosaveName(*window), u"bob_____mentions"_s);
 
     window.reset();
@@ -221,11 +235,15 @@ TEST_F(PelinorMainWindowControllerTest, ErrorsStayForFourSecondsAndNoticesUntilT
     EXPECT_FALSE(strip.progressIndicator().isAnimating());
     center.post(KRBeginNetworkActivityNotification {});
     clock.advance(std::chrono::seconds(0));
-    EXPECT_TRUE(strip.progressIndicator().isVisible());
+    EXPECT_TRUE(strip.progressIndicator().isVisible() && strip.progressIndicator().isAnimating());
     EXPECT_EQ(strip.progressIndicator().width(), strip.progressIndicator().height());
     center.post(KREndNetworkActivityNotification {});
     clock.advance(std::chrono::seconds(0));
     EXPECT_FALSE(strip.progressIndicator().isVisible());
+    KRHTTPRequest::beginNetworkActivity();
+    EXPECT_TRUE(makeWindow()->statusStrip().progressIndicator().isAnimating()) << "requests were first";
+    KRHTTPRequest::endNetworkActivity();
+    expectAsSeen(strip.progressIndicator().grab().toImage(), u"progress"_s);
 }
 
 } // namespace

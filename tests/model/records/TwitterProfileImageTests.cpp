@@ -1,13 +1,7 @@
-#include "foundation/KRNotificationCenter.h"
 #include "model/records/TwitterUser.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "support/KRTestServer.h"
-#include "support/KRTestWait.h"
 #include "transport/KRBackgroundThread.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -32,7 +26,6 @@ TwitterProfileImagePtr makeFakeImage(const QByteArray& data)
 class ProfileImage : public testing::Test {
 protected:
     ProfileImage() { TwitterUser::setProfileImageMaker(makeFakeImage); }
-    ~ProfileImage() override { TwitterUser::setProfileImageMaker(nullptr); }
 
     TwitterUserPtr userWithImage(const QString& target)
     {
@@ -54,13 +47,10 @@ TEST_F(ProfileImage, IsLoadedOnceOffTheMainThreadAndAnnounced)
     const TwitterUserPtr user = userWithImage(u"/good.png"_s);
     int notifications = 0;
     bool wasOnMainThread = true;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterUserDidUpdateNotification>(
-            [&](const TwitterUserDidUpdateNotification&) {
-                ++notifications;
-                wasOnMainThread = wasOnMainThread && KRRunLoop::isMainThread();
-            },
-            user.get());
+    const KRObservation observation = KRTestObserve<TwitterUserDidUpdateNotification>([&](const auto&) {
+        ++notifications;
+        wasOnMainThread = wasOnMainThread && KRRunLoop::isMainThread();
+    });
     EXPECT_FALSE(user->profileImage());
     EXPECT_FALSE(user->profileImage());
     EXPECT_TRUE(user->isLoadingProfileImage());

@@ -1,16 +1,11 @@
 #include "foundation/KRKeyedArchiver.h"
-#include "foundation/KRNotificationCenter.h"
 #include "model/records/KRTestRecords.h"
-#include "support/KRManualClock.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
 #include "text/KRArrayAdditions.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
 #include <random>
 
 using namespace KRAdditions;
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -176,10 +171,7 @@ TEST(User, OrderAndEquality)
 TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
 {
     KRManualClock clock;
-    int notifications = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterUserDidUpdateNotification>(
-            [&](const auto&) { ++notifications; });
+    KRTestCounter<TwitterUserDidUpdateNotification> notifications;
     const auto user = [&](const QString& userID, const QString& username, qint64 age) {
         const TwitterUserPtr made = KRTestUser(userID, username);
         made->setLastUpdated(clock.now().addSecs(-age));
@@ -198,7 +190,7 @@ TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
     cached->assimilateUser(*user(u"2"_s, u"carol"_s, 0));
     user({}, {}, 10)->assimilateUser(*user({}, {}, 0));
     EXPECT_EQ(cached->username(), u"bob"_s);
-    EXPECT_EQ(notifications, 0);
+    EXPECT_EQ(notifications.count, 0);
     const QString warning
         = u"Warning: trying to assimilate users with different IDs or usernames, this should "
           "never happen\n["_s;
@@ -207,26 +199,16 @@ TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
     const TwitterUserPtr ahead = user(u"1"_s, u"bob"_s, -3600);
     ahead->assimilateUser(*user(u"1"_s, u"robert"_s, 10));
     EXPECT_EQ(ahead->username(), u"robert"_s) << "made under a clock that has been put right since";
-    EXPECT_EQ(std::exchange(notifications, 0), 1);
+    EXPECT_EQ(notifications.count.exchange(0), 1);
 
     // Everything is taken over, also that something is no longer there.
     const auto fieldsOf = [](const TwitterUser& one) {
-        QStringList fields { one.userID(),
-            one.username(),
-            one.fullName(),
-            one.location(),
-            one.bio(),
-            one.url().toString(),
-            one.profileImageURL().toString(),
-            one.lastUpdated().toString(Qt::ISODate),
-            QString::number(one.isPartialUser()),
-            QString::number(one.isProtected().value_or(false)) };
-        for (const auto& number : { one.numberOfFollowers(),
-                 one.numberOfFollowing(),
-                 one.numberOfStatuses(),
-                 one.numberOfFavorites() })
-            fields += QString::number(number.value_or(-1));
-        return fields.join(u'|');
+        const auto count = [](std::optional<qint32> number) { return QString::number(number.value_or(-1)); };
+        QStringList fields { one.userID(), one.username(), one.fullName(), one.location(), one.bio() };
+        fields << one.url().toString() << one.profileImageURL().toString() << one.lastUpdated().toString();
+        fields << count(one.isPartialUser()) << count(one.isProtected()) << count(one.numberOfFollowers());
+        fields << count(one.numberOfFollowing()) << count(one.numberOfStatuses());
+        return (fields << count(one.numberOfFavorites())).join(u'|');
     };
     const TwitterUserPtr fresh = user(u"1"_s, u"Robert"_s, 5);
     fresh->setFullName(u"Robert R."_s);
@@ -239,7 +221,7 @@ TEST(User, TakesOverNewerDataOfTheSamePersonAlone)
     fresh->setNumberOfFavorites(6);
     cached->assimilateUser(*fresh);
     EXPECT_EQ(fieldsOf(*cached), fieldsOf(*fresh));
-    EXPECT_EQ(notifications, 1);
+    EXPECT_EQ(notifications.count, 1);
 }
 
 } // namespace

@@ -1,21 +1,11 @@
 #include "model/records/TwitterStatus.h"
-#include "support/KRTestLog.h"
+#include "support/KRTest.h"
+#include "support/KRTestSite.h"
 #include "text/KRArrayAdditions.h"
-
-#include <QFile>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray answer(const QString& name)
-{
-    QFile file(QStringLiteral(PELINOR_TEST_DATA "/gnu-social/") + name);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(name);
-    return file.readAll();
-}
+const auto& answer = KRTestSite::realAnswer;
 
 TwitterStatusList resultsOf(const QByteArray& body)
 {

@@ -1,32 +1,30 @@
 #pragma once
 
 #include "api/TwitterServiceHosts.h"
+#include "foundation/KRMainThreadObject.h"
 #include "model/records/KRTestRecords.h"
 #include "model/records/TwitterUniquingTables.h"
 #include "model/streams/TwitterStreamAccount.h"
+#include "support/KRTest.h"
 #include "support/KRTestSite.h"
-#include "support/KRTestWait.h"
-#include "transport/KRBackgroundThread.h"
-#include "transport/KRHTTPConnection.h"
+#include "transport/KRTestRequest.h"
 
 /// An account named "me" that loads from a test's site.
 class KRTestStreamAccount final : public TwitterStreamAccount, public TwitterCredentials {
 public:
     explicit KRTestStreamAccount(const KRTestSite& site)
     {
-        KRHTTPTransportSettings settings = KRHTTPTransportSettings::current();
-        settings.extraCAFile = KRTestAuthorityFile();
-        KRHTTPTransportSettings::setCurrent(settings);
+        KRTestTrustAuthority();
         m_hosts.setValueForKey(site.host(), QLatin1String(TwitterServiceHosts::RESTHostKey));
-        m_hosts.setValueForKey(QStringLiteral("https://") + site.host(),
+        m_hosts.setValueForKey(u"https://"_s + site.host(),
             QLatin1String(TwitterServiceHosts::searchHostKey));
     }
 
     const std::shared_ptr<TwitterUniquingTables>& tables() const { return m_tables; }
     const TwitterServiceHosts& hosts() const { return m_hosts; }
 
-    QString username() const override { return QStringLiteral("me"); }
-    QString password() const override { return QStringLiteral("pw"); }
+    QString username() const override { return u"me"_s; }
+    QString password() const override { return u"pw"_s; }
     std::shared_ptr<TwitterStatusesOperations> authenticatedRequest(
         KRCallback<TwitterStatusList> callback) override
     {
@@ -59,24 +57,38 @@ private:
     std::shared_ptr<TwitterUniquingTables> m_tables = std::make_shared<TwitterUniquingTables>();
 };
 
-/// What responses have posted to the main thread has run once the background thread is past them.
-[[nodiscard]] inline bool KRTestSettle()
-{
-    std::atomic<bool> isPast = false;
-    performOnSharedBackgroundThread([&] { isPast = true; });
-    if (!KRWaitUntil([&] { return isPast.load(); }))
-        return false;
-    KRRunLoop::main().runPending();
-    return true;
-}
+/// A site, an account that loads from it, and lists of theirs.
+class KRTestStreams : public testing::Test {
+protected:
+    template <class Stream>
+    std::shared_ptr<Stream> makeStream()
+    {
+        if constexpr (requires(Stream stream) { stream.messages(); }) {
+            return KRMakeMainThreadObject<Stream>(m_account->tables(), m_account);
+        } else {
+            auto stream = KRMakeMainThreadObject<Stream>(m_account->tables());
+            stream->setAccount(m_account);
+            return stream;
+        }
+    }
+    /// A page of posts, the newest first.
+    static QByteArray page(int first, int last, const QByteArray& text = "text")
+    {
+        QList<QByteArray> elements;
+        for (int id = last; id >= first; --id)
+            elements.append(KRTestSite::status(id, "you", text));
+        return KRTestSite::statuses(elements);
+    }
+
+    KRTestSite m_site;
+    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
+};
 
 /// A real status.
-inline TwitterStatusPtr KRTestStatus(int id,
-    const QString& text = QStringLiteral("text"),
-    const QString& inReplyTo = {},
-    int minute = -1)
+inline TwitterStatusPtr
+KRTestStatus(int id, const QString& text = u"text"_s, const QString& inReplyTo = {}, int minute = -1)
 {
-    const TwitterUserPtr author = KRTestUser({}, id % 2 ? QStringLiteral("me") : QStringLiteral("you"));
+    const TwitterUserPtr author = KRTestUser({}, id % 2 ? u"me"_s : u"you"_s);
     const QDateTime date = QDate(2026, 11, 1).startOfDay(Qt::UTC).addSecs((minute < 0 ? id : minute) * 60LL);
     const TwitterStatusPtr status = KRTestStatus(QString::number(id), author, date, text);
     status->setInReplyToStatusID(inReplyTo);
@@ -87,6 +99,6 @@ inline QString KRTestIDs(const TwitterStatusList& statuses)
 {
     QStringList ids;
     for (const TwitterStatusPtr& status : statuses)
-        ids.append(status->isNotADummyStatus() ? status->statusID() : QStringLiteral("-"));
+        ids.append(status->isNotADummyStatus() ? status->statusID() : u"-"_s);
     return ids.join(u' ');
 }

@@ -1,18 +1,10 @@
 #include "KRTestStreamAccount.h"
-#include "foundation/KRMainThreadObject.h"
-#include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterConversationStream.h"
 #include "model/streams/TwitterDummyStatus.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
-class Conversation : public testing::Test {
+class Conversation : public KRTestStreams {
 protected:
     void follow(const TwitterStatusPtr& base, std::shared_ptr<TwitterUniquingTables> tables = nullptr)
     {
@@ -28,8 +20,6 @@ protected:
             && KRWaitUntil([] { return KRRunLoop::main().timeUntilNextWork() == std::nullopt; });
     }
 
-    KRTestSite m_site;
-    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
     std::shared_ptr<TwitterConversationStream> m_stream;
 };
 

@@ -1,13 +1,7 @@
 #include "KRTestStreamAccount.h"
-#include "foundation/KRMainThreadObject.h"
 #include "model/streams/TwitterDirectMessagesConversationManager.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
 
 #include <future>
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -21,7 +15,7 @@ TwitterDirectMessagePtr message(int id, const QString& sender, const QString& re
     return KRTestMessage(QString::number(id), person(sender), person(recipient), date);
 }
 
-QByteArray page(int first, int last, const QByteArray& sender, const QByteArray& recipient)
+QByteArray messages(int first, int last, const QByteArray& sender, const QByteArray& recipient)
 {
     QByteArray elements;
     for (int id = last; id >= first; --id)
@@ -46,10 +40,8 @@ QString summaryOf(const Manager& manager)
     return lines.join(u", ");
 }
 
-class DirectMessages : public testing::Test {
+class DirectMessages : public KRTestStreams {
 protected:
-    KRTestSite m_site;
-    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
     std::shared_ptr<Manager> m_manager = KRMakeMainThreadObject<Manager>(m_account->tables(), m_account);
 };
 
@@ -57,8 +49,8 @@ protected:
 
 TEST_F(DirectMessages, BothListsFoldIntoConversations)
 {
-    m_site.answer("/direct_messages.xml", page(1, 2, "bob", "me"));
-    m_site.answer("/direct_messages/sent.xml", page(3, 3, "me", "bob"));
+    m_site.answer("/direct_messages.xml", messages(1, 2, "bob", "me"));
+    m_site.answer("/direct_messages/sent.xml", messages(3, 3, "me", "bob"));
     m_manager->refresh();
     ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"bob: 3 2 1"_s; }));
     EXPECT_EQ(m_account->tables()->cachedDirectMessageWithID(u"3"_s),
@@ -66,7 +58,7 @@ TEST_F(DirectMessages, BothListsFoldIntoConversations)
     EXPECT_EQ(m_manager->newestMessageDate().time(), QTime(0, 3));
     EXPECT_EQ(m_manager->newestMessageDateNotFromMe().time(), QTime(0, 2)) << "one's own is passed over";
 
-    m_site.answer("/direct_messages.xml", page(4, 4, "carol", "me"));
+    m_site.answer("/direct_messages.xml", messages(4, 4, "carol", "me"));
     m_manager->refresh();
     ASSERT_TRUE(KRWaitUntil([&] { return summaryOf(*m_manager) == u"carol: 4, bob: 3 2 1"_s; }));
     ASSERT_TRUE(KRWaitUntil([&] { return m_site.targets().size() == 4; }));
@@ -92,16 +84,16 @@ TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
         askedTwice.set_value();
         return KRWaitUntil([&] { return !stream->isLoadingOlder(); });
     };
-    ASSERT_TRUE(loadOlder(page(21, 39, "bob", "me"), 200));
+    ASSERT_TRUE(loadOlder(messages(21, 39, "bob", "me"), 200));
     EXPECT_FALSE(stream->isAtEnd()) << "19 messages";
-    ASSERT_TRUE(loadOlder(page(3, 20, "bob", "me"), 200));
+    ASSERT_TRUE(loadOlder(messages(3, 20, "bob", "me"), 200));
     EXPECT_TRUE(stream->isAtEnd()) << "18 messages";
-    ASSERT_TRUE(loadOlder(page(1, 3, "bob", "me"), 200));
+    ASSERT_TRUE(loadOlder(messages(1, 3, "bob", "me"), 200));
     ASSERT_TRUE(KRWaitUntil([&] { return stream->messages().size() == 39; }));
     EXPECT_EQ(stream->newestMessageID(), u"39"_s);
     EXPECT_EQ(stream->oldestMessageID(), u"1"_s);
     EXPECT_EQ(m_site.targets().join(' ').replace("/direct_messages.xml", ""), "?page=0 ?page=1 ?page=2");
-    m_site.answer("/direct_messages/sent.xml", page(40, 40, "me", "bob"));
+    m_site.answer("/direct_messages/sent.xml", messages(40, 40, "me", "bob"));
     m_manager->loadOlder();
     EXPECT_TRUE(KRWaitUntil([&] { return m_manager->sentStream()->messages().size() == 1; }));
     EXPECT_TRUE(KRWaitUntil([&] { return m_site.targets().contains("/direct_messages.xml?page=3"); }));
@@ -110,15 +102,7 @@ TEST_F(DirectMessages, OlderPagesAreAskedForEvenAtTheEnd)
 TEST_F(DirectMessages, AFailedLoadIsReportedAndChangesNothing)
 {
     KRTestLog log;
-    std::atomic<int> errors = 0;
-    std::atomic<int> lastCode = 0;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>(
-            [&](const TwitterStreamErrorNotification& notification) {
-                lastCode = notification.error.code;
-                ++errors;
-            },
-            m_manager->sentStream().get());
+    const KRTestCounter<TwitterStreamErrorNotification> errors(m_manager->sentStream().get());
     EXPECT_FALSE(
         m_manager->newestMessageDate().isValid() || m_manager->newestMessageDateNotFromMe().isValid());
     m_manager->sentStream()->addMessages({ message(1, u"me"_s, u"bob"_s) });
@@ -127,11 +111,10 @@ TEST_F(DirectMessages, AFailedLoadIsReportedAndChangesNothing)
     m_manager->addMessages({ KRTestMessage(u"2"_s, nullptr, nullptr) }, Manager::FromMe::No);
     m_site.answer("/direct_messages/sent.xml", "", 503);
     m_manager->sentStream()->loadNewer();
-    ASSERT_TRUE(KRWaitUntil([&] { return errors == 1; }));
+    ASSERT_TRUE(KRWaitUntil([&] { return errors.count == 1; }));
     EXPECT_FALSE(m_manager->sentStream()->isAtEnd());
     m_manager->sentStream()->loadOlder();
-    ASSERT_TRUE(KRWaitUntil([&] { return errors == 2; }));
-    EXPECT_EQ(lastCode, 503);
+    ASSERT_TRUE(KRWaitUntil([&] { return errors.count == 2; }));
     EXPECT_TRUE(m_manager->sentStream()->isAtEnd());
     EXPECT_TRUE(log.contains(u"messages response error Service unavailable"_s));
     EXPECT_EQ(summaryOf(*m_manager), u"bob: 1"_s);
@@ -139,20 +122,17 @@ TEST_F(DirectMessages, AFailedLoadIsReportedAndChangesNothing)
     m_account.reset();
     m_manager->sentStream()->loadNewer();
     EXPECT_FALSE(m_manager->sentStream()->isLoadingNewer()) << "without an account a load ends at once";
-    EXPECT_EQ(errors, 3);
+    EXPECT_EQ(errors.count, 3);
 }
 
 TEST_F(DirectMessages, FoldingTheSameListAgainOnlyTellsTheManagersObservers)
 {
     QStringList updates;
-    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
-    const KRObservation conversations = center.observe<TwitterDirectMessageConversationDidUpdateNotification>(
+    const KRObservation conversations = KRTestObserve<TwitterDirectMessageConversationDidUpdateNotification>(
         [&](const auto& one) { updates.append(one.object->correspondent()->username()); });
     const KRObservation managers
-        = center.observe<TwitterDirectMessageConversationManagerDidUpdateNotification>([&](const auto& one) {
-              EXPECT_EQ(one.object, m_manager.get());
-              updates.append(u"*"_s);
-          });
+        = KRTestObserve<TwitterDirectMessageConversationManagerDidUpdateNotification>(
+            [&](const auto&) { updates.append(u"*"_s); });
     const TwitterDirectMessageList received { message(5, u"carol"_s, u"me"_s),
         message(1, u"bob"_s, u"me"_s) };
     const TwitterDirectMessageList sent { message(7, u"me"_s, u"zoe"_s), message(3, u"me"_s, u"bob"_s) };

@@ -1,13 +1,6 @@
 #include "KRTestStreamAccount.h"
 #include "foundation/KRKeyedArchiver.h"
-#include "foundation/KRMainThreadObject.h"
 #include "model/streams/TwitterSearch.h"
-#include "support/KRTestLog.h"
-#include "support/KRTestWait.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,22 +1,15 @@
 #include "KRTestStreamAccount.h"
-#include "foundation/KRMainThreadObject.h"
-#include "foundation/KRNotificationCenter.h"
 #include "model/streams/TwitterDirectMessagesStream.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterSearchStream.h"
 #include "model/streams/TwitterUserStream.h"
-#include "support/KRTestLog.h"
 
 #include <QUrlQuery>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
 /// Lists of posts or messages, each with the IDs 1 to newest, in pages of the site's own size.
-class Gaps : public testing::Test {
+class Gaps : public KRTestStreams {
 protected:
     Gaps()
     {
@@ -26,14 +19,6 @@ protected:
                  "/direct_messages.xml",
                  "/direct_messages/sent.xml" })
             m_site.answer(path, [this](const auto& request) { return _answer(request.target); });
-    }
-
-    template <class Stream>
-    std::shared_ptr<Stream> makeStream()
-    {
-        auto stream = KRMakeMainThreadObject<Stream>(m_account->tables());
-        stream->setAccount(m_account);
-        return stream;
     }
 
     static QString newestOf(const TwitterConcreteStatusesStream& stream) { return stream.newestStatusID(); }
@@ -85,8 +70,6 @@ protected:
         return nullptr;
     }
 
-    KRTestSite m_site;
-    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
     std::atomic<int> m_newest = 0;
     std::atomic<int> m_pageSize = 20;
     /// One that is dated long after all others.
@@ -141,8 +124,8 @@ TEST_F(Gaps, AreLoadedUntilTheListMeetsWhatItHad)
     const TwitterUserPtr you = KRTestUser({}, u"you"_s);
     userTimeline->setUser(you);
     check(userTimeline);
-    check(KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account));
-    check(KRMakeMainThreadObject<TwitterSentDirectMessagesStream>(m_account->tables(), m_account));
+    check(makeStream<TwitterReceivedDirectMessagesStream>());
+    check(makeStream<TwitterSentDirectMessagesStream>());
     EXPECT_EQ(m_site.targets().count("/direct_messages/sent.xml?max_id=119"), 1);
 }
 
@@ -159,7 +142,7 @@ TEST_F(Gaps, AreNotSoughtAgainDownToAPostThatIsDatedAhead)
         EXPECT_EQ(asked(), u"n 111 92"_s);
     };
     check(makeStream<TwitterTimelineStream>());
-    check(KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account));
+    check(makeStream<TwitterReceivedDirectMessagesStream>());
 }
 
 TEST_F(Gaps, APageWithAsManyAsWereAskedForIsFullWhateverCameBefore)
@@ -178,17 +161,12 @@ TEST_F(Gaps, WhereLoadingFailsARowLoadsThemWhenAsked)
     const auto stream = makeStream<TwitterTimelineStream>();
     ASSERT_TRUE(load(*stream, 0, 20));
     EXPECT_FALSE(missingRow(*stream));
-    int updates = 0;
-    std::atomic<int> errors = 0;
-    KRNotificationCenter& center = KRNotificationCenter::defaultCenter();
-    const KRObservation updating
-        = center.observe<TwitterStreamDidUpdateNotification>([&](const auto&) { ++updates; }, stream.get());
-    const KRObservation failing
-        = center.observe<TwitterStreamErrorNotification>([&](const auto&) { ++errors; }, stream.get());
+    const KRTestCounter<TwitterStreamDidUpdateNotification> updates(stream.get());
+    const KRTestCounter<TwitterStreamErrorNotification> errors(stream.get());
     m_failsBelow = true;
     ASSERT_TRUE(load(*stream, 45, 40));
-    EXPECT_EQ(errors, 1);
-    EXPECT_EQ(updates, 2) << "the page, and the row";
+    EXPECT_EQ(errors.count, 1);
+    EXPECT_EQ(updates.count, 2) << "the page, and the row";
     const auto row = missingRow(*stream);
     ASSERT_TRUE(row);
     const TwitterStatusList rows = stream->statuses();
@@ -201,9 +179,9 @@ TEST_F(Gaps, WhereLoadingFailsARowLoadsThemWhenAsked)
     // It stays while that fails again, and while newer ones come.
     stream->loadMissing(*row);
     EXPECT_TRUE(missingRow(*stream)->isLoading());
-    EXPECT_EQ(updates, 3);
+    EXPECT_EQ(updates.count, 3);
     ASSERT_TRUE(settle(*stream));
-    EXPECT_EQ(errors, 2);
+    EXPECT_EQ(errors.count, 2);
     EXPECT_FALSE(missingRow(*stream)->isLoading());
     ASSERT_TRUE(load(*stream, 3, 43));
 
@@ -223,8 +201,7 @@ TEST_F(Gaps, OfMessagesAreTriedAgainWithTheNextLoad)
 {
     KRTestLog log;
     m_newest = 50;
-    const auto stream
-        = KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account);
+    const auto stream = makeStream<TwitterReceivedDirectMessagesStream>();
     ASSERT_TRUE(load(*stream, 0, 20));
     m_failsBelow = true;
     ASSERT_TRUE(load(*stream, 30, 40));
@@ -261,8 +238,7 @@ TEST_F(Gaps, EndWhereTheListIsFullOrTheServiceRepeatsItself)
     // So many pages of messages come without anybody asking.
     m_newest = 50;
     m_ignoresBelow = false;
-    const auto endless
-        = KRMakeMainThreadObject<TwitterReceivedDirectMessagesStream>(m_account->tables(), m_account);
+    const auto endless = makeStream<TwitterReceivedDirectMessagesStream>();
     ASSERT_TRUE(load(*endless, 0, 20));
     constexpr int pages = TwitterStreamGaps::maximumPagesInARow;
     // Each page but the newest begins with the last one of the page before.
@@ -277,9 +253,7 @@ TEST_F(Gaps, ARemovedAccountIsAskedForNothingMore)
     const auto stream = makeStream<TwitterTimelineStream>();
     ASSERT_TRUE(load(*stream, 0, 20));
     const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
-            [&](const auto&) { m_account.reset(); },
-            stream.get());
+        = KRTestObserve<TwitterStreamDidUpdateNotification>([&](const auto&) { m_account.reset(); });
     ASSERT_TRUE(load(*stream, 100, 40));
     EXPECT_EQ(asked(), u"n n"_s);
     EXPECT_TRUE(missingRow(*stream));

@@ -1,37 +1,15 @@
 #include "KRTestStreamAccount.h"
-#include "foundation/KRMainThreadObject.h"
-#include "foundation/KRNotificationCenter.h"
 #include "foundation/KRUserDefaults.h"
 #include "model/streams/TwitterDummyStatus.h"
 #include "model/streams/TwitterStatusStreamFilter.h"
 #include "model/streams/TwitterUserStream.h"
 
-#include <QTemporaryDir>
 #include <QUrlQuery>
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray page(int first, int last, const QByteArray& text = "text")
-{
-    QList<QByteArray> elements;
-    for (int id = last; id >= first; --id)
-        elements.append(KRTestSite::status(id, "you", text));
-    return KRTestSite::statuses(elements);
-}
-
-class StreamLoading : public testing::Test {
+class StreamLoading : public KRTestStreams {
 protected:
-    template <class Stream>
-    std::shared_ptr<Stream> makeStream()
-    {
-        auto stream = KRMakeMainThreadObject<Stream>(m_account->tables());
-        stream->setAccount(m_account);
-        return stream;
-    }
     [[nodiscard]] static bool waitForNewer(TwitterConcreteStatusesStream& stream)
     {
         stream.loadNewer();
@@ -44,9 +22,6 @@ protected:
         stream.loadOlder();
         return KRWaitUntil([&] { return !stream.isLoadingOlder(); }) && KRTestSettle();
     }
-
-    KRTestSite m_site;
-    std::shared_ptr<KRTestStreamAccount> m_account = std::make_shared<KRTestStreamAccount>(m_site);
 };
 
 } // namespace
@@ -106,13 +81,9 @@ TEST_F(StreamLoading, EndsWithAShortOrFailedOlderPage)
     for (const Case& test : { Case { 19, 200, false }, Case { 18, 200, true }, Case { 0, 503, true } }) {
         m_site.answer("/statuses/home_timeline.xml", page(1, test.statuses), test.status);
         const auto stream = makeStream<TwitterTimelineStream>();
-        int updates = 0;
-        const KRObservation observation
-            = KRNotificationCenter::defaultCenter().observe<TwitterStreamDidUpdateNotification>(
-                [&](const auto&) { ++updates; },
-                stream.get());
+        const KRTestCounter<TwitterStreamDidUpdateNotification> updates(stream.get());
         ASSERT_TRUE(waitForOlder(*stream));
-        EXPECT_EQ(updates, test.ends + (test.status == 200)) << "the end is told of, and so is a page";
+        EXPECT_EQ(updates.count, test.ends + (test.status == 200)) << "the end is told of, and so is a page";
         EXPECT_EQ(stream->isAtEnd(), test.ends);
         EXPECT_EQ(stream->storedStatuses().size(), test.statuses);
         const TwitterStatusPtr last = stream->statuses().last();
@@ -190,11 +161,10 @@ TEST_F(StreamLoading, AFailedNewerLoadIsOneErrorAndTheNextOneWorks)
 {
     std::mutex lock;
     QStringList errors;
-    const KRObservation observation
-        = KRNotificationCenter::defaultCenter().observe<TwitterStreamErrorNotification>([&](const auto& one) {
-              std::scoped_lock guard(lock);
-              errors.append(one.error.description);
-          });
+    const KRObservation observation = KRTestObserve<TwitterStreamErrorNotification>([&](const auto& one) {
+        std::scoped_lock guard(lock);
+        errors.append(one.error.description);
+    });
     const auto stream = makeStream<TwitterTimelineStream>();
     m_site.answer("/statuses/home_timeline.xml", "<hash><error>over capacity</error></hash>", 500);
     ASSERT_TRUE(waitForNewer(*stream));

@@ -1,16 +1,15 @@
 #include "platform/appearance/KRDesktopAppearance.h"
 #include "platform/event_loop/KRQtRunLoopDriver.h"
+#include "support/KRTest.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cstring>
-#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -28,18 +27,18 @@ public:
     FakePortal()
     {
         qDBusRegisterMetaType<SettingsGroups>();
-        EXPECT_TRUE(m_bus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"),
+        EXPECT_TRUE(m_bus.registerObject(u"/org/freedesktop/portal/desktop"_s,
             this,
             QDBusConnection::ExportAllSlots));
-        EXPECT_TRUE(m_bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+        EXPECT_TRUE(m_bus.registerService(u"org.freedesktop.portal.Desktop"_s));
     }
-    ~FakePortal() override { QDBusConnection::disconnectFromBus(QStringLiteral("portal")); }
+    ~FakePortal() override { QDBusConnection::disconnectFromBus(u"portal"_s); }
 
     void change(const QString& group, const QString& key, const QVariant& value)
     {
-        QDBusMessage signal = QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
-            QStringLiteral("org.freedesktop.portal.Settings"),
-            QStringLiteral("SettingChanged"));
+        QDBusMessage signal = QDBusMessage::createSignal(u"/org/freedesktop/portal/desktop"_s,
+            u"org.freedesktop.portal.Settings"_s,
+            u"SettingChanged"_s);
         signal << group << key << QVariant::fromValue(QDBusVariant(value));
         m_bus.send(signal);
     }
@@ -55,23 +54,22 @@ public Q_SLOTS:
         EXPECT_EQ(groups.size(), 3);
         if (answersNonsense) {
             setDelayedReply(true);
-            m_bus.send(message().createReply(QStringLiteral("nonsense")));
+            m_bus.send(message().createReply(u"nonsense"_s));
         }
         return settings;
     }
 
 private:
-    QDBusConnection m_bus
-        = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+    QDBusConnection m_bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
 };
 
 namespace {
 
 constexpr int Limit = 20000;
-const QString Appearance = QStringLiteral("org.freedesktop.appearance");
-const QString ReducedMotion = QStringLiteral("reduced-motion");
-const QString Interface = QStringLiteral("org.gnome.desktop.interface");
-const QString EnableAnimations = QStringLiteral("enable-animations");
+const QString Appearance = u"org.freedesktop.appearance"_s;
+const QString ReducedMotion = u"reduced-motion"_s;
+const QString Interface = u"org.gnome.desktop.interface"_s;
+const QString EnableAnimations = u"enable-animations"_s;
 
 class KRDesktopAppearanceTests : public testing::Test {
 protected:
@@ -97,7 +95,7 @@ TEST_F(KRDesktopAppearanceTests, TheWishAndItsChangesArrive)
 {
     FakePortal portal;
     portal.settings[Interface][EnableAnimations] = false;
-    portal.settings[Interface][QStringLiteral("font-name")] = QStringLiteral("Sans 10");
+    portal.settings[Interface][u"font-name"_s] = u"Sans 10"_s;
     follow();
     EXPECT_TRUE(told.isEmpty());
     EXPECT_TRUE(waitForTold({ true }));
@@ -107,14 +105,14 @@ TEST_F(KRDesktopAppearanceTests, TheWishAndItsChangesArrive)
     portal.change(Appearance, ReducedMotion, 1U);
     EXPECT_TRUE(waitForTold({ true, false, true }));
     portal.change(Interface, EnableAnimations, true);
-    portal.change(Appearance, ReducedMotion, QStringLiteral("not a number"));
+    portal.change(Appearance, ReducedMotion, u"not a number"_s);
     portal.change(Appearance, ReducedMotion, 0U);
     EXPECT_TRUE(waitForTold({ true, false, true, false }));
 
-    const QString accessibility = QStringLiteral("org.gnome.desktop.a11y.interface");
-    portal.change(accessibility, QStringLiteral("high-contrast"), true);
+    const QString accessibility = u"org.gnome.desktop.a11y.interface"_s;
+    portal.change(accessibility, u"high-contrast"_s, true);
     EXPECT_TRUE(QTest::qWaitFor([&] { return raisesContrast; }, Limit));
-    portal.change(Appearance, QStringLiteral("contrast"), 0U);
+    portal.change(Appearance, u"contrast"_s, 0U);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !raisesContrast; }, Limit));
     EXPECT_FALSE(told.last()) << "the one wish says nothing of the other";
 }
@@ -133,7 +131,7 @@ TEST_F(KRDesktopAppearanceTests, StrangeAnswersAreIgnored)
 int runWithSilentBus()
 {
     QTemporaryDir directory;
-    const QByteArray path = directory.filePath(QStringLiteral("bus")).toLocal8Bit();
+    const QByteArray path = directory.filePath(u"bus"_s).toLocal8Bit();
     const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address {};
     address.sun_family = AF_UNIX;

@@ -1,4 +1,5 @@
 #include "platform/hot_keys/KRHotKeys.h"
+#include "support/KRTest.h"
 
 #include <QTest>
 
@@ -7,7 +8,6 @@
 #include <xcb/xcb_keysyms.h>
 #include <xcb/xtest.h>
 
-using namespace Qt::StringLiterals;
 using testing::ElementsAre;
 
 namespace {

@@ -1,3 +1,4 @@
+#include "support/KRTest.h"
 #include "text/render/KRActiveTextStyle.h"
 #include "text/render/KRColorConversion.h"
 #include "text/render/KRTextHeightCache.h"
@@ -6,7 +7,6 @@
 #include <QGuiApplication>
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -26,10 +26,7 @@ QString describe(const KRAttributedString& attributedString)
 
 TEST(KRAttributedStringTests, SpansHaveTheColoursOfTheirKinds)
 {
-    struct {
-        QStringView text;
-        QStringView runs;
-    } const cases[] = {
+    const std::pair<QStringView, QStringView> cases[] = {
         { u"nothing here", u"" },
         { u"see http://example.org/a now", u"http://example.org/a=#0066cc" },
         { u"#tag @name $SYM a@example.org",
@@ -45,10 +42,10 @@ TEST(KRAttributedStringTests, SpansHaveTheColoursOfTheirKinds)
 
 TEST(KRAttributedStringTests, LaterAttributesReplaceEarlierOnes)
 {
-    KRAttributedString text(QStringLiteral("abcdef"), QFont());
+    KRAttributedString text(u"abcdef"_s, QFont());
     KRAddAttributesToAttributedStringForRanges(text, { { 1, 0, 0, 1 } }, { { 0, 4 }, { 5, 100 }, { 77, 2 } });
     KRAddAttributesToAttributedStringForRanges(text, { { 0, 0, 1, 1 } }, { { 2, 3 } });
-    EXPECT_EQ(describe(text), QStringLiteral("ab=#ff0000|cde=#0000ff|f=#ff0000"));
+    EXPECT_EQ(describe(text), u"ab=#ff0000|cde=#0000ff|f=#ff0000"_s);
 }
 
 TEST(KRAttributedStringTests, ThePreferenceDecidesTheSizeInProportionToTheDesktops)
@@ -63,12 +60,11 @@ TEST(KRAttributedStringTests, ThePreferenceDecidesTheSizeInProportionToTheDeskto
                  int> { { 0, 12 }, { 1, 13 }, { 2, 14 }, { 5, 12 }, { 10, 11 }, { 11, 10 }, { -1, 12 } }) {
             const KRActiveTextStyle style { preference, {} };
             const auto pixels = [&](KRStatusTextSize textSize) {
-                return AttributedStringForStatus(QStringLiteral("x"), {}, textSize, style).font().pixelSize();
+                return AttributedStringForStatus(u"x"_s, {}, textSize, style).font().pixelSize();
             };
             EXPECT_EQ(pixels(KRStatusTextSize::Normal), std::lround(standard * size / 12)) << preference;
             EXPECT_EQ(pixels(KRStatusTextSize::Enlarged), std::lround(standard * (size + 3) / 12));
-            EXPECT_EQ(AttributedStringForMessage(QStringLiteral("x"), {}, style).font().pixelSize(),
-                standard);
+            EXPECT_EQ(AttributedStringForMessage(u"x"_s, {}, style).font().pixelSize(), standard);
         }
     }
     QGuiApplication::setFont(usual);
@@ -76,10 +72,7 @@ TEST(KRAttributedStringTests, ThePreferenceDecidesTheSizeInProportionToTheDeskto
 
 TEST(KRAttributedStringTests, TheDirectionIsThatOfTheAuthorsOwnWords)
 {
-    struct {
-        QStringView text;
-        Qt::LayoutDirection direction;
-    } const cases[] = {
+    const std::pair<QStringView, Qt::LayoutDirection> cases[] = {
         { u"hello", Qt::LeftToRight },
         { u"مرحبا", Qt::RightToLeft },
         { u"@name مرحبا", Qt::RightToLeft },
@@ -100,11 +93,11 @@ TEST(KRAttributedStringTests, HeightsAreMeasuredOnceForEachTextFontAndWidth)
             return AttributedStringForStatus(text, KRActiveTextRanges(text), size);
         });
     };
-    const QString text = QStringLiteral("some words that need more than one line at a small width");
+    const QString text = u"some words that need more than one line at a small width"_s;
     const int narrow = height(text, KRStatusTextSize::Normal, 100);
     EXPECT_GT(narrow, height(text, KRStatusTextSize::Normal, 300));
     EXPECT_LT(narrow, height(text, KRStatusTextSize::Enlarged, 100));
-    height(QStringLiteral("other"), KRStatusTextSize::Normal, 100);
+    height(u"other"_s, KRStatusTextSize::Normal, 100);
     EXPECT_EQ(cache.measuredCount(), 4);
     EXPECT_EQ(height(text, KRStatusTextSize::Normal, 100), narrow);
     EXPECT_EQ(cache.measuredCount(), 4);

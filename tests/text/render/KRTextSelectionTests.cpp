@@ -1,8 +1,5 @@
+#include "support/KRTest.h"
 #include "text/render/KRTextSelection.h"
-
-#include <gtest/gtest.h>
-
-using namespace Qt::StringLiterals;
 
 namespace {
 
