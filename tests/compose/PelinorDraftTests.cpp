@@ -62,46 +62,38 @@ protected:
 
 TEST_F(PelinorDraftTest, EveryAttachmentWeighsAsMuchAsItsLink)
 {
-    const struct {
-        PelinorDraft draft;
-        qsizetype longest;
-        qsizetype remaining;
-        bool isOver;
-    } cases[] = {
-        { draftOf(QString(140, u'x')), 140, 0, false },
-        { draftOf(u"\U0001f600"_s.repeated(70) + u'x'), 140, -1, true },
-        { draftOf(QString(98, u'x') + u"\ufffc\ufffc"_s, { u"a"_s, u"b"_s }), 140, -20, true },
-        { draftOf(QString(9000, u'x')), 0, -9000, false },
+    const auto shown = [](const PelinorDraft& draft, qsizetype longest) {
+        const PelinorDraftCount count(draft, longest);
+        return u"%1%2"_s.arg(count.remaining).arg(count.isOver() ? u" over"_s : QString());
     };
-    for (const auto& test : cases) {
-        const PelinorDraftCount count(test.draft, test.longest);
-        EXPECT_EQ(count.remaining, test.remaining);
-        EXPECT_EQ(count.isOver(), test.isOver);
-    }
+    EXPECT_EQ(shown(draftOf(QString(140, u'x')), 140), u"0"_s);
+    EXPECT_EQ(shown(draftOf(u"\U0001f600"_s.repeated(70) + u'x'), 140), u"-1 over"_s);
+    EXPECT_EQ(shown(draftOf(QString(98, u'x') + u"\ufffc\ufffc"_s, { u"a"_s, u"b"_s }), 140), u"-20 over"_s);
+    EXPECT_EQ(shown(draftOf(QString(9000, u'x')), 0), u"-9000"_s) << "no limit";
 }
 
 TEST_F(PelinorDraftTest, AFewKeysAreNothingToAskAbout)
 {
     const struct {
         QString initial;
-        QStringList edits;
+        QString edits;
         bool isEdited;
     } cases[] = {
-        { u""_s, { u"a"_s, u"ab"_s, u"abc"_s }, false },
-        { u""_s, { u"a"_s, u"ab"_s, u"ab"_s, u"abc"_s, u"abcd"_s }, true },
-        { u"@b "_s, { u"@b a"_s, u"@b ab"_s }, false },
-        { u"@b "_s, { u"@b a"_s, u"@b ab"_s, u"@b abc"_s }, true },
-        { u"@b "_s, { u"@b a"_s, u"@b "_s, u"@b a"_s, u"@b "_s }, false },
-        { u""_s, { u"words from the clipboard"_s }, true },
-        { u""_s, { u"\ufffc"_s }, true },
+        { u""_s, u"a|ab|abc"_s, false },
+        { u""_s, u"a|ab|ab|abc|abcd"_s, true },
+        { u"@b "_s, u"@b a|@b ab"_s, false },
+        { u"@b "_s, u"@b a|@b ab|@b abc"_s, true },
+        { u"@b "_s, u"@b a|@b |@b a|@b "_s, false },
+        { u""_s, u"words from the clipboard"_s, true },
+        { u""_s, u"\ufffc"_s, true },
     };
     for (const auto& test : cases) {
         PelinorDraftEdits edits;
         edits.begin(draftOf(test.initial), false);
         EXPECT_FALSE(edits.isChanged());
-        for (const QString& text : test.edits)
+        for (const QString& text : test.edits.split(u'|'))
             edits.note(draftOf(text, QStringList(text.count(u'\ufffc'), u"a.png"_s)));
-        EXPECT_EQ(edits.isEdited(), test.isEdited) << qPrintable(test.edits.join(u'|'));
+        EXPECT_EQ(edits.isEdited(), test.isEdited) << qPrintable(test.edits);
         edits.begin(draftOf(test.initial), true);
         EXPECT_TRUE(edits.isChanged() && edits.isEdited()) << "by an earlier run";
     }
@@ -110,21 +102,14 @@ TEST_F(PelinorDraftTest, AFewKeysAreNothingToAskAbout)
 TEST_F(PelinorDraftTest, OnlyPicturesAndMoviesCanBeAttached)
 {
     using Kind = PelinorAttachment::Kind;
-    const struct {
-        QString name;
-        QByteArray content;
-        Kind kind;
-    } cases[] = {
-        { u"a.png"_s, "no picture at all", Kind::Picture },
-        { u"a.mov"_s, "x", Kind::Movie },
-        { u"without-ending"_s, "\x89PNG\r\n\x1a\n", Kind::Picture },
-        { u"a.txt"_s, "words", Kind::None },
+    const auto kind = [this](const QString& name, const QByteArray& content) {
+        return PelinorAttachment::kindOfFile(write(directory.filePath(name), content));
     };
-    for (const auto& test : cases)
-        EXPECT_EQ(PelinorAttachment::kindOfFile(write(directory.filePath(test.name), test.content)),
-            test.kind);
-    for (const QString& name : { u"gone.png"_s, u"."_s })
-        EXPECT_EQ(PelinorAttachment::kindOfFile(directory.filePath(name)), Kind::None);
+    EXPECT_EQ(kind(u"a.png"_s, "no picture at all"), Kind::Picture);
+    EXPECT_EQ(kind(u"a.mov"_s, "x"), Kind::Movie);
+    EXPECT_EQ(kind(u"without-ending"_s, "\x89PNG\r\n\x1a\n"), Kind::Picture);
+    EXPECT_EQ(kind(u"a.txt"_s, "words"), Kind::None);
+    EXPECT_EQ(PelinorAttachment::kindOfFile(directory.filePath(u"gone.png"_s)), Kind::None);
 }
 
 TEST_F(PelinorDraftTest, IsWrittenInAPauseAndFoundByTheNextRun)
@@ -257,23 +242,20 @@ TEST_F(PelinorDraftTest, WhatCannotBeReadIsSetAsideAndWhatNobodyNeedsGoes)
 
 TEST_F(PelinorDraftTest, ANameIsCompletedAtItsEndAlone)
 {
-    const struct {
-        const char16_t* text;
-        std::optional<KRRange> name;
-    } cases[] = {
-        { u"@b|", KRRange { 1, 1 } },
-        { u"to @bo_1|, hello", KRRange { 4, 4 } },
-        { u"@|", std::nullopt },
-        { u"@b|ob", std::nullopt },
-        { u"me@example|", std::nullopt },
-        { u"me_@b|", std::nullopt },
-        { u"@1|", std::nullopt },
-        { u"bob|", std::nullopt },
+    const std::pair<QString, QString> cases[] = {
+        { u"@b|"_s, u"b"_s },
+        { u"to @bo_1|, hello"_s, u"bo_1"_s },
+        { u"@|"_s, u"none"_s },
+        { u"@b|ob"_s, u"none"_s },
+        { u"me@example|"_s, u"none"_s },
+        { u"me_@b|"_s, u"none"_s },
+        { u"@1|"_s, u"none"_s },
+        { u"bob|"_s, u"none"_s },
     };
-    for (const auto& test : cases) {
-        QString text = QString::fromUtf16(test.text);
+    for (auto [text, name] : cases) {
         const qsizetype cursor = text.indexOf(u'|');
         text.remove(cursor, 1);
-        EXPECT_EQ(UsernameAutocompletionDelegate::nameBefore(text, cursor), test.name) << qPrintable(text);
+        const auto found = UsernameAutocompletionDelegate::nameBefore(text, cursor);
+        EXPECT_EQ(found ? KRSubstring(text, *found) : u"none"_s, name) << qPrintable(text);
     }
 }

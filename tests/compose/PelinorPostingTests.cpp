@@ -224,13 +224,10 @@ TEST_F(PelinorPostingTest, AnUploadCanBeCancelledAndAnAnswerCannotComeLater)
     const QDir copies(KRFileManager::multipartPOSTDataDirectory());
     ASSERT_TRUE(KRWaitUntil([&] { return !copies.exists() || copies.isEmpty(QDir::Files); }));
     EXPECT_LT(server.bodyBytes(), 30'000'000) << "the rest of the file stays here";
-    settle();
-    EXPECT_EQ(events.last(), u"end"_s) << "nothing comes after it";
     // The window is closed in the middle of the next one.
     posting->post(draft, account);
     posting.reset();
-    const qsizetype told = events.size();
+    events.clear();
     settle();
-    EXPECT_EQ(events.size(), told);
-    EXPECT_TRUE(requestsTo(update).isEmpty());
+    EXPECT_TRUE(events.isEmpty() && requestsTo(update).isEmpty());
 }

@@ -13,6 +13,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
+#include <QHelpEvent>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,8 +23,10 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 #include <QWindow>
 
 using namespace Qt::StringLiterals;
@@ -36,21 +39,16 @@ public:
     void start(PelinorCameraListener& listener) override
     {
         seen = &listener;
-        pass([&listener] { listener.cameraDidShow(QImage(QSize(64, 48), QImage::Format_RGB32)); });
+        QTimer::singleShot(0, qApp, [&] { listener.cameraDidShow(QImage(64, 48, QImage::Format_RGB32)); });
     }
     QString movieSuffix() const override { return u"mp4"_s; }
-    void beginRecording(const QString& path) override
-    {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    }
+    void beginRecording(const QString& path) override { QFile(path).open(QIODevice::WriteOnly); }
     void endRecording() override
     {
-        pass([this] { seen->cameraDidRecord(); });
+        QTimer::singleShot(0, qApp, [this] { seen->cameraDidRecord(); });
     }
 
 private:
-    static void pass(std::function<void()> what) { QTimer::singleShot(0, qApp, std::move(what)); }
     PelinorCameraListener* seen = nullptr;
 };
 
@@ -92,9 +90,18 @@ protected:
         view().fillDraft(found);
         return found;
     }
-    void key(int pressed, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
+    /// One after the other, as "Ctrl+A Ctrl+X".
+    void keys(const char* pressed)
     {
-        QTest::keyClick(&view(), Qt::Key(pressed), modifiers);
+        for (const QString& one : QString::fromLatin1(pressed).split(u' ')) {
+            const QKeyCombination combination = QKeySequence(one)[0];
+            QTest::keyClick(&view(), combination.key(), combination.keyboardModifiers());
+        }
+    }
+    void know(const QStringList& names)
+    {
+        for (const QString& name : names)
+            twitter->definitiveUser(KRTestUser(name, name));
     }
     template <class Predicate>
     static bool waitFor(Predicate predicate)
@@ -118,7 +125,7 @@ protected:
         EXPECT_TRUE(isDismissed || QTest::qWaitForWindowActive(&controller->window()));
         return text;
     }
-    QString remaining() { return controller->window().findChild<QLabel*>(u"remainingField"_s)->text(); }
+    QString remaining() { return find<QLabel>("remainingField").text(); }
     QString picture(const QString& name) const
     {
         QImage image(40, 20, QImage::Format_RGB32);
@@ -174,33 +181,33 @@ TEST_F(PelinorComposeWindowTest, FilesComeByDropAndPasteAndGoWithTheirCharacter)
     EXPECT_EQ(draft().text, u"ab\ufffc\ufffc"_s);
     EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 2, first }, { 3, second } }));
     EXPECT_EQ(remaining(), u"76"_s);
+    const QPoint last = view().cursorRect().center() - QPoint(6, 0);
+    QHelpEvent help(QEvent::ToolTip, last, view().viewport()->mapToGlobal(last));
+    QApplication::sendEvent(view().viewport(), &help);
+    EXPECT_EQ(QToolTip::text(), u"2.jpg"_s);
 
     auto* const copied = new QMimeData;
     copied->setImageData(QImage(QSize(3, 3), QImage::Format_RGB32));
     QApplication::clipboard()->setMimeData(copied);
-    key(Qt::Key_V, Qt::ControlModifier);
+    keys("Ctrl+V");
     ASSERT_EQ(draft().attachments.size(), 3);
     const QString pasted = draft().attachments[2].filename;
     EXPECT_EQ(QImage(pasted).size(), QSize(3, 3));
     QTest::keyClicks(&view(), u"c"_s);
     EXPECT_EQ(draft().attachments.size(), 3) << "what is written behind one is none";
-    key(Qt::Key_Backspace);
-    key(Qt::Key_Backspace);
-    key(Qt::Key_Backspace);
+    keys("Backspace Backspace Backspace");
     EXPECT_EQ(draft().attachments.size(), 1);
     while (view().document()->isUndoAvailable() && draft().attachments.size() < 3)
-        key(Qt::Key_Z, Qt::ControlModifier);
+        keys("Ctrl+Z");
     EXPECT_EQ(draft().attachments.size(), 3) << "undone";
     const PelinorDraft before = draft();
-    key(Qt::Key_A, Qt::ControlModifier);
-    key(Qt::Key_X, Qt::ControlModifier);
+    keys("Ctrl+A Ctrl+X");
     EXPECT_TRUE(draft().isEmpty());
-    key(Qt::Key_V, Qt::ControlModifier);
+    keys("Ctrl+V");
     EXPECT_EQ(draft(), before) << "cut and pasted with its files";
-    key(Qt::Key_Z, Qt::ControlModifier);
+    keys("Ctrl+Z");
     EXPECT_TRUE(draft().isEmpty()) << "as one step";
-    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-    key(Qt::Key_Escape);
+    keys("Ctrl+Shift+Z Escape");
     EXPECT_EQ(answerSheet(u"Discard"_s), u"Are you sure you want to discard this unsaved tweet?"_s);
     EXPECT_TRUE(isDismissed);
     EXPECT_FALSE(QFile::exists(pasted));
@@ -215,19 +222,19 @@ TEST_F(PelinorComposeWindowTest, IsPostedWithItsPicturesByKeys)
     open(std::nullopt, [&](auto& made) { made.setInReplyToStatus(KRTestStatus(u"42"_s, bob)); });
     EXPECT_EQ(controller->window().windowTitle(), u"In reply to Bob B.[*]"_s);
     EXPECT_EQ(draft().text, u"@bob "_s);
-    key(Qt::Key_Z, Qt::ControlModifier);
+    keys("Ctrl+Z");
     EXPECT_FALSE(controller->window().isWindowModified()) << "nothing to undo, nothing to lose";
     QTest::keyClicks(&view(), u"see http://long.example/page"_s);
     defaults.setInteger("URLShorteningServicePreferredService", 1);
     answer("/TinyURLAPIHost/api-create.php", KRTestServer::always(200, "http://s.example/1"));
-    key(Qt::Key_L, Qt::ControlModifier | Qt::ShiftModifier);
+    keys("Ctrl+Shift+L");
     ASSERT_TRUE(waitFor([this] { return draft().text == u"@bob see http://s.example/1"; }));
-    key(Qt::Key_Z, Qt::ControlModifier);
+    keys("Ctrl+Z");
     EXPECT_EQ(draft().text, u"@bob see http://long.example/page"_s);
-    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    keys("Ctrl+Shift+Z");
     EXPECT_TRUE(view().attachFile(picture(u"1.png"_s)));
     EXPECT_TRUE(frameHasCloseButton());
-    key(Qt::Key_Return, Qt::ControlModifier);
+    keys("Ctrl+Return");
     EXPECT_TRUE(view().isReadOnly());
     EXPECT_FALSE(frameHasCloseButton());
     ASSERT_TRUE(waitFor([this] { return isDismissed; }));
@@ -243,7 +250,7 @@ TEST_F(PelinorComposeWindowTest, WhatWasWrittenComesBackInTheNextRun)
     const QString file = picture(u"1.png"_s);
     QTest::keyClicks(&view(), u"a b"_s);
     view().attachFile(file);
-    key(Qt::Key_Return);
+    keys("Return");
     QTest::keyClicks(&view(), u"c"_s);
     ASSERT_TRUE(waitFor([this] { return !draftsOnDisk().isEmpty(); }));
     controller.reset();
@@ -254,7 +261,7 @@ TEST_F(PelinorComposeWindowTest, WhatWasWrittenComesBackInTheNextRun)
     EXPECT_EQ(draft().text, u"a b\ufffc\nc"_s);
     EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 3, file } }));
     EXPECT_EQ(sheet(), nullptr);
-    key(Qt::Key_Escape);
+    keys("Escape");
     answerSheet(u"Cancel"_s);
     EXPECT_FALSE(isDismissed) << "it is as good as newly written";
 
@@ -270,20 +277,20 @@ TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdit
 {
     answer(update, KRTestServer::always(403));
     QTest::keyClicks(&view(), u"abc"_s);
-    key(Qt::Key_Return, Qt::ControlModifier);
+    keys("Ctrl+Return");
     ASSERT_TRUE(waitFor([this] { return sheet() != nullptr; }));
     EXPECT_EQ(answerSheet(u"OK"_s), u"There was an error posting your tweet."_s);
     EXPECT_FALSE(view().isReadOnly());
     answer(upload, [](const auto&, auto& connection) { connection.waitForClose(); });
     view().attachFile(picture(u"1.png"_s));
-    key(Qt::Key_Return, Qt::ControlModifier);
-    auto* const notice = controller->window().findChild<QLabel*>(u"noticeField"_s);
+    keys("Ctrl+Return");
+    auto* const notice = &find<QLabel>("noticeField");
     ASSERT_TRUE(waitFor([&] { return notice->isVisible(); }));
     EXPECT_TRUE(notice->text().startsWith(u"Uploading file 1 of 1"_s));
     EXPECT_EQ(notice->textFormat(), Qt::PlainText);
     const auto* const indicator = controller->window().findChild<QProgressBar*>();
     EXPECT_TRUE(indicator->isVisible() && indicator->value() <= indicator->maximum());
-    key(Qt::Key_Escape);
+    keys("Escape");
     EXPECT_FALSE(view().isReadOnly());
     EXPECT_FALSE(isDismissed);
     EXPECT_FALSE(notice->isVisible());
@@ -292,9 +299,8 @@ TEST_F(PelinorComposeWindowTest, AFailureAndACancelledUploadLeaveTheTextToBeEdit
 
 TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
 {
-    for (const char16_t* name : { u"Bob", u"bonnie", u"carol" })
-        twitter->definitiveUser(KRTestUser(QString::fromUtf16(name), QString::fromUtf16(name)));
-    auto* const list = controller->window().findChild<QListWidget*>(u"nameCompletion"_s);
+    know({ u"Bob"_s, u"bonnie"_s, u"carol"_s });
+    auto* const list = &find<QListWidget>("nameCompletion");
     const auto type = [&](const QString& text) {
         QTest::keyClicks(&view(), text);
         EXPECT_TRUE(waitFor([&] { return list->isVisible(); }));
@@ -303,19 +309,20 @@ TEST_F(PelinorComposeWindowTest, KnownNamesAreOfferedAndEnterStaysEnter)
     EXPECT_EQ(list->count(), 2);
     EXPECT_GE(list->y(), view().cursorRect().bottom()) << "below the line";
     EXPECT_TRUE(list->parentWidget()->rect().contains(list->geometry()));
-    key(Qt::Key_Return);
+    keys("Return");
     EXPECT_EQ(draft().text, u"a@b.org @BO\n"_s) << "nothing was chosen";
     EXPECT_FALSE(list->isVisible());
     type(u"@bo"_s);
-    key(Qt::Key_Down);
-    key(Qt::Key_Down);
-    key(Qt::Key_Return);
+    keys("Down Down Return");
     EXPECT_EQ(draft().text, u"a@b.org @BO\n@bonnie "_s);
     type(u"@c"_s);
-    key(Qt::Key_Escape);
+    EXPECT_EQ(list->count(), 1);
+    type(u"a"_s);
+    EXPECT_TRUE(draft().text.endsWith(u"@ca"));
+    keys("Escape");
     EXPECT_FALSE(list->isVisible());
     EXPECT_EQ(sheet(), nullptr) << "it was for the list";
-    key(Qt::Key_Escape);
+    keys("Escape");
     EXPECT_NE(sheet(), nullptr);
 }
 
@@ -374,7 +381,7 @@ TEST_F(PelinorComposeWindowTest, MoviesAreAttachedAndPhotosGoToThePictures)
     find<QDialog>("captureSheet").reject();
     EXPECT_TRUE(waitFor([this] { return !isDialogOpen(); }));
     EXPECT_TRUE(movies.isEmpty(QDir::Files)) << "not wanted";
-    key(Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
+    keys("Ctrl+Shift+M");
     press(u"Record"_s);
     press(u"Stop"_s);
     EXPECT_TRUE(waitFor([this] { return !isDialogOpen(); }));
@@ -393,10 +400,13 @@ TEST_F(PelinorComposeWindowTest, MoviesAreAttachedAndPhotosGoToThePictures)
 
 TEST_F(PelinorComposeWindowTest, TheRecipientIsCompletedOrLookedUp)
 {
-    for (const char16_t* name : { u"Bob", u"bonnie", u"carol" })
-        twitter->definitiveUser(KRTestUser(QString::fromUtf16(name), QString::fromUtf16(name)));
+    know({ u"Bob"_s, u"bonnie"_s, u"carol"_s });
     controller.reset();
+    KRMotion::setEnabledByProgram(true);
     open(std::nullopt, [](auto& made) { made.setPromptToDirectMessageUser(true); });
+    const QPoint middle = controller->window().screen()->availableGeometry().center();
+    EXPECT_LT(controller->window().geometry().top(), middle.y() / 2) << "on its way from the top";
+    EXPECT_LT((find<QDialog>("directMessageUserPanel").geometry().center() - middle).manhattanLength(), 9);
     auto& field = *find<QComboBox>("directMessageUserComboBox").lineEdit();
     QTest::keyClicks(&field, u"@bo"_s);
     EXPECT_EQ(field.text() + u'|' + field.selectedText(), u"@bob|b"_s);
@@ -417,7 +427,10 @@ TEST_F(PelinorComposeWindowTest, TheRecipientIsCompletedOrLookedUp)
     field.setText(u" @BOB "_s);
     QTest::keyClick(&field, Qt::Key_Return);
     EXPECT_EQ(controller->window().windowTitle(), u"Direct Message: Bob[*]"_s);
-    EXPECT_EQ(find<QPushButton>("postButton").text(), u"Send"_s);
+    auto& send = find<QPushButton>("postButton");
+    EXPECT_EQ(send.text(), u"Send"_s);
+    EXPECT_GT(send.x(), find<QPushButton>("cancelButton").x());
+    EXPECT_EQ(send.parentWidget(), find<QPushButton>("actionPopUpButton").parentWidget());
 }
 
 TEST_F(PelinorComposeWindowTest, TheAccountIsChosenAmongThoseThatAreThere)
@@ -434,7 +447,7 @@ TEST_F(PelinorComposeWindowTest, TheAccountIsChosenAmongThoseThatAreThere)
     EXPECT_TRUE(menu.isVisible()) << "another one is needed";
     EXPECT_EQ(menu.currentIndex(), -1);
     QTest::keyClicks(&view(), u"abcd"_s);
-    key(Qt::Key_Return, Qt::ControlModifier);
+    keys("Ctrl+Return");
     EXPECT_EQ(answerSheet(u"OK"_s), u"Error"_s);
 }
 
