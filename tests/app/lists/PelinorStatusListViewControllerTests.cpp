@@ -1,11 +1,14 @@
+#include "app/PelinorSeenPicture.h"
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
 #include "foundation/KRMainThreadObject.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
+#include "toolkit/navigation/KRNavigationItem.h"
 
 #include <QAction>
 #include <QMenu>
+#include <QPainter>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -45,6 +48,7 @@ TEST_F(PelinorStatusListTest, RowsFollowTheStreamWhileTheListIsShown)
 {
     stream->posts = posts(100, 30);
     list.viewWillAppear(false);
+    EXPECT_EQ(list.navigationItem()->title(), QStringLiteral("Timeline"));
     EXPECT_EQ(table().numberOfRows(), 32);
     EXPECT_EQ(stream->newerLoads, 0);
     stream->setStatuses(posts(101, 31));
@@ -374,6 +378,61 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
     stream->didFailOlder = false;
     stream->setStatuses({});
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet"));
+}
+
+// One that is selected, an own one, a favourite under the pointer that mentions the reader, and one as it is. What
+// depends on the fonts is left out.
+TEST_F(PelinorStatusListTest, CellsAreDrawnAsTheyWereSeen)
+{
+    stream->posts = { makeStatus(4, {}, author),
+        makeStatus(3, {}, makeUser(u"me"_s)),
+        makeStatus(2, {}, author),
+        makeStatus(1, {}, author) };
+    stream->isAtEnd = true;
+    list.viewWillAppear(false);
+    table().show();
+    table().selectRow(1);
+    auto* const favorite = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(3));
+    ASSERT_NE(favorite, nullptr);
+    favorite->setIsFavorite(true);
+    favorite->setIsHighlighted(true);
+    QHoverEvent hover(QEvent::HoverEnter, QPointF(200, 30), QPointF(200, 30), QPointF(0, 0));
+    QCoreApplication::sendEvent(favorite, &hover);
+    // The upper edge of every cell, and its lower right corner.
+    constexpr int Top = 50;
+    constexpr QSize Corner(60, 20);
+    const QImage shown = table().grab().toImage();
+    const auto isWritten = [&shown](const QRect& where) {
+        const QImage part = shown.copy(where);
+        QImage plain(part.size(), part.format());
+        plain.fill(part.pixelColor(0, 0));
+        return part != plain;
+    };
+    EXPECT_FALSE(isWritten(table().rectForRow(0))) << "the header has not the keyboard";
+    EXPECT_TRUE(isWritten(table().rectForRow(5).adjusted(100, 10, -100, -10)));
+    QImage drawn(400 + Corner.width(), 4 * Top, QImage::Format_RGB32);
+    drawn.fill(Qt::gray);
+    QPainter painter(&drawn);
+    for (int row = 1; row <= 4; ++row) {
+        const QRect place = table().rectForRow(row);
+        painter.drawImage(0, 0, shown.copy(0, place.y(), 400, Top));
+        const PelinorStatusCellGeometry geometry { 400, row == 2 };
+        for (const QRect& words : { geometry.nameFrame(), geometry.dateFrame() }) {
+            EXPECT_TRUE(isWritten(words.translated(place.topLeft()))) << row;
+            painter.fillRect(words, Qt::gray);
+        }
+        // An own one has its picture there.
+        if (row != 2) {
+            painter.fillRect(QRect({ 400 - Corner.width(), Top - Corner.height() }, Corner), Qt::gray);
+            painter.drawImage(400,
+                0,
+                shown.copy(
+                    { QPoint(400, place.bottom() + 1) - QPoint(Corner.width(), Corner.height()), Corner }));
+        }
+        painter.translate(0, Top);
+    }
+    painter.end();
+    expectAsSeen(drawn, u"cells"_s);
 }
 
 TEST_F(PelinorStatusListTest, AStreamAsksBelowAFailureAndAfterNothingDatedAhead)
