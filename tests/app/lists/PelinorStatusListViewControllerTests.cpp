@@ -1,6 +1,7 @@
 #include "app/PelinorSeenPicture.h"
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "app/lists/PelinorTitleTableViewCell.h"
 #include "foundation/KRMainThreadObject.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
@@ -397,7 +398,10 @@ TEST_F(PelinorStatusListTest, CellsAreDrawnAsTheyWereSeen)
     favorite->setIsFavorite(true);
     favorite->setIsHighlighted(true);
     QHoverEvent hover(QEvent::HoverEnter, QPointF(200, 30), QPointF(200, 30), QPointF(0, 0));
+    QHoverEvent leave(QEvent::HoverLeave, QPointF(-1, -1), QPointF(-1, -1), QPointF(200, 30));
     QCoreApplication::sendEvent(favorite, &hover);
+    QCoreApplication::sendEvent(table().cellForRow(4), &hover);
+    QCoreApplication::sendEvent(table().cellForRow(4), &leave);
     // The upper edge of every cell, and its lower right corner.
     constexpr int Top = 50;
     constexpr QSize Corner(60, 20);
@@ -433,6 +437,29 @@ TEST_F(PelinorStatusListTest, CellsAreDrawnAsTheyWereSeen)
     }
     painter.end();
     expectAsSeen(drawn, u"cells"_s);
+}
+
+TEST_F(PelinorStatusListTest, TitlesStandBesideWhatBelongsToThem)
+{
+    PelinorTitleTableViewCell cell(center);
+    QList<QImage> seen;
+    for (const PelinorTitleTableViewCell::Content& content :
+        { PelinorTitleTableViewCell::Content { .title = u"word"_s },
+            { .title = u"word"_s, .isHeading = true },
+            { .title = u"word"_s, .isFresh = true },
+            { .title = u"word"_s, .hasUser = true },
+            { .title = u"word"_s, .date = u"today"_s },
+            { .title = u"word"_s, .detail = u"more"_s } }) {
+        cell.setContent(content);
+        EXPECT_EQ(cell.accessibleName(), PelinorTitleTableViewCell::accessibleNameForContent(content));
+        cell.resize(300, 60);
+        const QImage drawn = cell.grab().toImage();
+        EXPECT_FALSE(seen.contains(drawn)) << seen.size();
+        seen.append(drawn);
+    }
+    // A detail is below its title.
+    EXPECT_EQ(seen.first().copy(0, 42, 300, 16), seen.at(4).copy(0, 42, 300, 16));
+    EXPECT_NE(seen.first().copy(0, 42, 300, 16), seen.last().copy(0, 42, 300, 16));
 }
 
 TEST_F(PelinorStatusListTest, AStreamAsksBelowAFailureAndAfterNothingDatedAhead)
