@@ -457,6 +457,7 @@ TEST_F(PelinorStatusListTest, TitlesStandBesideWhatBelongsToThem)
         EXPECT_FALSE(seen.contains(drawn)) << seen.size();
         seen.append(drawn);
     }
+    EXPECT_NE(seen.first().copy(0, 0, 150, 60), seen.at(2).copy(0, 0, 150, 60)) << "what is new is bold";
     // A detail is below its title.
     EXPECT_EQ(seen.first().copy(0, 42, 300, 16), seen.at(4).copy(0, 42, 300, 16));
     EXPECT_NE(seen.first().copy(0, 42, 300, 16), seen.last().copy(0, 42, 300, 16));
