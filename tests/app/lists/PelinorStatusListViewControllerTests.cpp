@@ -1,11 +1,15 @@
+#include "app/PelinorSeenPicture.h"
 #include "app/lists/PelinorListFakes.h"
 #include "app/lists/PelinorPlaceholderTableViewCells.h"
+#include "app/lists/PelinorTitleTableViewCell.h"
 #include "foundation/KRMainThreadObject.h"
 #include "support/KRManualClock.h"
 #include "text/render/KRActiveTextRenderer.h"
+#include "toolkit/navigation/KRNavigationItem.h"
 
 #include <QAction>
 #include <QMenu>
+#include <QPainter>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -45,6 +49,7 @@ TEST_F(PelinorStatusListTest, RowsFollowTheStreamWhileTheListIsShown)
 {
     stream->posts = posts(100, 30);
     list.viewWillAppear(false);
+    EXPECT_EQ(list.navigationItem()->title(), QStringLiteral("Timeline"));
     EXPECT_EQ(table().numberOfRows(), 32);
     EXPECT_EQ(stream->newerLoads, 0);
     stream->setStatuses(posts(101, 31));
@@ -374,6 +379,88 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
     stream->didFailOlder = false;
     stream->setStatuses({});
     EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet"));
+}
+
+// One that is selected, an own one, a favourite under the pointer that mentions the reader, and one as it is. What
+// depends on the fonts is left out.
+TEST_F(PelinorStatusListTest, CellsAreDrawnAsTheyWereSeen)
+{
+    stream->posts = { makeStatus(4, {}, author),
+        makeStatus(3, {}, makeUser(u"me"_s)),
+        makeStatus(2, {}, author),
+        makeStatus(1, {}, author) };
+    stream->isAtEnd = true;
+    list.viewWillAppear(false);
+    table().show();
+    table().selectRow(1);
+    auto* const favorite = qobject_cast<PelinorStatusTableViewCell*>(table().cellForRow(3));
+    ASSERT_NE(favorite, nullptr);
+    favorite->setIsFavorite(true);
+    favorite->setIsHighlighted(true);
+    QHoverEvent hover(QEvent::HoverEnter, QPointF(200, 30), QPointF(200, 30), QPointF(0, 0));
+    QHoverEvent leave(QEvent::HoverLeave, QPointF(-1, -1), QPointF(-1, -1), QPointF(200, 30));
+    QCoreApplication::sendEvent(favorite, &hover);
+    QCoreApplication::sendEvent(table().cellForRow(4), &hover);
+    QCoreApplication::sendEvent(table().cellForRow(4), &leave);
+    // The upper edge of every cell, and its lower right corner.
+    constexpr int Top = 50;
+    constexpr QSize Corner(60, 20);
+    const QImage shown = table().grab().toImage();
+    const auto isWritten = [&shown](const QRect& where) {
+        const QImage part = shown.copy(where);
+        QImage plain(part.size(), part.format());
+        plain.fill(part.pixelColor(0, 0));
+        return part != plain;
+    };
+    EXPECT_FALSE(isWritten(table().rectForRow(0))) << "the header has not the keyboard";
+    EXPECT_TRUE(isWritten(table().rectForRow(5).adjusted(100, 10, -100, -10)));
+    QImage drawn(400 + Corner.width(), 4 * Top, QImage::Format_RGB32);
+    drawn.fill(Qt::gray);
+    QPainter painter(&drawn);
+    for (int row = 1; row <= 4; ++row) {
+        const QRect place = table().rectForRow(row);
+        painter.drawImage(0, 0, shown.copy(0, place.y(), 400, Top));
+        const PelinorStatusCellGeometry geometry { 400, row == 2 };
+        for (const QRect& words : { geometry.nameFrame(), geometry.dateFrame() }) {
+            EXPECT_TRUE(isWritten(words.translated(place.topLeft()))) << row;
+            painter.fillRect(words, Qt::gray);
+        }
+        // An own one has its picture there.
+        if (row != 2) {
+            painter.fillRect(QRect({ 400 - Corner.width(), Top - Corner.height() }, Corner), Qt::gray);
+            painter.drawImage(400,
+                0,
+                shown.copy(
+                    { QPoint(400, place.bottom() + 1) - QPoint(Corner.width(), Corner.height()), Corner }));
+        }
+        painter.translate(0, Top);
+    }
+    painter.end();
+    expectAsSeen(drawn, u"cells"_s);
+}
+
+TEST_F(PelinorStatusListTest, TitlesStandBesideWhatBelongsToThem)
+{
+    PelinorTitleTableViewCell cell(center);
+    QList<QImage> seen;
+    for (const PelinorTitleTableViewCell::Content& content :
+        { PelinorTitleTableViewCell::Content { .title = u"word"_s },
+            { .title = u"word"_s, .isHeading = true },
+            { .title = u"word"_s, .isFresh = true },
+            { .title = u"word"_s, .hasUser = true },
+            { .title = u"word"_s, .date = u"today"_s },
+            { .title = u"word"_s, .detail = u"more"_s } }) {
+        cell.setContent(content);
+        EXPECT_EQ(cell.accessibleName(), PelinorTitleTableViewCell::accessibleNameForContent(content));
+        cell.resize(300, 60);
+        const QImage drawn = cell.grab().toImage();
+        EXPECT_FALSE(seen.contains(drawn)) << seen.size();
+        seen.append(drawn);
+    }
+    EXPECT_NE(seen.first().copy(0, 0, 150, 60), seen.at(2).copy(0, 0, 150, 60)) << "what is new is bold";
+    // A detail is below its title.
+    EXPECT_EQ(seen.first().copy(0, 42, 300, 16), seen.at(4).copy(0, 42, 300, 16));
+    EXPECT_NE(seen.first().copy(0, 42, 300, 16), seen.last().copy(0, 42, 300, 16));
 }
 
 TEST_F(PelinorStatusListTest, AStreamAsksBelowAFailureAndAfterNothingDatedAhead)
