@@ -451,6 +451,10 @@ TEST_F(PelinorComposeWindowTest, TheAccountIsChosenAmongThoseThatAreThere)
     QTest::keyClicks(&view(), u"abcd"_s);
     keys("Ctrl+Return");
     EXPECT_EQ(answerSheet(u"OK"_s), u"Error"_s);
+    EXPECT_NE(find<QPushButton>("actionPopUpButton").menu(), nullptr);
+    keys("Ctrl+Shift+A");
+    ASSERT_TRUE(isDialogOpen());
+    EXPECT_TRUE(controller->window().findChild<QDialog*>()->isVisible());
 }
 
 // The whole road: a real service over TLS, its own picture store and a shortener beside it.
