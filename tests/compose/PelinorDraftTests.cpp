@@ -114,7 +114,7 @@ TEST_F(PelinorDraftTest, OnlyPicturesAndMoviesCanBeAttached)
 
 TEST_F(PelinorDraftTest, IsWrittenInAPauseAndFoundByTheNextRun)
 {
-    PelinorDraft draft = draftOf(u"one \ufffc\ufffc \U0001f600"_s, { u"/p/a.png"_s });
+    PelinorDraft draft = draftOf(u"one \ufffc\ufffc\ufffc \U0001f600"_s, { u"/p/a.png"_s, u"/p/b.png"_s });
     const TwitterUserPtr bob = KRTestUser(u"7"_s, u"bob"_s);
     bob->setFullName(u"Bob B."_s);
     draft.setInReplyTo(KRTestStatus(u"42"_s, bob).get());

@@ -1,5 +1,7 @@
 #include "ComposeFixture.h"
 #include "compose/PelinorLinkShortening.h"
+#include "compose/UsernameAutocompletionDelegate.h"
+#include "model/records/KRTestRecords.h"
 
 using namespace Qt::StringLiterals;
 
@@ -56,4 +58,15 @@ TEST_F(ComposeFixture, LinksAreReplacedWhereTheyAreByThen)
     shortening.reset();
     settle();
     EXPECT_EQ(text, written) << "the window has been closed";
+}
+
+TEST_F(ComposeFixture, KnownNamesAreCompletedInTheirOrder)
+{
+    UsernameAutocompletionDelegate names(*twitter);
+    for (const QString& name : { u"bonnie"_s, u"Bob"_s, u"carol"_s })
+        twitter->definitiveUser(KRTestUser(name, name));
+    EXPECT_EQ(names.completions(u"BO"_s, 9).join(u' '), u"bob bonnie"_s);
+    EXPECT_EQ(names.completions(u"BO"_s, 1).join(u' '), u"bob"_s);
+    EXPECT_EQ(names.completedString(u"c"_s) + names.completedString({}), u"carol"_s);
+    EXPECT_EQ(names.indexOfName(u"carol"_s), 2);
 }

@@ -96,6 +96,12 @@ TEST_F(PelinorPostingTest, AReplyGoesOutWithTheLinksOfItsFiles)
     EXPECT_TRUE(last.sent > 0 && last.sent == last.total);
     posting->post({}, account);
     EXPECT_EQ(events.last(), finished) << "there is nothing to post";
+    defaults.removeObjectForKey("ImageServicePreferredServiceDefaultsKey");
+    answer("/statusnet/media/upload", 200, linkAnswer("https://p.example/3"));
+    useSite({ .hosts = account->context().hosts, .takesUploads = true });
+    begin(u"mine"_s, { fileWith(u"3.png"_s, "three") });
+    EXPECT_EQ(run(), finished);
+    EXPECT_EQ(sent(update), u"mine https://p.example/3 "_s);
 }
 
 TEST_F(PelinorPostingTest, WhateverFailsEndsInASheetAndTheDraftIsSentOnce)

@@ -182,7 +182,6 @@ void PelinorComposeWindowController::_loadControls()
     m_composeProgressIndicator->setAccessibleName(tr("Progress"));
     m_composeProgressIndicator->setMaximumWidth(90);
     m_composeProgressIndicator->setTextVisible(false);
-    m_composeProgressIndicator->setRange(0, 0);
     m_composeProgressIndicator->hide();
     m_remainingField = new QLabel(m_window.get());
     m_remainingField->setObjectName(u"remainingField"_s);

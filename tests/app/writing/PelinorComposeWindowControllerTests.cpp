@@ -253,11 +253,13 @@ TEST_F(PelinorComposeWindowTest, WhatWasWrittenComesBackInTheNextRun)
     keys("Return");
     QTest::keyClicks(&view(), u"c"_s);
     ASSERT_TRUE(waitFor([this] { return !draftsOnDisk().isEmpty(); }));
+    const QPoint place = controller->window().pos();
     controller.reset();
     store = std::make_shared<PelinorDraftStore>(folder, directory.filePath(u"pictures"_s));
     QList<PelinorDraftStore::Stored> left = store->takeLeftDrafts();
     ASSERT_EQ(left.size(), 1);
-    open(left[0]);
+    open(left[0], [](auto& made) { made.setWindowsBefore(1); });
+    EXPECT_EQ(controller->window().pos() - place, QPoint(28, 28)) << "not over another one";
     EXPECT_EQ(draft().text, u"a b\ufffc\nc"_s);
     EXPECT_EQ(draft().attachments, (QList<PelinorAttachment> { { 3, file } }));
     EXPECT_EQ(sheet(), nullptr);
@@ -449,6 +451,10 @@ TEST_F(PelinorComposeWindowTest, TheAccountIsChosenAmongThoseThatAreThere)
     QTest::keyClicks(&view(), u"abcd"_s);
     keys("Ctrl+Return");
     EXPECT_EQ(answerSheet(u"OK"_s), u"Error"_s);
+    EXPECT_NE(find<QPushButton>("actionPopUpButton").menu(), nullptr);
+    keys("Ctrl+Shift+A");
+    ASSERT_TRUE(isDialogOpen());
+    EXPECT_TRUE(controller->window().findChild<QDialog*>()->isVisible());
 }
 
 // The whole road: a real service over TLS, its own picture store and a shortener beside it.
