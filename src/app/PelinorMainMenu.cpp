@@ -131,6 +131,7 @@ void PelinorMainMenu::_addStatusMenu(QMenuBar& bar)
     add(tr("Show &Author"), u"Ctrl+Shift+I"_s, Command::Author);
     add(tr("Copy &Link to Tweet"), {}, Command::PostLink);
     add(tr("&Open in Browser"), u"Ctrl+B"_s, Command::OpenInBrowser);
+    add(tr("Dele&te..."), {}, Command::Destroy);
     // Keys work without the menu having been opened, and do nothing without a post.
     connect(status, &QMenu::aboutToShow, this, [this, needsPost] {
         auto* const list = m_window.topList();

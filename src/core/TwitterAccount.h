@@ -37,6 +37,13 @@ enum TwitterAccountNotificationOption : quint32 {
 inline constexpr quint32 TwitterAccountDefaultNotificationOptions = TwitterAccountNotificationOptionsSet
     | TwitterAccountTimelineStatusItem | TwitterAccountMentionsStatusItem | TwitterAccountMessagesStatusItem;
 
+/// The account has deleted one of its posts. Posted on the main thread.
+struct TwitterAccountDidDestroyStatusNotification {
+    static constexpr char name[] = "TwitterAccountDidDestroyStatusNotification";
+    const TwitterAccount* object;
+    TwitterStatusPtr status;
+};
+
 /// What the accounts of one site share.
 struct TwitterAccountContext {
     /// Of this site alone: records of two sites may have the same ID.
@@ -173,6 +180,9 @@ public:
     /// Posts. The timeline loads what is new when that worked. The callback is invoked on the background
     /// thread.
     void update(const QString& text, const QString& inReplyToStatusID, KRCallback<TwitterStatusPtr> callback);
+    /// Deletes one of the account's own posts, which is gone from its streams before the callback is invoked,
+    /// on the main thread. One that the service no longer has is as good as deleted.
+    void destroyStatus(const TwitterStatusPtr& status, KRCallback<TwitterStatusPtr> callback);
     /// Sends a message. Both lists load what is new when that worked. The callback is invoked on the
     /// background thread.
     void sendDirectMessage(const QString& text,
@@ -236,6 +246,9 @@ private:
     void myUserDidUpdate();
     void _loadNewerTimeline();
     void _refreshMessages();
+    struct Destroying;
+    void _didDestroy(const KRResult<TwitterStatusPtr>& response,
+        const std::shared_ptr<Destroying>& destroying);
 
     TwitterAccountContext m_context;
     QString m_username;

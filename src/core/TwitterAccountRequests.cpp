@@ -146,6 +146,34 @@ void TwitterAccount::_loadNewerTimeline()
     timelineStream()->loadNewer();
 }
 
+struct TwitterAccount::Destroying {
+    TwitterStatusPtr status;
+    KRCallback<TwitterStatusPtr> callback;
+};
+
+void TwitterAccount::destroyStatus(const TwitterStatusPtr& status, KRCallback<TwitterStatusPtr> callback)
+{
+    const auto destroying = std::make_shared<Destroying>(Destroying { status, std::move(callback) });
+    authenticatedRequest<TwitterStatusPtr>(
+        Callback(mainThreadProxy(shared_from_this()), &TwitterAccount::_didDestroy, destroying))
+        ->destroyStatus(status->statusID());
+}
+
+void TwitterAccount::_didDestroy(const KRResult<TwitterStatusPtr>& response,
+    const std::shared_ptr<Destroying>& destroying)
+{
+    constexpr int gone = 404;
+    if (response.isError() && response.error().code != gone) {
+        destroying->callback.invoke(response);
+        return;
+    }
+    const TwitterStatusPtr& status = destroying->status;
+    timelineStream()->removeStatus(*status);
+    repliesStream()->removeStatus(*status);
+    KRNotificationCenter::defaultCenter().post(TwitterAccountDidDestroyStatusNotification { this, status });
+    destroying->callback.invoke(KRResult<TwitterStatusPtr>(status));
+}
+
 void TwitterAccount::sendDirectMessage(const QString& text,
     const TwitterUser& user,
     KRCallback<TwitterDirectMessagePtr> callback)

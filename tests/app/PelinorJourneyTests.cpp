@@ -225,8 +225,21 @@ TEST_F(Journey, ReadsAnswersAndLooksAround)
     EXPECT_TRUE(waitFor([&] { return details->rowForStatus(*post) != details->NoRow; }));
     navigation->popViewControllerAnimated(KRAnimated::No);
 
-    // Its author, with posts of the author's own.
+    // Thought better of, everywhere.
+    const TwitterStatusPtr reply = timeline->statusForRow(1);
     table.selectRow(2);
+    key(Qt::Key_Delete);
+    EXPECT_EQ(window().window().findChild<QMessageBox*>(), nullptr) << "somebody else's";
+    table.selectRow(1);
+    key(Qt::Key_Delete);
+    auto* const question = window().window().findChild<QMessageBox*>(u"deletePostSheet"_s);
+    ASSERT_NE(question, nullptr);
+    EXPECT_TRUE(question->informativeText().contains(reply->text()));
+    question->buttons().last()->click();
+    EXPECT_TRUE(waitFor([&] { return timeline->rowForStatus(*reply) == timeline->NoRow; }));
+
+    // Its author, with posts of the author's own.
+    table.selectRow(timeline->rowForStatus(*post));
     key(Qt::Key_P);
     auto* const person = qobject_cast<PelinorUserDetailsViewController*>(window().topViewController().get());
     ASSERT_NE(person, nullptr);

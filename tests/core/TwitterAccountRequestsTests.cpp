@@ -90,6 +90,34 @@ TEST_F(AccountRequests, WhatIsSentLoadsWhatItChanges)
         << "a failure loads nothing";
 }
 
+TEST_F(AccountRequests, WhatIsDeletedIsGoneFromTheStreams)
+{
+    const TwitterStatusPtr first = status(u"1"_s, u"Alice"_s, KRNow());
+    const TwitterStatusPtr second = status(u"2"_s, u"Alice"_s, KRNow());
+    m_account->timelineStream()->setStatuses({ second, first });
+    m_account->repliesStream()->setStatuses({ first });
+    QStringList told;
+    const auto observation = KRTestObserve<TwitterAccountDidDestroyStatusNotification>(
+        [&](const auto& one) { told.append(one.status->statusID()); },
+        m_account.get());
+    const auto destroy = [&](const TwitterStatusPtr& status, int code) {
+        m_site.answer("/statuses/destroy/" + status->statusID().toUtf8() + ".xml",
+            KRTestSite::status(status->statusID().toInt(), "Alice", "x"),
+            code);
+        const auto received = KRTestReceive<TwitterStatusPtr>(
+            [&](const auto& callback) { m_account->destroyStatus(status, callback); });
+        EXPECT_TRUE(received->wasOnMainThread);
+        return !received->result->isError();
+    };
+    EXPECT_FALSE(destroy(first, 403));
+    EXPECT_EQ(m_account->timelineStream()->storedStatuses().size(), 2);
+    EXPECT_TRUE(destroy(first, 200));
+    EXPECT_EQ(m_account->timelineStream()->storedStatuses(), TwitterStatusList { second });
+    EXPECT_TRUE(m_account->repliesStream()->storedStatuses().isEmpty());
+    EXPECT_TRUE(destroy(second, 404)) << "it is not there any more";
+    EXPECT_EQ(told.join(u' '), u"1 2"_s);
+}
+
 TEST_F(AccountRequests, LookUpsGoWithoutCredentialsFirst)
 {
     std::atomic<bool> isPublic = true;

@@ -1,13 +1,34 @@
 #include "app/lists/PelinorStatusActions.h"
 
 #include "app/links/PelinorScreenLinkPresenter.h"
+#include "app/look/PelinorAlert.h"
 #include "foundation/KRUserDefaults.h"
 
+#include <QCoreApplication>
+#include <QPointer>
+#include <QPushButton>
 #include <QUrl>
 
 namespace {
 
 constexpr int ClassicRepost = 1;
+
+/// Tells why a post is still there.
+struct Deletion {
+    Q_DECLARE_TR_FUNCTIONS(PelinorStatusActions)
+
+public:
+    QPointer<QWidget> window;
+
+    void statusResponse(const KRResult<TwitterStatusPtr>& response)
+    {
+        if (response.isError() && window)
+            PelinorShowAlert(QMessageBox::Warning,
+                tr("The post could not be deleted."),
+                response.error().description,
+                window);
+    }
+};
 
 } // namespace
 
@@ -55,6 +76,26 @@ bool PelinorStatusActions::toggleFavorite(const TwitterStatusPtr& status) const
 {
     m_account->addStatusToFavorites(status);
     return m_account->isFavoriteStatus(*status);
+}
+
+void PelinorStatusActions::destroy(const TwitterStatusPtr& status, QWidget* view) const
+{
+    if (!m_account->isAuthorOfStatus(*status) || status->statusID().isEmpty())
+        return;
+    QMessageBox* const alert = PelinorMakeAlert(QMessageBox::Question,
+        Deletion::tr("Delete this post?"),
+        Deletion::tr("It goes from the site for everybody:\n\n%1").arg(status->text()),
+        view);
+    alert->setObjectName(QStringLiteral("deletePostSheet"));
+    QPushButton* const cancel = alert->addButton(Deletion::tr("Cancel"), QMessageBox::RejectRole);
+    QPushButton* const agree = alert->addButton(Deletion::tr("Delete"), QMessageBox::DestructiveRole);
+    alert->setDefaultButton(cancel);
+    alert->setEscapeButton(cancel);
+    const auto deletion = std::make_shared<Deletion>(Deletion { view->window() });
+    QObject::connect(agree, &QPushButton::clicked, alert, [account = m_account, status, deletion] {
+        account->destroyStatus(status, Callback(deletion, &Deletion::statusResponse));
+    });
+    alert->open();
 }
 
 void PelinorStatusActions::openInBrowser(const TwitterStatus& status, QWidget* view) const

@@ -23,6 +23,8 @@ public:
     void directMessage(const TwitterUserPtr& user) const;
     /// Whether it is a favourite afterwards.
     bool toggleFavorite(const TwitterStatusPtr& status) const;
+    /// Deletes one of the account's own, once the user has agreed in a sheet on the view's window.
+    void destroy(const TwitterStatusPtr& status, QWidget* view) const;
     void openInBrowser(const TwitterStatus& status, QWidget* view) const;
 
     /// What a repost begins with, in the way the user wants that written.

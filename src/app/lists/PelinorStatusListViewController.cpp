@@ -61,6 +61,11 @@ void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
             });
         },
         stream.get());
+    m_destroyedObservation = environment().notifications.observe<TwitterAccountDidDestroyStatusNotification>(
+        [this](const TwitterAccountDidDestroyStatusNotification& destroyed) {
+            this->stream()->removeStatus(*destroyed.status);
+        },
+        account().get());
     const TwitterStatusList statuses = stream->statuses();
     setStatuses(statuses);
     const bool hasPosts = std::any_of(statuses.begin(), statuses.end(), [](const TwitterStatusPtr& status) {
@@ -73,6 +78,7 @@ void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
 void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
 {
     m_errorObservation.invalidate();
+    m_destroyedObservation.invalidate();
     m_streamObservation.invalidate();
     m_preferencesObservation.invalidate();
     m_dateTimer.invalidate();
@@ -478,6 +484,7 @@ bool PelinorStatusListViewController::tableViewKeyDown(KRTableView& /*tableView*
         { Qt::Key_D, Command::DirectMessage },
         { Qt::Key_F, Command::ToggleFavorite },
         { Qt::Key_O, Command::OpenInBrowser },
+        { Qt::Key_Delete, Command::Destroy },
     };
     const auto command = commands.find(event.key());
     if (command == commands.end() || event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)
@@ -529,6 +536,9 @@ void PelinorStatusListViewController::perform(Command command)
     case Command::OpenInBrowser:
         pelinorStatusCellViewOnTwitter(*cell, cell->status());
         break;
+    case Command::Destroy:
+        pelinorStatusCellDestroyStatus(*cell, cell->status());
+        break;
     }
 }
 
@@ -565,6 +575,12 @@ void PelinorStatusListViewController::pelinorStatusCellToggleFavoriteForStatus(
     const bool isFavorite = _actions().toggleFavorite(status);
     if (cell.status() == status)
         cell.setIsFavorite(isFavorite);
+}
+
+void PelinorStatusListViewController::pelinorStatusCellDestroyStatus(PelinorStatusTableViewCell& cell,
+    const TwitterStatusPtr& status)
+{
+    _actions().destroy(status, &cell);
 }
 
 void PelinorStatusListViewController::pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,

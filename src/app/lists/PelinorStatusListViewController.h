@@ -60,7 +60,8 @@ public:
         PostLink,
         DirectMessage,
         ToggleFavorite,
-        OpenInBrowser
+        OpenInBrowser,
+        Destroy
     };
     [[nodiscard]] bool hasSelectedPost();
     /// Nothing without a selected post.
@@ -85,6 +86,8 @@ public:
     void pelinorStatusCellDirectMessageUser(PelinorStatusTableViewCell& cell,
         const TwitterStatusPtr& status) override;
     void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status) override;
+    void pelinorStatusCellDestroyStatus(PelinorStatusTableViewCell& cell,
         const TwitterStatusPtr& status) override;
     void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,
         const TwitterStatusPtr& status) override;
@@ -138,4 +141,5 @@ private:
     KRObservation m_preferencesObservation;
     KRObservation m_streamObservation;
     KRObservation m_errorObservation;
+    KRObservation m_destroyedObservation;
 };

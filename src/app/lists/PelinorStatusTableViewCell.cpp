@@ -201,10 +201,10 @@ struct PelinorStatusTableViewCell::MenuItem {
     const char* name = nullptr;
 };
 
-const std::vector<PelinorStatusTableViewCell::MenuItem>& PelinorStatusTableViewCell::_menuItems()
+std::vector<PelinorStatusTableViewCell::MenuItem> PelinorStatusTableViewCell::_menuItems() const
 {
     using Delegate = PelinorCellDelegate;
-    static const std::vector<MenuItem> items {
+    std::vector<MenuItem> items {
         { QT_TR_NOOP("Reply..."), &Delegate::pelinorStatusCellReplyToStatus, "replyToTweet" },
         { QT_TR_NOOP("Repost..."), &Delegate::pelinorStatusCellRepostStatus, "repostTweet" },
         { QT_TR_NOOP("Copy Link to Tweet"), &Delegate::pelinorStatusCellPostLinkToStatus, "copyLinkToTweet" },
@@ -219,6 +219,11 @@ const std::vector<PelinorStatusTableViewCell::MenuItem>& PelinorStatusTableViewC
         {},
         { QT_TR_NOOP("Open in Browser"), &Delegate::pelinorStatusCellViewOnTwitter, "viewOnTwitter" },
     };
+    if (m_layout.isMine) {
+        items.push_back({});
+        items.push_back(
+            { QT_TR_NOOP("Delete..."), &Delegate::pelinorStatusCellDestroyStatus, "destroyTweet" });
+    }
     return items;
 }
 

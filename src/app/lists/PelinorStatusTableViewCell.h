@@ -50,6 +50,9 @@ public:
     virtual void pelinorStatusCellToggleFavoriteForStatus(PelinorStatusTableViewCell& cell,
         const TwitterStatusPtr& status)
         = 0;
+    virtual void pelinorStatusCellDestroyStatus(PelinorStatusTableViewCell& cell,
+        const TwitterStatusPtr& status)
+        = 0;
     virtual void pelinorStatusCellViewOnTwitter(PelinorStatusTableViewCell& cell,
         const TwitterStatusPtr& status)
         = 0;
@@ -120,7 +123,7 @@ private:
     enum class Part { None, ReplyButton, ActionButton, Picture };
     using Action = void (PelinorCellDelegate::*)(PelinorStatusTableViewCell&, const TwitterStatusPtr&);
     struct MenuItem;
-    static const std::vector<MenuItem>& _menuItems();
+    std::vector<MenuItem> _menuItems() const;
 
     Tone _tone() const;
     void _setTextInTone(Tone tone);

@@ -70,6 +70,13 @@ void TwitterConcreteStatusesStream::setStatuses(const TwitterStatusList& statuse
     _postDidUpdate();
 }
 
+void TwitterConcreteStatusesStream::removeStatus(const TwitterStatus& status)
+{
+    TwitterStatusList remaining = m_statuses;
+    if (remaining.removeIf([&status](const TwitterStatusPtr& one) { return one->isEqual(status); }) > 0)
+        setStatuses(remaining);
+}
+
 void TwitterConcreteStatusesStream::_postDidUpdate()
 {
     // Whoever hears of it may remove the account that owns the stream.

@@ -36,6 +36,7 @@ public:
     [[nodiscard]] const TwitterStatusList& storedStatuses() const { return m_statuses; }
     /// Replaces the posts.
     void setStatuses(const TwitterStatusList& statuses) override;
+    void removeStatus(const TwitterStatus& status) override;
 
     /// Asks for what is newer than the newest status. Ignored while such a load runs.
     void loadNewer() override;

@@ -42,5 +42,7 @@ public:
     /// that the stream no longer shows. Streams without such rows need not have it.
     virtual void loadMissing(const TwitterDummyMissingStatus& /*row*/) { }
     virtual void setStatuses(const TwitterStatusList& statuses);
+    /// The post is gone from the service. Streams that keep none need not have it.
+    virtual void removeStatus(const TwitterStatus& /*status*/) { }
     [[nodiscard]] virtual TwitterStatusList statuses() const;
 };
