@@ -157,15 +157,15 @@ TEST_P(Pictures, OfTheMainWindow)
     ASSERT_TRUE(waitFor([this] {
         return m_twitter->accounts().first()->directMessagesManager()->conversations().size() > 5;
     }));
-    (void)QTest::qWaitFor([] { return false; }, 600);
+    const auto& conversations = m_twitter->accounts().first()->directMessagesManager()->conversations();
+    ASSERT_TRUE(waitFor([&] {
+        return std::ranges::all_of(conversations,
+            [](const auto& one) { return one->correspondent()->profileImage() != nullptr; });
+    }));
     takeWindow(u"messages"_s);
-    QWidget* const messages = window().topViewController()->view();
-    auto* const conversations = messages->findChild<KRTableView*>();
-    ASSERT_NE(conversations ? conversations : qobject_cast<KRTableView*>(messages), nullptr);
-    KRTableView& table = conversations ? *conversations : *qobject_cast<KRTableView*>(messages);
+    KRTableView& table = *qobject_cast<KRTableView*>(window().topViewController()->view());
     table.selectRow(0);
     QTest::keyClick(table.selectedCell(), Qt::Key_Return);
-    (void)QTest::qWaitFor([] { return false; }, 600);
     takeWindow(u"messages-one"_s);
 
     window().selectSearch();
@@ -197,7 +197,11 @@ TEST_P(Pictures, OfTheMainWindow)
     ASSERT_TRUE(waitFor([this] { return !window().statusStrip().error().isEmpty(); }));
     takeWindow(u"error"_s);
     window().selectReplies();
-    (void)QTest::qWaitFor([] { return false; }, 300);
+    const auto lastRow = [this] {
+        KRTableView& rows = window().topList()->tableView();
+        return window().topList()->tableViewAccessibleNameForRow(rows, rows.numberOfRows() - 1);
+    };
+    ASSERT_TRUE(waitFor([&] { return lastRow().contains(u"Try again"); })) << lastRow().toStdString();
     takeWindow(u"unreachable"_s);
 }
 

@@ -228,7 +228,7 @@ protected:
         screen.view()->resize(420, 400);
         screen.view()->show();
         screen.viewWillAppear(false);
-        QTest::qWait(0);
+        QCoreApplication::processEvents();
     }
     ~PelinorConversationScreenTest() override { screen.viewWillDisappear(false); }
 
@@ -255,7 +255,7 @@ TEST_F(PelinorConversationScreenTest, IsWrittenInAtTheBottom)
     const int height = field()->height();
     QTest::keyClick(field(), Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(field(), u"you"_s);
-    QTest::qWait(0);
+    QCoreApplication::processEvents();
     EXPECT_GT(field()->height(), height);
     EXPECT_TRUE(isAtBottom());
     EXPECT_EQ(outbox.answer(*account, bob()), u"hello\nyou"_s);

@@ -38,7 +38,7 @@ protected:
         screen->view()->resize(420, 600);
         screen->view()->show();
         screen->viewWillAppear(false);
-        QTest::qWait(0);
+        QCoreApplication::processEvents();
     }
     ~PelinorSearchesTest() override { screen->viewWillDisappear(false); }
 
@@ -76,7 +76,7 @@ protected:
         QMouseEvent move(QEvent::MouseMove, end, cell->mapToGlobal(end), Qt::NoButton, Qt::LeftButton, {});
         QCoreApplication::sendEvent(cell, &move);
         QTest::mouseRelease(cell, Qt::LeftButton, {}, end);
-        QTest::qWait(0);
+        QCoreApplication::processEvents();
     }
 
     KRTestServer server { KRTestServer::always(200, R"({"trends":[{"name":"#rain"}]})"),
