@@ -144,6 +144,8 @@ public:
     void noteFreshTweets();
     void noteFreshMentions();
     void noteFreshMessages();
+    /// Up to when messages count as seen; invalid while there were none.
+    [[nodiscard]] const QDateTime& freshMessages() const { return m_freshMessages; }
     /// Each search's stream keeps its own mark; this only announces that they may have moved.
     void noteFreshSearches();
     void markAllAsRead();

@@ -76,14 +76,21 @@ bool isStatusID(const QString& text)
         && std::ranges::all_of(text, [](QChar unit) { return unit >= u'0' && unit <= u'9'; });
 }
 
+// As it is written where it is not the usual one of the scheme.
+int unusualPort(const QUrl& url)
+{
+    const int usual = url.scheme() == "https"_L1 ? 443 : 80;
+    return url.port(usual) == usual ? -1 : url.port();
+}
+
 // The pages of the account's own site that the program shows itself: /USER, /USER/status/ID, /notice/ID, /tag/WORD.
 KRLinkAction actionForSitePage(const TwitterServiceHosts& hosts, const QString& link)
 {
     const QUrl root(hosts.webRoot());
     const QUrl url(link, QUrl::StrictMode);
     const bool isOfWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
-    if (!isOfWeb || root.host().isEmpty() || url.host() != root.host() || url.port() != root.port()
-        || url.hasQuery())
+    if (!isOfWeb || root.host().isEmpty() || url.host() != root.host()
+        || unusualPort(url) != unusualPort(root) || url.hasQuery())
         return {};
     QString path = url.path();
     if (!path.startsWith(root.path()))

@@ -96,7 +96,7 @@ TEST(KRLinkActionTests, PagesOfTheAccountsOwnSiteStayInTheProgram)
         { u"/böb"_s, {} },
         { u"/"_s, {} },
     };
-    for (const QString& root : { u"http://social.example/site"_s, u"https://social.example/site"_s }) {
+    for (const QString& root : { u"http://social.example/site"_s, u"https://social.example:443/site"_s }) {
         for (const auto& [path, action] : cases) {
             KRLinkAction expected = action.kind == Kind::Nothing ? open(root + path) : action;
             if (action.kind == Kind::ShowStatus)

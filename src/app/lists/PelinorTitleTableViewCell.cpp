@@ -149,8 +149,8 @@ void PelinorTitleTableViewCell::mouseReleaseEvent(QMouseEvent* event)
         return;
     if (std::exchange(m_isDragged, false)) {
         // A copy: the handler may destroy the cell.
-        const auto dropped = m_dragged;
-        dropped(std::nullopt);
+        if (const auto dropped = m_dragged)
+            dropped(std::nullopt);
     } else if (rect().contains(event->position().toPoint())) {
         activate();
     }

@@ -35,7 +35,7 @@ void PelinorConversation::beginLooking()
             [self = weak_from_this()](const TwitterStreamErrorNotification&) {
                 KRRunLoop::main().post([self] {
                     if (const auto conversation = self.lock())
-                        conversation->_noteFailure();
+                        conversation->_changed();
                 });
             },
             stream));
@@ -71,7 +71,7 @@ PelinorConversation::Older PelinorConversation::older() const
 {
     if (_isLoading())
         return Older::Loading;
-    if (m_hasFailed)
+    if (std::ranges::any_of(_streams(), &TwitterDirectMessagesStream::didFailOlder))
         return Older::Failed;
     const bool isAtEnd = std::ranges::all_of(_streams(), &TwitterDirectMessagesStream::isAtEnd);
     return isAtEnd ? Older::None : Older::Offered;
@@ -81,19 +81,22 @@ void PelinorConversation::loadOlder()
 {
     if (_isLoading())
         return;
-    m_hasFailed = false;
     m_pagesUnasked = 0;
-    m_account->directMessagesManager()->loadOlder();
-    _changed();
+    _loadOlder();
 }
 
 void PelinorConversation::topCameIntoView()
 {
     if (older() != Older::Offered || m_pagesUnasked == PagesUnasked)
         return;
-    const int pages = m_pagesUnasked + 1;
-    loadOlder();
-    m_pagesUnasked = pages;
+    ++m_pagesUnasked;
+    _loadOlder();
+}
+
+void PelinorConversation::_loadOlder()
+{
+    m_account->directMessagesManager()->loadOlder();
+    _changed();
 }
 
 void PelinorConversation::_messagesDidChange()
@@ -104,12 +107,6 @@ void PelinorConversation::_messagesDidChange()
         m_pagesUnasked = 0;
         PelinorReadMarks(m_defaults, *m_account).noteRead(*m_conversation);
     }
-    _changed();
-}
-
-void PelinorConversation::_noteFailure()
-{
-    m_hasFailed = true;
     _changed();
 }
 
@@ -130,6 +127,8 @@ void PelinorConversation::sendAnswer()
 
 void PelinorConversation::_changed()
 {
+    // Whoever hears of it may let go of the screen.
+    const auto self = weak_from_this().lock();
     if (m_didChange)
         m_didChange();
 }

@@ -58,7 +58,7 @@ public:
 
 private:
     void _messagesDidChange();
-    void _noteFailure();
+    void _loadOlder();
     [[nodiscard]] std::array<const TwitterDirectMessagesStream*, 2> _streams() const;
     [[nodiscard]] bool _isLoading() const;
     void _changed();
@@ -72,5 +72,4 @@ private:
     std::vector<KRObservation> m_observations;
     qsizetype m_knownMessages = 0;
     int m_pagesUnasked = 0;
-    bool m_hasFailed = false;
 };

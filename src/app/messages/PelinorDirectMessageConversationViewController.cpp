@@ -73,9 +73,7 @@ void PelinorDirectMessageConversationViewController::loadView()
     view->setFocusProxy(m_answerView);
     setView(std::move(view));
     QScrollBar* const scrolling = tableView().verticalScrollBar();
-    connect(scrolling, &QScrollBar::valueChanged, this, [this, scrolling](int value) {
-        m_isAtBottom = value + NearBottom >= scrolling->maximum();
-    });
+    connect(scrolling, &QScrollBar::valueChanged, this, [this] { m_isAtBottom = _isNearBottom(); });
     // The field below grows with what is written in it, and windows are made lower.
     connect(scrolling, &QScrollBar::rangeChanged, this, [this, scrolling](int /*minimum*/, int maximum) {
         if (m_isAtBottom)
@@ -106,6 +104,12 @@ void PelinorDirectMessageConversationViewController::viewWillDisappear(bool /*an
 }
 
 // The reader's place
+
+bool PelinorDirectMessageConversationViewController::_isNearBottom()
+{
+    const QScrollBar& scrolling = *tableView().verticalScrollBar();
+    return scrolling.value() + NearBottom >= scrolling.maximum();
+}
 
 PelinorDirectMessageConversationViewController::Place PelinorDirectMessageConversationViewController::_place()
 {
@@ -149,8 +153,11 @@ void PelinorDirectMessageConversationViewController::tableViewDidReload(KRTableV
 void PelinorDirectMessageConversationViewController::tableViewDidShowRows(KRTableView& /*tableView*/,
     KRRange rows)
 {
-    if (rows.length > 0 && rows.location == 0 && m_rows.front().kind == Kind::Older)
-        m_presenter->topCameIntoView();
+    if (rows.length == 0 || rows.location > 0 || m_rows.front().kind != Kind::Older)
+        return;
+    // This comes before the scroll bar tells of its value.
+    m_isAtBottom = _isNearBottom();
+    m_presenter->topCameIntoView();
 }
 
 // Rows

@@ -46,6 +46,7 @@ private:
     };
 
     [[nodiscard]] Place _place();
+    [[nodiscard]] bool _isNearBottom();
     [[nodiscard]] QString _titleOfRow(const PelinorConversationRow& row) const;
     void _send();
 

@@ -26,10 +26,11 @@ void PelinorDirectMessagesViewController::viewWillAppear(bool /*animated*/)
                 });
             },
             stream));
-    m_dateTimer = everyMinute([this] {
-        forEachShownCell<PelinorTitleTableViewCell>(
-            [this](auto& cell, qint64 row) { cell.setContent(_contentOfRow(row)); });
-    });
+    // All may have been marked as read.
+    m_accountObservation = environment().notifications.observe<TwitterAccountDidUpdateNotification>(
+        [this](const auto&) { _updateCells(); },
+        account().get());
+    m_dateTimer = everyMinute([this] { _updateCells(); });
     tableView().reloadData();
     if (manager->conversations().isEmpty())
         _load();
@@ -52,6 +53,7 @@ void PelinorDirectMessagesViewController::_didFail()
 void PelinorDirectMessagesViewController::viewWillDisappear(bool /*animated*/)
 {
     m_observation.invalidate();
+    m_accountObservation.invalidate();
     m_errorObservations.clear();
     m_dateTimer.invalidate();
     if (tableView().isScrolledToTop())
@@ -62,6 +64,26 @@ void PelinorDirectMessagesViewController::tableViewWillReload(KRTableView& /*tab
 {
     m_conversations
         = account() ? account()->directMessagesManager()->conversations() : decltype(m_conversations)();
+    _readMarks();
+}
+
+void PelinorDirectMessagesViewController::_readMarks()
+{
+    m_unread.clear();
+    if (m_conversations.isEmpty())
+        return;
+    const PelinorReadMarks marks(environment().defaults, *account());
+    for (const TwitterDirectMessageConversationPtr& conversation : std::as_const(m_conversations)) {
+        if (marks.isUnread(*conversation))
+            m_unread.insert(conversation.get());
+    }
+}
+
+void PelinorDirectMessagesViewController::_updateCells()
+{
+    _readMarks();
+    forEachShownCell<PelinorTitleTableViewCell>(
+        [this](auto& cell, qint64 row) { cell.setContent(_contentOfRow(row)); });
 }
 
 int PelinorDirectMessagesViewController::numberOfRowsInTableView(KRTableView& /*tableView*/)
@@ -88,7 +110,7 @@ PelinorTitleTableViewCell::Content PelinorDirectMessagesViewController::_content
         .date = newest ? KRAdditions::relativeTimeAgoString(newest->date()) : QString(),
         .user = user,
         .hasUser = true,
-        .isFresh = PelinorReadMarks(environment().defaults, *account()).isUnread(*conversation),
+        .isFresh = m_unread.contains(conversation.get()),
     };
 }
 

@@ -36,14 +36,18 @@ private:
     void _openRow(qint64 row);
     void _load();
     void _didFail();
+    void _readMarks();
+    void _updateCells();
 
     Twitter& m_twitter;
     PelinorOutbox& m_outbox;
     QList<TwitterDirectMessageConversationPtr> m_conversations;
+    QSet<const TwitterDirectMessageConversation*> m_unread;
     // What became of asking for messages where there are none.
     enum class Answer { Awaited, Given, Failed };
     Answer m_answer = Answer::Awaited;
     KRObservation m_observation;
+    KRObservation m_accountObservation;
     std::vector<KRObservation> m_errorObservations;
     KRTimer m_dateTimer;
 };

@@ -69,8 +69,9 @@ private:
     }
     void postingDidSendMessage(const TwitterDirectMessagePtr& message) override
     {
-        // Shown at once; the next refresh brings the same one.
-        if (!message->messageID().isNull() && message->recipient())
+        // Shown at once; the next refresh brings the same one, also where the site does not say here who wrote.
+        if (!message->messageID().isNull() && message->recipient()
+            && m_account->isAuthorOfDirectMessage(*message))
             m_account->directMessagesManager()->addMessages({ message },
                 TwitterDirectMessagesConversationManager::FromMe::Yes);
     }

@@ -28,7 +28,8 @@ PelinorReadMarks::PelinorReadMarks(KRUserDefaults& defaults, TwitterAccount& acc
 {
     QStringList entries = m_defaults.stringListForKey(m_key);
     if (entries.isEmpty()) {
-        m_since = KRNow().toMSecsSinceEpoch();
+        const QDateTime& seen = m_account.freshMessages();
+        m_since = (seen.isValid() ? seen : KRNow()).toMSecsSinceEpoch();
         _save();
         return;
     }
@@ -40,8 +41,13 @@ PelinorReadMarks::PelinorReadMarks(KRUserDefaults& defaults, TwitterAccount& acc
 bool PelinorReadMarks::isUnread(const TwitterDirectMessageConversation& conversation) const
 {
     const TwitterUserPtr& person = conversation.correspondent();
-    return person
-        && newestFromOther(conversation, m_account) > std::max(m_since, m_readUntil.value(keyOf(*person)));
+    if (!person)
+        return false;
+    // Somebody who has an ID now may have had none then.
+    const qint64 readUntil = std::max({ m_since,
+        m_readUntil.value(keyOf(*person)),
+        m_readUntil.value(u'@' + person->username().toLower()) });
+    return newestFromOther(conversation, m_account) > readUntil;
 }
 
 void PelinorReadMarks::noteRead(const TwitterDirectMessageConversation& conversation)

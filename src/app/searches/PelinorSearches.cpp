@@ -58,7 +58,8 @@ TwitterSearchPtr PelinorSearches::searchFor(const QString& query)
     if (trimmed.isEmpty())
         return nullptr;
     QStringList recent = recentQueries();
-    recent.removeAll(trimmed);
+    // The same search in any case, as with those that are saved.
+    recent.removeIf([&](const QString& one) { return one.toLower() == trimmed.toLower(); });
     recent.prepend(trimmed);
     m_defaults.setStringList(recentQueriesKey, recent.mid(0, MostRecentQueries));
     auto search = std::make_shared<TwitterSearch>(m_account->context().tables, m_account->context().hosts);

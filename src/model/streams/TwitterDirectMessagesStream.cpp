@@ -95,6 +95,8 @@ void TwitterDirectMessagesStream::_loadOlder()
         callback.invoke(noAccountError());
         return;
     }
+    if (m_didFailOlder.exchange(false))
+        m_page = std::max(m_page - 1, 0);
     _request(*account->authenticatedRequest(callback), {}, {}, m_page);
     ++m_page;
 }
@@ -134,6 +136,8 @@ void TwitterDirectMessagesStream::loadNewerResponse(const Response& response, co
 
 void TwitterDirectMessagesStream::loadOlderResponse(const Response& response)
 {
+    // First, as a load that is not under way has come to its end.
+    m_didFailOlder = response.isError();
     m_isLoadingOlder = false;
     if (response.isError() || response.value().size() <= largestLastPage)
         m_isAtEnd = true;

@@ -41,6 +41,8 @@ public:
     [[nodiscard]] bool isLoadingNewer() const { return m_isLoadingNewer; }
     [[nodiscard]] bool isLoadingOlder() const { return m_isLoadingOlder; }
     [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
+    /// The last older page could not be loaded; the next older load asks for it once more.
+    [[nodiscard]] bool didFailOlder() const { return m_didFailOlder; }
 
     /// What lies between two messages is on its way.
     [[nodiscard]] bool isLoadingMissing() const { return m_gaps.isLoading(); }
@@ -84,6 +86,7 @@ private:
     std::atomic<bool> m_isLoadingNewer = false;
     std::atomic<bool> m_isLoadingOlder = false;
     std::atomic<bool> m_isAtEnd = false;
+    std::atomic<bool> m_didFailOlder = false;
 };
 
 /// What the account has received.

@@ -7,6 +7,7 @@
 #include "app/messages/PelinorReadMarks.h"
 #include "compose/ComposeFixture.h"
 #include "support/KRManualClock.h"
+#include "support/KRTest.h"
 
 #include <QDir>
 #include <QPlainTextEdit>
@@ -112,11 +113,15 @@ TEST_F(PelinorConversationTest, AMessageThatFailedStaysUntilItHasGoneOut)
     EXPECT_EQ(textsOnDisk(), QStringList { u"?hello to bob"_s });
     EXPECT_EQ(requestsTo(newMessage).size(), 2);
 
-    answer(newMessage, KRTestServer::always(200, messageXML(55, "hello", true)));
-    answer(sent, KRTestServer::always(500, {}));
+    // A site that does not say who wrote it: what the next refresh brings is shown.
+    QByteArray anonymous = messageXML(55, "hello", true);
+    anonymous.replace("<screen_name>alice</screen_name>", "");
+    answer(newMessage, KRTestServer::always(200, anonymous));
+    answer(sent, KRTestServer::always(200, "<messages>" + messageXML(55, "hello", true) + "</messages>"));
     outbox.tryAgain(outgoing()->number);
     ASSERT_TRUE(KRWaitUntil([&] { return !outgoing(); }));
-    EXPECT_EQ(conversation()->mostRecentMessage()->messageID(), u"55"_s);
+    ASSERT_TRUE(KRWaitUntil([&] { return conversation()->mostRecentMessage()->messageID() == u"55"_s; }));
+    EXPECT_TRUE(account->isAuthorOfDirectMessage(*conversation()->mostRecentMessage()));
     EXPECT_EQ(textsOnDisk(), QStringList());
 }
 
@@ -153,7 +158,8 @@ TEST_F(PelinorConversationTest, UnreadUntilItWasLookedAt)
     fresh->setMessageID(u"60"_s);
     fresh->setSender(conversation()->correspondent());
     fresh->setRecipient(makeUser(u"alice"_s));
-    fresh->setDate(KRNow().addSecs(60));
+    // After the account was made, and before its messages were first asked about.
+    fresh->setDate(account->freshMessages().addMSecs(1));
     account->directMessagesManager()->addMessages({ fresh },
         TwitterDirectMessagesConversationManager::FromMe::No);
     EXPECT_TRUE(PelinorReadMarks(defaults, *account).isUnread(*conversation()));
@@ -170,6 +176,8 @@ TEST_F(PelinorConversationTest, UnreadUntilItWasLookedAt)
         defaults);
     presenter->beginLooking();
     EXPECT_FALSE(PelinorReadMarks(defaults, *account).isUnread(*conversation()));
+    account->noteFreshMessages();
+    EXPECT_FALSE(list.tableView().cellForRow(0)->accessibleName().contains(u"new"_s));
 }
 
 TEST(PelinorConversationRows, AreGroupedByDayAndWriter)
@@ -287,7 +295,6 @@ TEST_F(PelinorConversationScreenTest, WhatDoesNotFitIsNotSent)
 TEST_F(PelinorConversationScreenTest, OlderMessagesComeWithoutAJump)
 {
     answer(received, KRTestServer::always(200, page(10, 29)));
-    table().scrollToPoint({ 0, 60 }, KRScrollView::Animated::No);
     const auto placeOf = [&](const QString& text) {
         for (qint64 row = 0; row < table().numberOfRows(); ++row) {
             if (screen.tableViewAccessibleNameForRow(table(), row).contains(text))
@@ -295,21 +302,35 @@ TEST_F(PelinorConversationScreenTest, OlderMessagesComeWithoutAJump)
         }
         return INT_MAX;
     };
-    const int before = placeOf(u"message 33,"_s);
-    ASSERT_NE(before, INT_MAX);
+    // As the key for the beginning does it.
     table().scrollToPoint({ 0, 0 }, KRScrollView::Animated::No);
+    EXPECT_FALSE(isAtBottom());
     const int atTop = placeOf(u"message 33,"_s);
+    ASSERT_NE(atTop, INT_MAX);
     ASSERT_TRUE(KRWaitUntil([&] { return conversation()->messages().size() == 40; }));
     EXPECT_EQ(placeOf(u"message 33,"_s), atTop);
     // A page that fails says so and is asked for again with a click; then there is no more.
     answer(received, KRTestServer::always(500, {}));
     table().scrollToPoint({ 0, 0 }, KRScrollView::Animated::No);
     const auto top = [&] { return screen.tableViewAccessibleNameForRow(table(), 0); };
-    ASSERT_TRUE(KRWaitUntil([&] { return top() == u"Loading failed. Try again"_s; }));
+    ASSERT_TRUE(KRWaitUntil([&] {
+        const auto* const cell = table().cellForRow(0);
+        return cell && cell->accessibleName() == u"Loading failed. Try again"_s;
+    }));
     answer(received, KRTestServer::always(200, page(8, 9)));
     table().cellForRow(0)->activate();
     ASSERT_TRUE(KRWaitUntil([&] { return conversation()->messages().size() == 42; }));
+    // The one that has failed, and nothing behind it.
+    const auto asked = requestsTo(received);
+    EXPECT_EQ(asked.last().target, asked[asked.size() - 2].target);
     ASSERT_TRUE(KRWaitUntil([&] { return !top().startsWith(u"Loading"_s); }));
+    // A refresh that fails says nothing of older messages.
+    const KRTestCounter<TwitterStreamErrorNotification> errors(
+        account->directMessagesManager()->sentStream().get());
+    answer(sent, KRTestServer::always(500, {}));
+    account->directMessagesManager()->refresh();
+    ASSERT_TRUE(KRWaitUntil([&] { return errors.count == 1; }));
+    QTest::qWait(0);
     EXPECT_EQ(top(), PelinorConversationRows::titleOfDay({ 2026, 11, 22 }, KRNow().toLocalTime().date()));
 }
 
