@@ -95,12 +95,17 @@ function(pelinor_test name)
   if(TEST_WIDGETS)
     set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
   endif()
+  pelinor_suppress_findings(${name})
+endfunction()
+
+# pelinor_suppress_findings(<test>): what sanitizers find in libraries is not told again by the test.
+function(pelinor_suppress_findings test)
   if(PELINOR_SANITIZERS MATCHES address)
-    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+    set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT
       "LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leak-sanitizer.supp:print_suppressions=0")
   endif()
   if(PELINOR_SANITIZERS MATCHES thread)
-    set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT
+    set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT
       "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/thread-sanitizer.supp")
   endif()
 endfunction()

@@ -109,6 +109,20 @@ QString CommandDocuments::usage()
             wrapped(u"Exit status: "_s + QString::fromUtf16(exitStatus), 0));
 }
 
+QString CommandDocuments::usageOf(const QString& name)
+{
+    const CommandForm& command = *CommandTable::commandNamed(name);
+    QString text = u"Usage: pelinor-cli [OPTION]... %1\n\n%2\n"_s.arg(command.synopsis(),
+        QString::fromLatin1(command.description));
+    for (const OptionForm& option : CommandTable::options()) {
+        if (option.bit & command.options)
+            text += row(option.synopsis(), option.description);
+    }
+    if (command.takesText())
+        text += u'\n' + QString::fromUtf16(standardInput) + u'\n';
+    return text + u"\nThe options of all commands: pelinor-cli --help\n"_s;
+}
+
 QString CommandDocuments::manualPage()
 {
     QString page

@@ -7,6 +7,8 @@ namespace CommandDocuments {
 
 /// What --help prints.
 [[nodiscard]] QString usage();
+/// What --help prints behind a command. The name is one of the table's.
+[[nodiscard]] QString usageOf(const QString& command);
 /// The manual page, in the language of man(7).
 [[nodiscard]] QString manualPage();
 /// The completion of commands and options, for bash and for zsh.

@@ -21,7 +21,11 @@ public:
     {
         while (m_next < m_arguments.size() && !m_error)
             _take(m_arguments.at(m_next++));
-        if (!m_error && !m_line.showsHelp)
+        if (!m_error && m_line.name == u"help") {
+            m_line.showsHelp = true;
+            m_line.name = m_line.arguments.value(0);
+        }
+        if (!m_error && !m_line.showsVersion)
             _check();
         if (m_error)
             return *m_error;
@@ -45,15 +49,23 @@ private:
         }
     }
 
-    void _takeOption(const QString& name)
+    void _takeOption(const QString& option)
     {
+        const qsizetype equals = option.indexOf(u'=');
+        const QString name = option.left(equals);
         const OptionForm* form = CommandTable::optionNamed(name);
         if (!form) {
             _fail(u"There is no option %1"_s.arg(name));
             return;
         }
         QString value;
-        if (form->value) {
+        if (equals >= 0 && !form->value) {
+            _fail(u"%1 takes no value"_s.arg(name));
+            return;
+        }
+        if (equals >= 0) {
+            value = option.mid(equals + 1);
+        } else if (form->value) {
             // The next option is no value that was forgotten.
             if (m_next == m_arguments.size() || m_arguments.at(m_next).startsWith(u"--")) {
                 _fail(u"%1 needs a value"_s.arg(name));
@@ -69,17 +81,25 @@ private:
     void _check()
     {
         const CommandForm* form = CommandTable::commandNamed(m_line.name);
+        if (!m_line.name.isNull() && !form)
+            _fail(u"There is no command \"%1\""_s.arg(m_line.name));
+        if (m_line.showsHelp)
+            return;
         if (m_line.name.isNull())
             _fail(u"A command is missing"_s);
-        else if (!form)
-            _fail(u"There is no command \"%1\""_s.arg(m_line.name));
-        else if (m_line.arguments.size() != form->argumentCount())
+        if (!form)
+            return;
+        if (m_line.arguments.size() != form->argumentCount())
             _fail(u"Usage: pelinor-cli %1"_s.arg(form->synopsis()));
         else if (m_line.passwordFromStandardInput && m_line.account.isEmpty())
             _fail(u"--password-stdin needs --account NAME"_s);
-        if (!form)
-            return;
         m_line.command = form->command;
+        // People are written with an "@" in front as well.
+        for (const qsizetype place : form->placesOfNames()) {
+            QString& name = m_line.arguments[place];
+            if (name.startsWith(u'@'))
+                name.remove(0, 1);
+        }
         m_line.takesText = form->takesText();
         for (const OptionForm* option : std::as_const(m_usedOptions)) {
             if (option->bit && !(option->bit & form->options))

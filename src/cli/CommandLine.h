@@ -52,7 +52,9 @@ struct CommandLine {
     bool asJSON = false;
     /// Whether all of the log is shown.
     bool isVerbose = false;
+    /// For the command of the name, or for all when it is null.
     bool showsHelp = false;
+    bool showsVersion = false;
     std::optional<int> count;
     std::optional<int> page;
     QString sinceID;

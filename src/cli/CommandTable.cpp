@@ -121,7 +121,12 @@ constexpr OptionForm optionForms[] = {
         0,
         "the log on standard error, which otherwise has its errors alone",
         setFlag<&CommandLine::isVerbose> },
-    { "--help", nullptr, 0, "this text", setFlag<&CommandLine::showsHelp> },
+    { "--help",
+        nullptr,
+        0,
+        "this text, or behind a command what is to be said of it",
+        setFlag<&CommandLine::showsHelp> },
+    { "--version", nullptr, 0, "the program's version", setFlag<&CommandLine::showsVersion> },
     { "--count", "N", Count, "how many", setNumber<&CommandLine::count> },
     { "--since-id", "ID", SinceID, "newer ones alone", setText<&CommandLine::sinceID> },
     { "--max-id", "ID", MaxID, "this one and older ones", setText<&CommandLine::maxID> },
@@ -160,6 +165,17 @@ qsizetype CommandTable::CommandForm::argumentCount() const
 bool CommandTable::CommandForm::takesText() const
 {
     return argumentsOf(*this).contains(u"TEXT"_s);
+}
+
+QList<qsizetype> CommandTable::CommandForm::placesOfNames() const
+{
+    QList<qsizetype> places;
+    const QStringList words = argumentsOf(*this);
+    for (qsizetype place = 0; place < words.size(); ++place) {
+        if (words[place] == u"NAME" || words[place].size() == 1)
+            places.append(place);
+    }
+    return places;
 }
 
 QString CommandTable::CommandForm::synopsis() const

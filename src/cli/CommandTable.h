@@ -19,6 +19,8 @@ struct CommandForm {
 
     [[nodiscard]] qsizetype argumentCount() const;
     [[nodiscard]] bool takesText() const;
+    /// Which of the arguments name people.
+    [[nodiscard]] QList<qsizetype> placesOfNames() const;
     /// The name with the arguments and the options of its own, as "post TEXT [--reply-to ID]".
     [[nodiscard]] QString synopsis() const;
 };

@@ -86,8 +86,13 @@ int main(int argc, char** argv)
     }
     if (!line.value().isVerbose)
         KRSetLogSink(showErrorsAlone);
-    if (!line.value().showsHelp)
+    if (line.value().showsVersion)
+        output << "pelinor-cli " << PELINOR_VERSION << Qt::endl;
+    else if (!line.value().showsHelp)
         return run(line.value(), input, output, errors);
-    output << CommandDocuments::usage();
+    else if (line.value().name.isNull())
+        output << CommandDocuments::usage();
+    else
+        output << CommandDocuments::usageOf(line.value().name);
     return 0;
 }

@@ -113,8 +113,15 @@ TEST_F(Commands, SignInAndSayWhatIsWrong)
     EXPECT_EQ(run("--services /no/such/file public").exitCode, 2);
     EXPECT_EQ(alice("--ca-file /no/such/file public").exitCode, 2);
     EXPECT_EQ(alice("--trust-certificate 12:34 public").exitCode, 2);
-    EXPECT_EQ(run("--help").exitCode, 0);
-    EXPECT_EQ(run("dance").exitCode, 2);
+    EXPECT_TRUE(run("--help").output.contains("\nCommands:\n"));
+    for (const char* const line : { "help post", "post --help" }) {
+        const QByteArray help = run(line).output;
+        EXPECT_TRUE(help.startsWith("Usage: pelinor-cli [OPTION]... post TEXT [--reply-to ID]\n")) << line;
+        EXPECT_TRUE(help.contains("--reply-to ID") && !help.contains("--count")) << line;
+    }
+    EXPECT_TRUE(run("--version").output.startsWith("pelinor-cli 1."));
+    for (const char* const line : { "dance", "help dance", "help=3" })
+        EXPECT_EQ(run(line).exitCode, 2) << line;
 }
 
 TEST_F(Commands, TrustTheCertificateThatIsNamed)
@@ -133,9 +140,12 @@ TEST(CommandLine, RefusesWhatMakesNoSense)
 {
     const QString nonsense
         = u"|show|show 1 2|timeline --count|timeline --count many|timeline --count -1|public --count 3|"
-          "verify --reply-to 3|--nonsense verify|-x verify|verify --account --json|verify --password-stdin"_s;
+          "verify --reply-to 3|--json=yes verify|timeline --count=|--nonsense verify|-x verify|verify --account --json|verify --password-stdin"_s;
     for (const QString& line : nonsense.split(u'|'))
         EXPECT_TRUE(CommandLine::parse(line.split(u' ', Qt::SkipEmptyParts)).isError()) << qPrintable(line);
+    const auto send = CommandLine::parse({ u"--account=a=b"_s, u"send"_s, u"@bob"_s, u"@carol says"_s });
+    EXPECT_EQ(send.value().account, u"a=b"_s);
+    EXPECT_EQ(send.value().arguments, (QStringList { u"bob"_s, u"@carol says"_s }));
     EXPECT_EQ(CommandLine::parse({ u"public"_s, u"--count"_s, u"3"_s }).error().description,
         u"\"public\" does not take --count"_s);
     EXPECT_EQ(CommandLine::parse({ u"show"_s }).error().description, u"Usage: pelinor-cli show ID"_s);

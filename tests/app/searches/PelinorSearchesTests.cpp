@@ -115,9 +115,9 @@ TEST_F(PelinorSearchesTest, OffersWhatIsSavedWhatWasLookedForAndTrends)
     table().cellForRow(rowOf(u"Forget these"_s))->activate();
     EXPECT_EQ(rows().size(), 6);
     // The words of what went wrong, where nothing is there in its place.
-    PelinorSearches searches(account,
-        *std::make_shared<Twitter>(TwitterEnvironment { &surroundings.defaults, {}, false }),
-        surroundings.defaults);
+    const auto trendless
+        = std::make_shared<Twitter>(TwitterEnvironment { &surroundings.defaults, {}, false });
+    PelinorSearches searches(account, *trendless, surroundings.defaults);
     searches.setTrendsError(errorWithDomain(u"x"_s, 1, u"no such place"_s));
     EXPECT_EQ(searches.rows().back().title, u"This site tells no trends: no such place"_s);
 }

@@ -86,6 +86,7 @@ TEST(TwitterConcreteStatusesStream, IsCutAboveFiveHundred)
     EXPECT_EQ(stream->storedStatuses().size(), 499);
     EXPECT_EQ(stream->newestStatusID(), u"501"_s);
     EXPECT_EQ(stream->oldestStatusID(), u"3"_s);
+    stream->loadOlderAgain();
     EXPECT_TRUE(stream->isAtEnd()) << "there is no room for older ones";
 }
 

@@ -91,6 +91,10 @@ TEST_F(StreamLoading, EndsWithAShortOrFailedOlderPage)
         const qsizetype requests = m_site.requests().size();
         ASSERT_TRUE(waitForOlder(*stream));
         EXPECT_EQ(m_site.requests().size() - requests, test.ends ? 0 : 1);
+        stream->loadOlderAgain();
+        EXPECT_EQ(stream->isLoadingOlder(), test.status == 503) << "a failure alone opens the list again";
+        EXPECT_EQ(stream->isAtEnd(), test.status == 200 && test.ends);
+        ASSERT_TRUE(KRWaitUntil([&] { return !stream->isLoadingOlder(); }) && KRTestSettle());
     }
 }
 
