@@ -30,6 +30,7 @@ public:
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
+    void tableViewDidReload(KRTableView& tableView) override;
 
 private:
     PelinorTitleTableViewCell::Content _contentOfRow(qint64 row) const;
@@ -40,6 +41,7 @@ private:
     Twitter& m_twitter;
     PelinorOutbox& m_outbox;
     QList<TwitterDirectMessageConversationPtr> m_conversations;
+    qint64 m_rowToSelect = -1;
     // What became of asking for messages where there are none.
     enum class Answer { Awaited, Given, Failed };
     Answer m_answer = Answer::Awaited;
