@@ -9,6 +9,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include <functional>
+
 using namespace Qt::StringLiterals;
 
 using Command = PelinorStatusListViewController::Command;
@@ -19,8 +21,10 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
 {
     using Delegate = PelinorAppDelegate;
     using Window = PelinorMainWindowController;
-    const auto ask = [this](void (Delegate::*what)()) { return [this, what] { (m_delegate.*what)(); }; };
-    const auto show = [this](void (Window::*what)()) { return [this, what] { (m_window.*what)(); }; };
+    const auto ask
+        = [this](void (Delegate::*what)()) { return [this, what] { std::invoke(what, m_delegate); }; };
+    const auto show
+        = [this](void (Window::*what)()) { return [this, what] { std::invoke(what, m_window); }; };
     QMenuBar& bar = *m_window.window().menuBar();
 
     // What is not about the main window has its key in all windows.

@@ -24,7 +24,8 @@ const TwitterDummyMissingStatus& missing(const TwitterStatusPtr& status)
 
 bool isAfterFailure(const TwitterStatus& end)
 {
-    return static_cast<const TwitterDummyEndOfStreamStatus&>(end).isAfterFailure();
+    const auto* const row = dynamic_cast<const TwitterDummyEndOfStreamStatus*>(&end);
+    return row && row->isAfterFailure();
 }
 
 LoadingTableViewCell::State stateOf(const TwitterDummyMissingStatus& row)
@@ -68,10 +69,7 @@ void PelinorStatusListViewController::viewWillAppear(bool /*animated*/)
         account().get());
     const TwitterStatusList statuses = stream->statuses();
     setStatuses(statuses);
-    const bool hasPosts = std::any_of(statuses.begin(), statuses.end(), [](const TwitterStatusPtr& status) {
-        return status->isNotADummyStatus();
-    });
-    if (!hasPosts)
+    if (std::ranges::none_of(statuses, &TwitterStatus::isNotADummyStatus))
         stream->loadNewer();
 }
 
@@ -91,6 +89,7 @@ void PelinorStatusListViewController::viewWillDisappear(bool /*animated*/)
 void PelinorStatusListViewController::streamDidUpdate()
 {
     m_isLoadingOlder = false;
+    m_hasAnswer = true;
     m_arrived = stream()->statuses();
     m_nextToMeasure = 0;
     _measureArrived();
@@ -191,6 +190,10 @@ void PelinorStatusListViewController::tableViewWillReload(KRTableView& tableView
             m_oldestStatusID = status->statusID();
     }
     m_didFail = m_didFail && m_oldestStatusID == formerOldest;
+    // An answer without posts leaves nothing to wait for.
+    if (m_hasAnswer && !m_kinds.empty() && m_kinds.back() == RowKind::Loading
+        && std::ranges::none_of(m_statuses, &TwitterStatus::isNotADummyStatus))
+        m_kinds.back() = RowKind::End;
     m_restoresPlace = true;
 }
 
@@ -219,10 +222,9 @@ TwitterStatusPtr PelinorStatusListViewController::statusForRow(qint64 row) const
 
 qint64 PelinorStatusListViewController::rowForStatus(const TwitterStatus& status) const
 {
-    const auto found
-        = std::find_if(m_statuses.begin(), m_statuses.end(), [&](const TwitterStatusPtr& candidate) {
-              return candidate.get() == &status || candidate->isEqual(status);
-          });
+    const auto found = std::ranges::find_if(m_statuses, [&](const TwitterStatusPtr& candidate) {
+        return candidate.get() == &status || candidate->isEqual(status);
+    });
     return found == m_statuses.end() ? NoRow : found - m_statuses.begin();
 }
 
@@ -269,10 +271,9 @@ void PelinorStatusListViewController::restoreScrollPosition()
     const QString statusID = defaults.stringForKey(_topSavedStatusIDDefaultsKey());
     if (statusID.isEmpty())
         return;
-    const auto status
-        = std::find_if(m_statuses.begin(), m_statuses.end(), [&](const TwitterStatusPtr& candidate) {
-              return candidate->statusID() == statusID && rowForStatus(*candidate) != NoRow;
-          });
+    const auto status = std::ranges::find_if(m_statuses, [&](const TwitterStatusPtr& candidate) {
+        return candidate->statusID() == statusID && rowForStatus(*candidate) != NoRow;
+    });
     if (status == m_statuses.end())
         return;
     tableView().scrollToRow(rowForStatus(**status),

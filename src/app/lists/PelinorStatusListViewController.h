@@ -131,6 +131,7 @@ private:
     // again just because the end of the list is on screen.
     std::optional<QString> m_loadedOlderThan;
     bool m_isLoadingOlder = false;
+    bool m_hasAnswer = false;
     // The last load of older posts, or of the first ones, went wrong.
     bool m_didFail = false;
     // What the stream has brought, and how far its heights are known.

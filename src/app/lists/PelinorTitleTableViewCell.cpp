@@ -47,7 +47,7 @@ QString PelinorTitleTableViewCell::identifier()
 
 int PelinorTitleTableViewCell::heightForContent(const Content& content)
 {
-    if (content.isHeading)
+    if (content.isHeading || content.isNote)
         return HeadingHeight;
     return content.hasUser || !content.detail.isEmpty() ? HighHeight : LowHeight;
 }
@@ -84,7 +84,7 @@ bool PelinorTitleTableViewCell::activate()
 {
     // A copy: the handler may destroy the cell.
     const auto activated = m_activated;
-    if (!activated || m_content.isHeading)
+    if (!activated || m_content.isHeading || m_content.isNote)
         return false;
     activated();
     return true;
@@ -159,18 +159,24 @@ void PelinorTitleTableViewCell::mouseReleaseEvent(QMouseEvent* event)
 void PelinorTitleTableViewCell::paintEvent(QPaintEvent* /*event*/)
 {
     const PelinorCellColors& colors = PelinorCellColors::forPalette(palette());
-    const bool isSelected = selected() && !m_content.isHeading;
+    const bool isQuiet = m_content.isHeading || m_content.isNote;
+    const bool isSelected = selected() && !isQuiet;
     QPainter painter(this);
     painter.fillRect(rect(), isSelected ? colors.selectedBackground : colors.background);
+    // Everything is placed from left to right, and mirrored where one reads the other way.
+    const auto mirrored = [this](const QRect& frame) {
+        return isRightToLeft() ? QRect({ width() - frame.x() - frame.width(), frame.y() }, frame.size())
+                               : frame;
+    };
     if (isSelected)
-        painter.fillRect(QRect(0, 0, SelectionMarkWidth, height()), colors.selectionMark);
+        painter.fillRect(mirrored({ 0, 0, SelectionMarkWidth, height() }), colors.selectionMark);
     const qreal hairline = 1 / devicePixelRatioF();
     painter.fillRect(QRectF(0, height() - hairline, width(), hairline), colors.separator);
 
     int left = Margin;
     if (m_content.hasUser) {
         PelinorProfileImage::draw(painter,
-            QRectF(6, (height() - PelinorProfileImage::Side) / 2.0, 52, 52),
+            mirrored({ 6, (height() - PelinorProfileImage::Side) / 2, 52, 52 }),
             m_content.user ? m_content.user->profileImage() : nullptr,
             colors);
         left = PictureRight;
@@ -184,26 +190,27 @@ void PelinorTitleTableViewCell::paintEvent(QPaintEvent* /*event*/)
         painter.setFont(titleFont(DetailSize - 1));
         painter.setPen(colors.secondaryText);
         const int width = painter.fontMetrics().horizontalAdvance(m_content.date);
-        painter.drawText(QRect(right - width, line.y(), width, line.height()),
+        painter.drawText(mirrored({ right - width, line.y(), width, line.height() }),
             int(Qt::AlignVCenter | Qt::AlignRight | Qt::TextSingleLine),
             m_content.date);
         right -= width + Margin / 2;
     }
     if (m_content.isFresh) {
-        const QRectF dot(right - DotSide, line.center().y() - DotSide / 2.0, DotSide, DotSide);
+        const QRect dot = mirrored({ right - DotSide, line.center().y() - DotSide / 2, DotSide, DotSide });
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
         painter.setBrush(colors.selectionMark);
         painter.drawEllipse(dot);
         right -= DotSide + Margin / 2;
     }
-    painter.setFont(m_content.isHeading
-            ? titleFont(DetailSize, QFont::DemiBold)
+    painter.setFont(isQuiet
+            ? titleFont(DetailSize, m_content.isNote ? QFont::Normal : QFont::DemiBold)
             : titleFont(TitleSize, m_content.hasUser || m_content.isFresh ? QFont::DemiBold : QFont::Normal));
-    painter.setPen(m_content.isHeading ? colors.secondaryText : colors.name);
+    painter.setPen(isQuiet ? colors.secondaryText : colors.name);
     const auto drawLine = [&](const QString& text, const QRect& frame) {
-        painter.drawText(frame,
-            int(Qt::AlignVCenter | Qt::AlignLeft | Qt::AlignAbsolute | Qt::TextSingleLine),
+        const auto side = isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft;
+        painter.drawText(mirrored(frame),
+            int(Qt::AlignVCenter | side | Qt::AlignAbsolute | Qt::TextSingleLine),
             painter.fontMetrics().elidedText(text.simplified(), Qt::ElideRight, frame.width()));
     };
     drawLine(m_content.title, { left, line.y(), right - left, line.height() });

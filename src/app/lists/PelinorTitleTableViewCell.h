@@ -27,6 +27,8 @@ public:
         bool isFresh = false;
         /// A heading of the rows below it, which does nothing.
         bool isHeading = false;
+        /// A sentence in the place of rows, which does nothing either.
+        bool isNote = false;
     };
 
     explicit PelinorTitleTableViewCell(KRNotificationCenter& notifications);

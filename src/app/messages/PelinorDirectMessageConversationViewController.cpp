@@ -207,9 +207,9 @@ KRTableViewCell* PelinorDirectMessageConversationViewController::tableViewCellFo
     const Row& shown = m_rows[size_t(row)];
     if (!shown.message) {
         auto* const cell = reusedOrNewCell<PelinorTitleTableViewCell>(tableView, environment().notifications);
-        const bool isHeading
-            = shown.kind == Kind::Day || m_presenter->older() == PelinorConversation::Older::Loading;
-        cell->setContent({ .title = _titleOfRow(shown), .isHeading = isHeading });
+        const bool isHeading = shown.kind == Kind::Day;
+        const bool isNote = !isHeading && m_presenter->older() == PelinorConversation::Older::Loading;
+        cell->setContent({ .title = _titleOfRow(shown), .isHeading = isHeading, .isNote = isNote });
         cell->setActivateHandler([this] { m_presenter->loadOlder(); });
         return cell;
     }

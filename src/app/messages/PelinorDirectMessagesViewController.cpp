@@ -60,11 +60,20 @@ void PelinorDirectMessagesViewController::viewWillDisappear(bool /*animated*/)
         account()->noteFreshMessages();
 }
 
-void PelinorDirectMessagesViewController::tableViewWillReload(KRTableView& /*tableView*/)
+void PelinorDirectMessagesViewController::tableViewWillReload(KRTableView& tableView)
 {
+    const auto selected = m_conversations.value(tableView.selectedRow());
     m_conversations
         = account() ? account()->directMessagesManager()->conversations() : decltype(m_conversations)();
     _readMarks();
+    m_rowToSelect = selected ? m_conversations.indexOf(selected) : -1;
+}
+
+void PelinorDirectMessagesViewController::tableViewDidReload(KRTableView& tableView)
+{
+    // A message takes its conversation to the top; whose row was chosen stays chosen.
+    if (m_rowToSelect != tableView.selectedRow())
+        tableView.selectRow(m_rowToSelect);
 }
 
 void PelinorDirectMessagesViewController::_readMarks()
@@ -98,7 +107,7 @@ PelinorTitleTableViewCell::Content PelinorDirectMessagesViewController::_content
         return { .title = tr("Loading failed. Try again") };
     if (m_conversations.isEmpty())
         return { .title = m_answer == Answer::Given ? tr("No direct messages yet") : tr("Loading…"),
-            .isHeading = true };
+            .isNote = true };
     const TwitterDirectMessageConversationPtr& conversation = m_conversations.at(row);
     const TwitterUserPtr& user = conversation->correspondent();
     const TwitterDirectMessagePtr newest = conversation->mostRecentMessage();

@@ -30,6 +30,7 @@ public:
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
+    void tableViewDidReload(KRTableView& tableView) override;
 
 private:
     PelinorTitleTableViewCell::Content _contentOfRow(qint64 row) const;
@@ -43,6 +44,7 @@ private:
     PelinorOutbox& m_outbox;
     QList<TwitterDirectMessageConversationPtr> m_conversations;
     QSet<const TwitterDirectMessageConversation*> m_unread;
+    qint64 m_rowToSelect = -1;
     // What became of asking for messages where there are none.
     enum class Answer { Awaited, Given, Failed };
     Answer m_answer = Answer::Awaited;

@@ -161,6 +161,8 @@ void PelinorOutbox::sendAnswer(const TwitterAccountPtr& account, const TwitterUs
     Answer* const answer = _answerFor(*account, person);
     if (!answer || answer->draft.text.trimmed().isEmpty())
         return;
+    // Services drop white space at both ends; a message on its way has none of it either.
+    answer->draft.text = answer->draft.text.trimmed();
     m_sendings.push_back(std::make_unique<Sending>(*this, account, std::move(*answer)));
     std::erase_if(m_answers, [answer](const auto& one) { return one.get() == answer; });
     m_sendings.back()->send();

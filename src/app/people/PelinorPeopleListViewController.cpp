@@ -44,12 +44,12 @@ PelinorTitleTableViewCell::Content PelinorPeopleListViewController::_contentOfEn
     if (m_people && m_people->error())
         return { .title = tr("Loading failed. Try again"), .detail = m_people->error()->description };
     if (!m_people || !m_people->isAtEnd())
-        return { .title = tr("Loading…"), .isHeading = true };
+        return { .title = tr("Loading…"), .isNote = true };
     if (!m_rows.isEmpty())
-        return { .title = {}, .isHeading = true };
+        return { .title = {}, .isNote = true };
     return { .title
         = m_kind == PelinorPeople::Kind::Following ? tr("Follows nobody yet") : tr("No followers yet"),
-        .isHeading = true };
+        .isNote = true };
 }
 
 PelinorTitleTableViewCell::Content PelinorPeopleListViewController::_contentOfRow(qint64 row) const

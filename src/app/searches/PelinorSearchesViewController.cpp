@@ -25,7 +25,8 @@ PelinorTitleTableViewCell::Content contentOf(const PelinorSearches::Row& row)
 {
     return { .title = row.title,
         .isFresh = row.isFresh,
-        .isHeading = row.kind == Kind::Heading || row.kind == Kind::Note };
+        .isHeading = row.kind == Kind::Heading,
+        .isNote = row.kind == Kind::Note };
 }
 
 } // namespace
@@ -83,6 +84,8 @@ void PelinorSearchesViewController::viewWillAppear(bool /*animated*/)
             tableView().reloadData();
         },
         &m_twitter));
+    // Whoever comes back looks for something else.
+    m_searchField->selectAll();
     m_twitter.updateTrends();
     tableView().reloadData();
 }
@@ -117,8 +120,11 @@ void PelinorSearchesViewController::_open(const Row& row)
 
 // Rows
 
-void PelinorSearchesViewController::tableViewWillReload(KRTableView& /*tableView*/)
+void PelinorSearchesViewController::tableViewWillReload(KRTableView& tableView)
 {
+    const qint64 selected = tableView.selectedRow();
+    m_selected = selected >= 0 && selected < qint64(m_rows.size()) ? std::optional(m_rows[size_t(selected)])
+                                                                   : std::nullopt;
     // The row under the pointer may be another one now.
     delete m_dropMark;
     m_dragged = nullptr;
@@ -126,6 +132,17 @@ void PelinorSearchesViewController::tableViewWillReload(KRTableView& /*tableView
     if (m_searches)
         static_cast<QStringListModel*>(m_searchField->completer()->model())
             ->setStringList(m_searches->recentQueries());
+}
+
+void PelinorSearchesViewController::tableViewDidReload(KRTableView& tableView)
+{
+    // Rows come and go above the chosen one, and it may have been moved or renamed itself.
+    const auto row = std::ranges::find_if(m_rows, [this](const Row& one) {
+        return m_selected && one.kind == m_selected->kind
+            && (one.search ? one.search == m_selected->search : one.title == m_selected->title);
+    });
+    if (row != m_rows.end() && row - m_rows.begin() != tableView.selectedRow())
+        tableView.selectRow(row - m_rows.begin());
 }
 
 int PelinorSearchesViewController::numberOfRowsInTableView(KRTableView& /*tableView*/)
@@ -241,15 +258,11 @@ bool PelinorSearchesViewController::tableViewKeyDown(KRTableView& tableView, con
     if (!row)
         return false;
     const TwitterSearchPtr search = row->search;
-    const auto moveSelected = [&](int distance) {
-        m_searches->move(search, distance);
-        tableView.selectRow(_rowOfFirstSaved() + account()->savedSearches().indexOf(search));
-    };
     const bool isAlt = event.modifiers() == Qt::AltModifier;
     if (isAlt && event.key() == Qt::Key_Up) {
-        moveSelected(-1);
+        m_searches->move(search, -1);
     } else if (isAlt && event.key() == Qt::Key_Down) {
-        moveSelected(1);
+        m_searches->move(search, 1);
     } else if (event.key() == Qt::Key_Delete) {
         m_searches->remove(search);
         tableView.reloadData();

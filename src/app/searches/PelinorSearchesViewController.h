@@ -34,6 +34,7 @@ public:
     QString tableViewAccessibleNameForRow(KRTableView& tableView, qint64 row) override;
     KRTableViewCell* tableViewCellForRow(KRTableView& tableView, qint64 row) override;
     void tableViewWillReload(KRTableView& tableView) override;
+    void tableViewDidReload(KRTableView& tableView) override;
     bool tableViewKeyDown(KRTableView& tableView, const QKeyEvent& event) override;
 
 private:
@@ -56,5 +57,6 @@ private:
     TwitterSearchPtr m_dragged;
     qsizetype m_dropDistance = 0;
     std::vector<Row> m_rows;
+    std::optional<Row> m_selected;
     std::vector<KRObservation> m_observations;
 };

@@ -21,6 +21,7 @@
 #include <QCloseEvent>
 #include <QMenuBar>
 #include <QPainter>
+#include <QScreen>
 #include <QStyle>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +30,8 @@ namespace {
 
 constexpr QSize MinimumSize(400, 360);
 constexpr QSize InitialSize(480, 760);
+// What a window's frame takes of the screen, which is known only once there is one.
+constexpr QSize FrameRoom(8, 40);
 constexpr char GeometryKey[] = "MainWindowGeometry";
 constexpr char MenuBarHeightKey[] = "MainWindowMenuBarHeight";
 // With the usual fonts; a first start cannot know.
@@ -172,6 +175,9 @@ void PelinorMainWindowController::_restoreState()
     const QByteArray geometry = m_environment.defaults.dataForKey(GeometryKey);
     if (geometry.isEmpty() || !m_window->restoreGeometry(geometry))
         m_window->resize(InitialSize);
+    // What is below the screen's edge, such as the field of an answer, could not be reached.
+    if (!m_window->isMaximized() && !m_window->isFullScreen())
+        m_window->resize(m_window->size().boundedTo(m_window->screen()->availableSize() - FrameRoom));
 }
 
 void PelinorMainWindowController::saveState()

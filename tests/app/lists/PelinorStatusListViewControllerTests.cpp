@@ -353,6 +353,8 @@ TEST_F(PelinorStatusListTest, ALoadThatFailsSaysSoAndCanBeTriedAgain)
     QTest::mouseClick(table().cellForRow(1), Qt::LeftButton);
     EXPECT_EQ(stream->newerLoads, 2);
     EXPECT_EQ(textOfLastRow(), QStringLiteral("Loading…"));
+    stream->setStatuses({});
+    EXPECT_EQ(textOfLastRow(), QStringLiteral("No posts yet")) << "that was the answer";
     stream->setStatuses(posts(100, 2));
     EXPECT_EQ(stream->olderLoads, 1) << "the bottom is in view";
     stream->isAtEnd = true;

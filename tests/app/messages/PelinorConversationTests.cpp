@@ -96,8 +96,8 @@ TEST_F(PelinorConversationTest, AMessageThatFailedStaysUntilItHasGoneOut)
     outbox.sendAnswer(account, bob());
     EXPECT_FALSE(outgoing());
     answer(newMessage, KRTestServer::always(403, "<hash><error>no room</error></hash>"));
-    outbox.setAnswer(account, bob(), u"hello"_s);
-    EXPECT_EQ(outbox.answer(*account, bob()), u"hello"_s);
+    outbox.setAnswer(account, bob(), u"hello\n\n"_s);
+    EXPECT_EQ(outbox.answer(*account, bob()), u"hello\n\n"_s);
     outbox.sendAnswer(account, bob());
     EXPECT_EQ(outbox.answer(*account, bob()), QString());
     ASSERT_TRUE(waitForState(State::Failed));

@@ -149,6 +149,7 @@ TEST_F(PelinorSearchesTest, SavedOnesAreRenamedMovedAndRemoved)
     EXPECT_EQ(cell->actionNames(), (QStringList { u"Rename…"_s, u"Move Up"_s, u"Move Down"_s, u"Remove"_s }));
     cell->performAction(u"Move Down"_s);
     EXPECT_EQ(saved().toStdString(), u"dogs cats birds=Feathers"_s.toStdString());
+    EXPECT_EQ(table().selectedRow(), rowOf(u"Feathers"_s));
     table().selectRow(rowOf(u"cats"_s));
     QTest::keyClick(&table(), Qt::Key_Delete);
     EXPECT_EQ(saved().toStdString(), u"dogs birds=Feathers"_s.toStdString());
