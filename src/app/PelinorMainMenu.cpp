@@ -160,6 +160,7 @@ QList<PelinorMainMenu::Key> PelinorMainMenu::listKeys()
         { u"D"_s, tr("Direct message to the author") },
         { u"P"_s, tr("Show the author") },
         { u"O"_s, tr("Open in the browser") },
+        { tr("Delete"), tr("Delete a post of your own") },
         { tr("Tab"), tr("Links of the selected post") },
     };
 }
