@@ -9,8 +9,6 @@
 #include <QMenu>
 #include <QMenuBar>
 
-#include <functional>
-
 using namespace Qt::StringLiterals;
 
 using Command = PelinorStatusListViewController::Command;
@@ -22,9 +20,9 @@ PelinorMainMenu::PelinorMainMenu(PelinorAppDelegate& delegate, PelinorMainWindow
     using Delegate = PelinorAppDelegate;
     using Window = PelinorMainWindowController;
     const auto ask
-        = [this](void (Delegate::*what)()) { return [this, what] { std::invoke(what, m_delegate); }; };
+        = [this](void (Delegate::*what)()) { return [target = &m_delegate, what] { (target->*what)(); }; };
     const auto show
-        = [this](void (Window::*what)()) { return [this, what] { std::invoke(what, m_window); }; };
+        = [this](void (Window::*what)()) { return [target = &m_window, what] { (target->*what)(); }; };
     QMenuBar& bar = *m_window.window().menuBar();
 
     // What is not about the main window has its key in all windows.
