@@ -126,6 +126,13 @@ struct FakeSurroundings {
     KRTextHeightCache heights;
     FakeScreens screens;
     PelinorScreenEnvironment environment { defaults, center, preferences, heights, screens, screens };
+    /// The same, hearing what the model itself tells.
+    PelinorScreenEnvironment modelEnvironment { defaults,
+        KRNotificationCenter::defaultCenter(),
+        preferences,
+        heights,
+        screens,
+        screens };
     TwitterAccountPtr account = makeAccount(QStringLiteral("me"));
 
     static TwitterAccountPtr makeAccount(const QString& name)

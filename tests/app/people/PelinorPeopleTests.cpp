@@ -74,12 +74,7 @@ protected:
 
     KRTestSite site;
     FakeSurroundings surroundings;
-    PelinorScreenEnvironment environment { surroundings.defaults,
-        KRNotificationCenter::defaultCenter(),
-        surroundings.preferences,
-        surroundings.heights,
-        surroundings.screens,
-        surroundings.screens };
+    PelinorScreenEnvironment& environment = surroundings.modelEnvironment;
     TwitterAccountPtr account;
     TwitterUserPtr bob = std::make_shared<TwitterUser>();
 };

@@ -83,12 +83,7 @@ protected:
         KRTestCertificate::Good };
     TwitterServiceHosts hosts;
     FakeSurroundings surroundings;
-    PelinorScreenEnvironment environment { surroundings.defaults,
-        KRNotificationCenter::defaultCenter(),
-        surroundings.preferences,
-        surroundings.heights,
-        surroundings.screens,
-        surroundings.screens };
+    PelinorScreenEnvironment& environment = surroundings.modelEnvironment;
     TwitterAccountPtr account = surroundings.account;
     std::shared_ptr<Twitter> twitter;
     std::shared_ptr<PelinorSearchesViewController> screen;
